@@ -1,0 +1,58 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace net {
+
+/// An IPv4 address or netmask as a 32-bit number in host order: 192.168.1.2 is 0xC0A80102.
+struct Ipv4
+{
+    std::uint32_t value = 0;
+
+    friend constexpr auto operator<=>(const Ipv4&, const Ipv4&) = default;
+};
+
+inline constexpr Ipv4 limitedBroadcast{0xFFFFFFFF};
+
+/// A hardware address in the order in which it stands on the wire.
+struct MacAddress
+{
+    std::array<std::uint8_t, 6> bytes{};
+
+    friend constexpr auto operator<=>(const MacAddress&, const MacAddress&) = default;
+};
+
+/// Reads a strict dotted quad: exactly four parts of one to three decimal digits, each 0 to 255; leading
+/// zeros do not make a part octal. Blanks, signs and shorthand like "10.1" are refused with nullopt.
+[[nodiscard]] std::optional<Ipv4> parseIpv4(std::string_view text);
+
+[[nodiscard]] std::string formatIpv4(Ipv4 address);
+
+/// Reads twelve hexadecimal digits in either case, bare or as six pairs joined throughout by ':' or by '-'.
+[[nodiscard]] std::optional<MacAddress> parseMac(std::string_view text);
+
+/// Twelve upper-case hexadecimal digits without separators, the form in which records name a camera.
+[[nodiscard]] std::string formatMac(const MacAddress& mac);
+
+/// Whether the ones of the mask are all on its left; 0.0.0.0 and 255.255.255.255 are contiguous.
+[[nodiscard]] constexpr bool isContiguousMask(Ipv4 mask)
+{
+    const std::uint32_t host = ~mask.value;
+    return (host & (host + 1)) == 0;
+}
+
+[[nodiscard]] constexpr Ipv4 subnetBroadcast(Ipv4 address, Ipv4 mask)
+{
+    return {address.value | ~mask.value};
+}
+
+[[nodiscard]] constexpr bool inSameSubnet(Ipv4 a, Ipv4 b, Ipv4 mask)
+{
+    return ((a.value ^ b.value) & mask.value) == 0;
+}
+
+} // namespace net

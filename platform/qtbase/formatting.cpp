@@ -1,0 +1,1 @@
+#include "tessal/deviceinfo.h"
