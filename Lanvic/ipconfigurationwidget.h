@@ -8,19 +8,18 @@
 #include <QList>
 #include <QWidget>
 
-#include <memory>
-
 class DeviceLister;
 
-/// What a row of the tree stands for and where its record is; all on column 0 and valid until the next refresh.
+/// What a row of the tree stands for and where its record is; all on column 0 and valid until the next
+/// refresh.
 enum ItemKind { AdapterItem = 1, DeviceItem = 2 };
 inline constexpr int ItemKindRole = Qt::UserRole;
 inline constexpr int DeviceIndexRole = Qt::UserRole + 1;  // position in DeviceLister::m_devices
 inline constexpr int AdapterIndexRole = Qt::UserRole + 2; // position in m_networkAdapters
 
-/// The central widget, in which all work with cameras happens: the tree of adapters and cameras, the details of the
-/// selected row, the editor of one camera's addressing, and everything that writes to a camera. One source file for
-/// each concern: construction, tree, details, editing, addresses, writing, connection.
+/// The central widget, in which all work with cameras happens: the tree of adapters and cameras, the details
+/// of the selected row, the editor of one camera's addressing, and everything that writes to a camera. One
+/// source file for each concern: construction, tree, details, editing, addresses, writing, connection.
 class IpConfigurationWidget : public QWidget
 {
     Q_OBJECT
@@ -28,11 +27,9 @@ class IpConfigurationWidget : public QWidget
 public:
     /// Runs the first discovery before it returns.
     explicit IpConfigurationWidget(QWidget* parent = nullptr);
+    IpConfigurationWidget(const IpConfigurationWidget&) = delete;
+    IpConfigurationWidget& operator=(const IpConfigurationWidget&) = delete;
     ~IpConfigurationWidget() override;
-
-public slots:
-    /// Rebuilds the tree from a fresh discovery; reports its failures itself.
-    void refresh();
 
 private slots:
     void on_treeWidget_currentItemChanged(QTreeWidgetItem* current, QTreeWidgetItem* previous);
@@ -53,4 +50,76 @@ private slots:
     void ShowNetworkConnections_triggered();
     void forceIpByMac_triggered();
     void closeEvent(QCloseEvent* event) override;
+
+public slots:
+    /// Rebuilds the tree from a fresh discovery; offers to save pending edits first; reports its failures
+    /// itself.
+    void refresh();
+
+private:
+    // construction
+    void createHiddenAction(const QString& objectName, const QString& shortcut,
+                            void (IpConfigurationWidget::*slot)());
+    void restoreHeaderState();
+    void installValidators();
+    void connectSignals();
+
+    // tree and refresh
+    void doRefresh(); // throws what discovery throws
+    bool UpdateTreeItemFromNetworkAdapter(QTreeWidgetItem* item, const CNetworkAdapter* adapter);
+    bool UpdateTreeItemFromDeviceInfo(QTreeWidgetItem* item, const Tessal::COrvikGigEDeviceInfo* record);
+    int updateTreeRowFromDeviceInfoByMac(const QString& mac);
+    QTreeWidgetItem* findAdapterTreeItem(const QString& name) const;
+    QTreeWidgetItem* getSelectedTreeItem() const;
+    Tessal::COrvikGigEDeviceInfo* GetDeviceInfoFromItemIndex(int index) const;
+    const CNetworkAdapter* GetNetworkAdapterFromItemIndex(int index) const;
+    const CNetworkAdapter* GetNetworkAdapaterFromDeviceItem(const QTreeWidgetItem* item) const;
+    Tessal::COrvikGigEDeviceInfo* GetSelectedDeviceInfo() const;
+    const CNetworkAdapter* GetSelectedNetworkAdapter() const;
+
+    // details panel
+    void updateUiFromTreeItem(const QTreeWidgetItem* item);
+    void updateUiState(QTreeWidgetItem* item);
+    void enableWidgets(bool enable);
+    bool isValidConfigInUI() const;
+    void setSelectionInfoText(const QString& text);
+    void setHintText(const QString& text);
+
+    // editing and addresses
+    void clearDirtyFlags();
+    void startEditing();
+    void stopEditing();
+    bool hasUnsavedChanges() const;
+    bool checkSaveChanges() const;
+    static void fixupIpAddress(QString& text);
+    static void fixupMacAddress(QString& text);
+    static bool isIPAddressValidForDevice(const QString& text);
+    static QString SuggestIPAddress(const QNetworkAddressEntry& entry);
+    static bool hasDeviceValidnetworkPrefixForAdapter(unsigned int deviceIp, unsigned int deviceMask,
+                                                      const QNetworkInterface* adapter);
+
+    // writing
+    bool writeConfiguration(const Tessal::COrvikGigEDeviceInfo& deviceInfo);
+    bool broadcastConfiguration(const QString& mac);
+    bool unicastConfiguration(const QString& ipAddress);
+    bool waitForDevice(const QString& mac);
+
+    // connection and temporary addresses
+    bool openDevice(const QString& ipAddress);
+    void closeDevice();
+    bool forceIp(const QString& headerText, bool showMacAddress, QString* newIpAddress);
+
+    Ui_IpConfigurationWidgetClass ui;
+    bool m_ipConfigModified = false;
+    bool m_ipAddressModified = false;
+    bool m_ipAddressEditPending = false; // edited, and the mask has not been proposed yet
+    bool m_netmaskModified = false;
+    bool m_netmaskEditedByUser = false;
+    bool m_gatewayModified = false;
+    bool m_gatewayEditedByUser = false;
+    bool m_editing = false;
+    bool m_customNameModified = false;
+    DeviceLister* m_pDeviceLister = nullptr;        // owned
+    Tessal::ITessalGigEDevice* m_pDevice = nullptr; // made by and given back to the transport layer
+    QList<CNetworkAdapter> m_networkAdapters;
 };

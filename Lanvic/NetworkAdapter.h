@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QList>
+#include <QNetworkInterface>
+#include <QString>
+
+/// A host network adapter as it was when it was listed, with its name and hardware address kept beside it.
+class CNetworkAdapter : public QNetworkInterface
+{
+public:
+    explicit CNetworkAdapter(const QNetworkInterface& interface)
+        : QNetworkInterface(interface), m_name(name()), m_hardwareAddress(hardwareAddress())
+    {}
+
+    /// The adapters that have all of `requiredFlags`, none of `excludedFlags` and at least one address of any
+    /// family, in the order of the operating system.
+    [[nodiscard]] static QList<CNetworkAdapter>
+    allNetworkAdapters(QNetworkInterface::InterfaceFlags requiredFlags,
+                       QNetworkInterface::InterfaceFlags excludedFlags);
+
+    /// The first adapter in the list that owns `address`, or null. Holds until the list is changed or
+    /// detaches.
+    [[nodiscard]] static const CNetworkAdapter* findByIpAddress(const QList<CNetworkAdapter>& adapters,
+                                                                const QHostAddress& address);
+
+    QString m_name;
+    QString m_hardwareAddress;
+};
