@@ -1,0 +1,22 @@
+#pragma once
+
+#include "tessal/deviceinfo.h"
+
+#include <QHostAddress>
+#include <QString>
+
+/// The property decoded from UTF-8, or the empty text when the record lacks it or is null.
+[[nodiscard]] QString GetUtf8Property(const Tessal::CDeviceInfo* record, const char* key);
+
+/// Six pairs of upper-case hexadecimal digits joined by `separator`; a text that is no MAC address comes back
+/// as it is.
+[[nodiscard]] QString formatMACAddress(const char* mac, const char* separator);
+
+/// The addressing mode for people, from the decimal bit set of a record (1 static, 2 DHCP, 4 link-local).
+/// With flags 1 the mode in force: static before DHCP before Auto IP; with flags 0 all that are enabled,
+/// joined by ", ".
+[[nodiscard]] QString formatIPConfiguration(const char* ipConfigCurrent, unsigned int flags);
+
+/// Reads a strict dotted quad of decimal parts; anything else gives a null address. Every text that becomes
+/// an address goes through here, because QHostAddress itself takes shorthand and octal parts.
+[[nodiscard]] QHostAddress addressFromText(const QString& text);

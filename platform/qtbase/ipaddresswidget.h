@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QDialog>
+#include <QHostAddress>
+
+#include <memory>
+
+class Ui_IpAddressWidget;
+
+/// Dialog that asks for an address, a mask, a gateway and, if wanted, a MAC address. The mask follows a typed
+/// address until the user types a mask. Nothing is judged here beyond characters that no address holds; the
+/// caller does that and may show the dialog again with what was typed.
+class IpAddressWidget : public QDialog
+{
+    Q_OBJECT
+
+public:
+    explicit IpAddressWidget(QWidget* parent = nullptr);
+    IpAddressWidget(const IpAddressWidget&) = delete;
+    IpAddressWidget& operator=(const IpAddressWidget&) = delete;
+    ~IpAddressWidget() override;
+
+    /// Rich text, or plain text with line breaks, at the top of the dialog.
+    void setHeaderText(const QString& text);
+    void setShowMacAddress(bool show);
+    void setIpAddress(const QString& text);
+    void setSubnetMask(const QString& text);
+    void setDefaultGateway(const QString& text);
+    /// Twelve hexadecimal digits are shown as pairs; a text that is no MAC address leaves the maker's prefix.
+    void setMacAddress(const QString& text);
+
+    [[nodiscard]] QString ipAddress() const;
+    [[nodiscard]] QString subnetMask() const;
+    [[nodiscard]] QString defaultGateway() const;
+    [[nodiscard]] QString macAddress() const;
+
+    /// The mask of the host subnet that holds the address, else the classful one (169.254 is /16); null for
+    /// what is no unicast address.
+    [[nodiscard]] static QHostAddress subnetFromAddress(const QHostAddress& address);
+
+private:
+    std::unique_ptr<Ui_IpAddressWidget> ui;
+};

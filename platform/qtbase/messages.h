@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+
+#include <exception>
+
+class QWidget;
+
+/// Modal boxes for failures. Texts that may come from a camera are shown as plain text. `operationName` is
+/// the name of the operation that failed, as the code names it; it goes into the details.
+void showException(const QString& operationName, const std::exception& exception, QWidget* parent);
+/// The same with a text for the user above the exception's own.
+void showException(const QString& operationName, const std::exception& exception, const QString& text,
+                   QWidget* parent);
+/// For what was thrown and is no std::exception.
+void showUnexpectedException(const QString& operationName, const QString& text, QWidget* parent);
+/// A warning with a title, an optional heading and a text.
+void showWarningMessage(const QString& title, const QString& heading, const QString& text, QWidget* parent);
