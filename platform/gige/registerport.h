@@ -1,13 +1,22 @@
 #pragma once
 
+#include "genicam/exceptions.h"
+
 #include <cstdint>
 #include <span>
 
 namespace gige {
 
+/// The camera answered, and said no for another reason than privilege.
+class RefusalException : public GenICam::RuntimeException
+{
+public:
+    using RuntimeException::RuntimeException;
+};
+
 /// Access to the register space of one camera. Failures arrive as GenICam exceptions: AccessException when
-/// the camera refuses for want of privilege, TimeoutException when it does not answer, RuntimeException for
-/// any other refusal and when this host cannot send.
+/// the camera refuses for want of privilege, RefusalException for any other refusal, TimeoutException when it
+/// does not answer, another RuntimeException when this host cannot send.
 class RegisterPort
 {
 public:
