@@ -152,13 +152,17 @@ inline constexpr std::uint32_t UserDefinedName = 0x00E8;
 inline constexpr std::uint32_t FirstUrl = 0x0200;
 inline constexpr std::uint32_t SecondUrl = 0x0400;
 inline constexpr std::size_t UrlSize = 512;
+inline constexpr std::uint32_t NetworkInterfaceCount = 0x0600;
 inline constexpr std::uint32_t PersistentIp = 0x064C;
 inline constexpr std::uint32_t PersistentMask = 0x065C;
 inline constexpr std::uint32_t PersistentGateway = 0x066C;
+inline constexpr std::uint32_t MessageChannelCount = 0x0900;
+inline constexpr std::uint32_t StreamChannelCount = 0x0904;
 inline constexpr std::uint32_t Capability = 0x0934;
 inline constexpr std::uint32_t HeartbeatTimeout = 0x0938;  // ms
 inline constexpr std::uint32_t DiscoveryAckDelay = 0x0950; // ms
 inline constexpr std::uint32_t ControlChannelPrivilege = 0x0A00;
+inline constexpr std::uint32_t PrimaryApplicationPort = 0x0A04;
 inline constexpr std::uint32_t PrimaryApplicationIp = 0x0A14;
 } // namespace Register
 
