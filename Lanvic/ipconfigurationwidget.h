@@ -8,7 +8,12 @@
 #include <QList>
 #include <QWidget>
 
+#include <optional>
+
 class DeviceLister;
+class IpAddressWidget;
+struct AddressingMode;
+struct IpSettings;
 
 /// What a row of the tree stands for and where its record is; all on column 0 and valid until the next
 /// refresh.
@@ -19,7 +24,8 @@ inline constexpr int AdapterIndexRole = Qt::UserRole + 2; // position in m_netwo
 
 /// The central widget, in which all work with cameras happens: the tree of adapters and cameras, the details
 /// of the selected row, the editor of one camera's addressing, and everything that writes to a camera. One
-/// source file for each concern: construction, tree, details, editing, addresses, writing, connection.
+/// source file for each concern: construction, tree, rows, details, editing, addresses, writing, unicast,
+/// connection.
 class IpConfigurationWidget : public QWidget
 {
     Q_OBJECT
@@ -65,10 +71,22 @@ private:
     void connectSignals();
 
     // tree and refresh
+    struct RememberedRow;
     void doRefresh(); // throws what discovery throws
+    RememberedRow rememberSelectedRow() const;
+    bool savePendingChanges();
+    void releaseDevice();
+    void announceSearch();
+    void addAdapterRows(RememberedRow& remembered);
+    void addDeviceRows(RememberedRow& remembered);
+    QTreeWidgetItem* addDeviceRow(const Tessal::COrvikGigEDeviceInfo& record, int index);
+
+    // rows and their records
     bool UpdateTreeItemFromNetworkAdapter(QTreeWidgetItem* item, const CNetworkAdapter* adapter);
     bool UpdateTreeItemFromDeviceInfo(QTreeWidgetItem* item, const Tessal::COrvikGigEDeviceInfo* record);
     int updateTreeRowFromDeviceInfoByMac(const QString& mac);
+    Tessal::COrvikGigEDeviceInfo* deviceOfItem(const QTreeWidgetItem* item) const;
+    const CNetworkAdapter* adapterOfItem(const QTreeWidgetItem* item) const;
     QTreeWidgetItem* findAdapterTreeItem(const QString& name) const;
     QTreeWidgetItem* getSelectedTreeItem() const;
     Tessal::COrvikGigEDeviceInfo* GetDeviceInfoFromItemIndex(int index) const;
@@ -78,7 +96,11 @@ private:
     const CNetworkAdapter* GetSelectedNetworkAdapter() const;
 
     // details panel
+    void saveChangesOfLeftRow(const QTreeWidgetItem* left);
     void updateUiFromTreeItem(const QTreeWidgetItem* item);
+    void showNothing();
+    void showAdapter(const CNetworkAdapter& adapter);
+    void showDevice(const QTreeWidgetItem* item, const Tessal::COrvikGigEDeviceInfo& record);
     void updateUiState(QTreeWidgetItem* item);
     void enableWidgets(bool enable);
     bool isValidConfigInUI() const;
@@ -89,25 +111,41 @@ private:
     void clearDirtyFlags();
     void startEditing();
     void stopEditing();
+    bool areIpSettingsEdited() const;
     bool hasUnsavedChanges() const;
     bool checkSaveChanges() const;
+    bool saveChangesBeforeClosing(); // false when the user would rather stay
     static void fixupIpAddress(QString& text);
     static void fixupMacAddress(QString& text);
     static bool isIPAddressValidForDevice(const QString& text);
     static QString SuggestIPAddress(const QNetworkAddressEntry& entry);
     static bool hasDeviceValidnetworkPrefixForAdapter(unsigned int deviceIp, unsigned int deviceMask,
                                                       const QNetworkInterface* adapter);
+    static IpSettings fixedUpIpSettings(QString ipAddress, QString subnetMask, QString defaultGateway);
 
     // writing
     bool writeConfiguration(const Tessal::COrvikGigEDeviceInfo& deviceInfo);
     bool broadcastConfiguration(const QString& mac);
     bool unicastConfiguration(const QString& ipAddress);
     bool waitForDevice(const QString& mac);
+    AddressingMode addressingModeInUi() const;
+    IpSettings ipSettingsInUi() const;
+    bool storeByBroadcast(const QByteArray& mac);
+    bool restartAfterBroadcast(const QString& mac);
+    bool writeEditedSettings(const Tessal::COrvikGigEDeviceInfo& record, const QByteArray& oldIp);
+    void writePersistentIp(const GenICam::gcstring& mac, const QByteArray& oldIp);
+    bool restartAfterUnicast(const QString& mac, const QByteArray& oldIp);
 
     // connection and temporary addresses
     bool openDevice(const QString& ipAddress);
     void closeDevice();
     bool forceIp(const QString& headerText, bool showMacAddress, QString* newIpAddress);
+    void createAndOpenDevice(const QString& address);
+    bool forceIpForConnection(QString& address);
+    static void fillTemporaryAddressDialog(IpAddressWidget& dialog, const QNetworkAddressEntry& entry,
+                                           const GenICam::gcstring& mac);
+    std::optional<IpSettings> askForTemporaryAddress(IpAddressWidget& dialog, GenICam::gcstring& mac);
+    std::optional<IpSettings> readTemporaryAddress(const IpAddressWidget& dialog, GenICam::gcstring& mac);
 
     Ui_IpConfigurationWidgetClass ui;
     bool m_ipConfigModified = false;
