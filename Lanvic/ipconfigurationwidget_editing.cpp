@@ -1,0 +1,184 @@
+#include "addressranges.h"
+#include "ipconfigurationwidget.h"
+#include "settingskeys.h"
+
+#include "qtbase/formatting.h"
+#include "qtbase/ipaddresswidget.h"
+#include "qtbase/validators.h"
+
+#include <QCloseEvent>
+#include <QHeaderView>
+#include <QMessageBox>
+#include <QSettings>
+
+void IpConfigurationWidget::clearDirtyFlags()
+{
+    m_ipConfigModified = false;
+    m_ipAddressModified = false;
+    m_ipAddressEditPending = false;
+    m_netmaskModified = false;
+    m_netmaskEditedByUser = false;
+    m_gatewayModified = false;
+    m_gatewayEditedByUser = false;
+    m_customNameModified = false;
+    ui.btnWriteConfiguration->setDefault(false);
+}
+
+void IpConfigurationWidget::startEditing()
+{
+    m_editing = true;
+}
+
+void IpConfigurationWidget::stopEditing()
+{
+    m_editing = false;
+}
+
+bool IpConfigurationWidget::areIpSettingsEdited() const
+{
+    return m_ipAddressModified || m_netmaskModified || m_netmaskEditedByUser || m_gatewayModified ||
+           m_gatewayEditedByUser;
+}
+
+bool IpConfigurationWidget::hasUnsavedChanges() const
+{
+    return m_ipConfigModified || areIpSettingsEdited() || m_customNameModified;
+}
+
+void IpConfigurationWidget::ipConfigurationEdited()
+{
+    if (ui.btnUsePersistentIp->isChecked() && ui.editIpAddress->text().isEmpty() &&
+        ui.editNetmask->text().isEmpty()) {
+        const QTreeWidgetItem* item = getSelectedTreeItem();
+        if (item == nullptr || GetSelectedDeviceInfo() == nullptr) {
+            return;
+        }
+        const QNetworkAddressEntry entry = firstIpv4Entry(GetNetworkAdapaterFromDeviceItem(item));
+        const QString suggestion = SuggestIPAddress(entry);
+        if (!suggestion.isEmpty()) {
+            ui.editIpAddress->setText(suggestion);
+            ui.editNetmask->setText(entry.netmask().toString());
+        }
+    }
+    m_ipConfigModified = true;
+    ui.btnWriteConfiguration->setDefault(true);
+    updateUiState(nullptr);
+}
+
+void IpConfigurationWidget::on_editIpAddress_textEdited()
+{
+    m_ipAddressModified = true;
+    m_ipAddressEditPending = true;
+    ui.btnWriteConfiguration->setDefault(true);
+    updateUiState(nullptr);
+}
+
+void IpConfigurationWidget::on_editIpAddress_editingFinished()
+{
+    if (!m_netmaskEditedByUser && m_ipAddressEditPending) {
+        const QHostAddress mask =
+            IpAddressWidget::subnetFromAddress(addressFromText(ui.editIpAddress->text()));
+        if (!mask.isNull() && ui.editNetmask->text().isEmpty()) {
+            ui.editNetmask->setText(mask.toString());
+            m_netmaskModified = true;
+            m_ipAddressEditPending = false;
+        }
+    }
+    if (ui.editDefaultGateway->text().isEmpty()) {
+        m_gatewayModified = true; // to be written as 0.0.0.0
+    }
+    updateUiState(nullptr);
+}
+
+void IpConfigurationWidget::on_editNetmask_textEdited()
+{
+    m_netmaskModified = true;
+    m_netmaskEditedByUser = true;
+    ui.btnWriteConfiguration->setDefault(true);
+    updateUiState(nullptr);
+}
+
+void IpConfigurationWidget::on_editNetmask_editingFinished()
+{
+    const auto* validator = qobject_cast<const QIpNetmaskValidator*>(ui.editNetmask->validator());
+    if (validator == nullptr) {
+        return;
+    }
+    QString normalised = ui.editNetmask->text();
+    validator->fixup(normalised);
+    if (normalised != ui.editNetmask->text()) {
+        ui.editNetmask->setText(normalised);
+        ui.btnWriteConfiguration->setDefault(true);
+        updateUiState(nullptr);
+    }
+}
+
+void IpConfigurationWidget::on_editDefaultGateway_textEdited()
+{
+    m_gatewayModified = true;
+    m_gatewayEditedByUser = true;
+    ui.btnWriteConfiguration->setDefault(true);
+    updateUiState(nullptr);
+}
+
+void IpConfigurationWidget::on_editCustomName_textEdited(const QString& /*text*/)
+{
+    m_customNameModified = true;
+    ui.btnWriteConfiguration->setDefault(true);
+    updateUiState(nullptr);
+}
+
+void IpConfigurationWidget::on_editCustomName_editingFinished()
+{
+    if (const Tessal::COrvikGigEDeviceInfo* record = GetSelectedDeviceInfo()) {
+        m_customNameModified =
+            ui.editCustomName->text() != GetUtf8Property(record, Tessal::Key::UserDefinedName);
+    }
+    updateUiState(nullptr);
+}
+
+bool IpConfigurationWidget::checkSaveChanges() const
+{
+    if (!hasUnsavedChanges() || !isValidConfigInUI()) {
+        return false;
+    }
+    return QMessageBox::question(window(), windowTitle(),
+                                 tr("Do you want to save the changes to the configuration?"),
+                                 QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes;
+}
+
+void IpConfigurationWidget::closeEvent(QCloseEvent* event)
+{
+    if (!saveChangesBeforeClosing()) {
+        event->ignore();
+        return;
+    }
+    QSettings settings;
+    settings.beginGroup(SettingsKey::Group);
+    settings.setValue(SettingsKey::HeaderVersion, SettingsKey::CurrentHeaderVersion);
+    settings.setValue(SettingsKey::Header, ui.treeWidget->header()->saveState());
+}
+
+bool IpConfigurationWidget::saveChangesBeforeClosing()
+{
+    if (!checkSaveChanges()) {
+        return true;
+    }
+    const QTreeWidgetItem* item = ui.treeWidget->currentItem();
+    const Tessal::COrvikGigEDeviceInfo* record = item != nullptr ? deviceOfItem(item) : nullptr;
+    if (record == nullptr || writeConfiguration(*record)) {
+        return true;
+    }
+    const auto answer = QMessageBox::critical(
+        this, windowTitle(),
+        tr("The configuration could not be saved.\nWould you like to continue closing the application?\n\n"
+           "If you click 'Yes', your configuration will not be changed and the application will close.\n"
+           "If you click 'No', you will return to the application."),
+        QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
+    if (answer == QMessageBox::Yes) {
+        return true;
+    }
+    updateTreeRowFromDeviceInfoByMac(QString::fromLatin1(record->GetMacAddress().c_str()));
+    updateUiFromTreeItem(item);
+    return false;
+}
