@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QLabel>
+#include <QObject>
+#include <QPointer>
+#include <QString>
+
+/// Sets the wait cursor for as long as it lives.
+class WaitCursor
+{
+public:
+    WaitCursor();
+    WaitCursor(const WaitCursor&) = delete;
+    WaitCursor& operator=(const WaitCursor&) = delete;
+    ~WaitCursor();
+};
+
+/// Holds the wait cursor for one long operation that may have to give it back in between, and shows the
+/// operation's message over the owner's tree while it does. The destructor restores exactly the cursors that
+/// are still set, so boxes can nest. Lives on the stack of the operation.
+class WaitBox : public QObject
+{
+public:
+    /// Shows nothing yet. `owner` must outlive the box; without one there is no message.
+    WaitBox(const QString& text, QWidget* owner);
+    WaitBox(const WaitBox&) = delete;
+    WaitBox& operator=(const WaitBox&) = delete;
+    ~WaitBox() override;
+
+    /// Sets the cursor once more and paints the message before it returns, since what follows blocks.
+    void showWaitCursor();
+    /// Takes back one cursor that this box has set, and with the last one the message.
+    void restoreCursor();
+
+private:
+    void showMessage();
+
+    QString m_text;
+    int m_cursorCount = 0; // set and not yet restored
+    QWidget* m_pOwner;
+    QPointer<QLabel> m_label; // child of the owner
+};
