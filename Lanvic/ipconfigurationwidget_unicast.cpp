@@ -1,0 +1,148 @@
+#include "DeviceLister.h"
+#include "WaitBox.h"
+#include "editedconfiguration.h"
+#include "ipconfigurationwidget.h"
+#include "trace.h"
+
+#include "ozlog/ozlog.h"
+#include "qtbase/formatting.h"
+#include "qtbase/messages.h"
+
+using ozlog::LogLevel;
+using ozlog::LogTrace;
+
+namespace {
+
+/// Writes the name through the camera's own description; throws GenICam::RuntimeException when that fails.
+void writeDeviceUserId(const GenApi::INodeMap& nodeMap, const QByteArray& name, const QByteArray& oldIp)
+{
+    try {
+        LogTrace(GetIPConfigBaseCatID(), LogLevel::Info,
+                 "Setting DeviceUserID to '%hs' for device with old IP=%hs.", name, oldIp);
+        const GenApi::CPointer<GenApi::IString, GenApi::IBase> userId(nodeMap.GetNode("DeviceUserID"));
+        userId->SetValue(name.constData(), true);
+    } catch (const std::exception& exception) {
+        LogTrace(GetIPConfigBaseCatID(), LogLevel::Error,
+                 "Error setting DeviceUserID of device with old IP=%hs. Err='%hs'", oldIp, exception.what());
+        throw GenICam::ExceptionReporter<GenICam::RuntimeException>(__FILE__, __LINE__, "RuntimeException")
+            .Report("Could not update DeviceUserID.");
+    }
+}
+
+/// False, and nothing written, when the editor asks for no mode at all.
+bool writeAddressingMode(Tessal::ITessalGigEDevice& device, const AddressingMode& mode,
+                         const QByteArray& oldIp)
+{
+    const unsigned long category = GetIPConfigBaseCatID();
+    if (mode.persistentIp) {
+        LogTrace(category, LogLevel::Info, "Setting ip config for device with old IP=%hs to static IP.",
+                 oldIp);
+    } else if (mode.dhcp) {
+        LogTrace(category, LogLevel::Info, "Setting ip config for device with old IP=%hs to DHCP.", oldIp);
+    } else if (mode.autoIp) {
+        LogTrace(category, LogLevel::Info, "Setting ip config for device with old IP=%hs to AutoIP/LLA",
+                 oldIp);
+    } else {
+        LogTrace(category, LogLevel::Error,
+                 "Invalid addresstype for old IP=%hs! Don't know which addressing to use.", oldIp);
+        return false;
+    }
+    device.SetIpConfigMode(mode.persistentIp, mode.dhcp);
+    return true;
+}
+
+void traceOpened(const Tessal::COrvikGigEDeviceInfo& record, const QByteArray& oldIp)
+{
+    LogTrace(GetIPConfigBaseCatID(), LogLevel::Info,
+             "Successfully opened device with old IP=%hs; Netmask=%hs; Gateway=%hs; IPConfig='%hs' to change "
+             "IP configuration via unicast.",
+             oldIp, record.GetSubnetMask(), record.GetDefaultGateway(),
+             formatIPConfiguration(record.GetIpConfigCurrent(), 0).toLocal8Bit());
+}
+
+} // namespace
+
+bool IpConfigurationWidget::unicastConfiguration(const QString& ipAddress)
+{
+    const QByteArray oldIp = ipAddress.toLatin1();
+    try {
+        LogTrace(GetIPConfigBaseCatID(), LogLevel::Info,
+                 "Trying open device with old IP=%hs to change IP configuration via unicast.", oldIp);
+        openDevice(ipAddress);
+        if (m_pDevice == nullptr || !m_pDevice->IsOpen()) {
+            LogTrace(GetIPConfigBaseCatID(), LogLevel::Error,
+                     "Could not open device with old IP=%hs to change IP configuration via unicast.", oldIp);
+            return false;
+        }
+        const Tessal::COrvikGigEDeviceInfo record(m_pDevice->GetDeviceInfo());
+        traceOpened(record, oldIp);
+        const WaitCursor cursor;
+        return writeEditedSettings(record, oldIp) &&
+               restartAfterUnicast(QString::fromLatin1(record.GetMacAddress().c_str()), oldIp);
+    } catch (const std::exception& exception) {
+        showException("unicastConfiguration", exception, nullptr);
+    } catch (...) {
+        showUnexpectedException("unicastConfiguration", "Unknown exception occurred", nullptr);
+    }
+    return false;
+}
+
+bool IpConfigurationWidget::writeEditedSettings(const Tessal::COrvikGigEDeviceInfo& record,
+                                                const QByteArray& oldIp)
+{
+    const GenApi::INodeMap* nodeMap = m_pDevice->GetNodeMap();
+    if (nodeMap == nullptr) {
+        return false;
+    }
+    if (m_customNameModified) {
+        writeDeviceUserId(*nodeMap, ui.editCustomName->text().toUtf8(), oldIp);
+    }
+    if (m_ipConfigModified) {
+        const AddressingMode mode = addressingModeInUi();
+        if (!writeAddressingMode(*m_pDevice, mode, oldIp)) {
+            return false;
+        }
+        m_pDeviceLister->updateDeviceInfo(record.GetMacAddress(), mode.asIpConfig(record.IsAutoIpActive()),
+                                          nullptr, nullptr, nullptr, false);
+    }
+    if (areIpSettingsEdited()) {
+        writePersistentIp(record.GetMacAddress(), oldIp);
+    }
+    clearDirtyFlags();
+    return true;
+}
+
+void IpConfigurationWidget::writePersistentIp(const GenICam::gcstring& mac, const QByteArray& oldIp)
+{
+    const IpSettings settings = ipSettingsInUi();
+    if (!isIPAddressValidForDevice(QString::fromLatin1(settings.ipAddress))) {
+        LogTrace(GetIPConfigBaseCatID(), LogLevel::Error,
+                 "Invalid new IP address '%hs' for device with old IP=%hs!", settings.ipAddress, oldIp);
+        throw GenICam::ExceptionReporter<GenICam::RuntimeException>(__FILE__, __LINE__, "RuntimeException")
+            .Report("Invalid IP address. IP addresses 224.0.0.0 to 255.255.255.255 and 127.0.0.1 are not "
+                    "allowed.");
+    }
+    LogTrace(GetIPConfigBaseCatID(), LogLevel::Info,
+             "Setting persitent IP address for device with old IP=%hs (NewIP=%hs; NewNetmask=%hs; "
+             "NewGateway=%hs;).",
+             oldIp, settings.ipAddress, settings.subnetMask, settings.defaultGateway);
+    m_pDevice->SetPersistentIp(settings.ipAddress.constData(), settings.subnetMask.constData(),
+                               settings.defaultGateway.constData());
+    m_pDeviceLister->updateDeviceInfo(mac, nullptr, settings.ipAddress, settings.subnetMask,
+                                      settings.defaultGateway, false);
+}
+
+bool IpConfigurationWidget::restartAfterUnicast(const QString& mac, const QByteArray& oldIp)
+{
+    LogTrace(GetIPConfigBaseCatID(), LogLevel::Info, "Closing device with old IP=%hs.", oldIp);
+    closeDevice();
+    LogTrace(GetIPConfigBaseCatID(), LogLevel::Info, "Finished configuring device with old IP=%hs.", oldIp);
+    DeviceLister::s_pTl->RestartIpConfig(mac.toLatin1().constData());
+    if (!waitForDevice(mac)) {
+        LogTrace(GetIPConfigBaseCatID(), LogLevel::Warning,
+                 "Failed to rediscover the configured device with old IP=%hs.", oldIp);
+        throw GenICam::ExceptionReporter<GenICam::RuntimeException>(__FILE__, __LINE__, "RuntimeException")
+            .Report("Failed to discover reconfigured device");
+    }
+    return true;
+}

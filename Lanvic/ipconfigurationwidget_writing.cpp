@@ -1,0 +1,205 @@
+#include "DeviceLister.h"
+#include "WaitBox.h"
+#include "editedconfiguration.h"
+#include "ipconfigurationwidget.h"
+#include "trace.h"
+
+#include "ozlog/ozlog.h"
+#include "qtbase/messages.h"
+
+#include <QCoreApplication>
+#include <QMessageBox>
+
+#include <algorithm>
+#include <unistd.h>
+#include <utility>
+
+using ozlog::LogLevel;
+using ozlog::LogTrace;
+
+namespace {
+
+constexpr unsigned int secondsBetweenSearches = 2;
+constexpr int maxSearches = 30;
+
+/// Tells the log what is about to be sent; false when the editor asks for no mode at all.
+bool traceBroadcast(const QByteArray& mac, const AddressingMode& mode, const IpSettings& settings)
+{
+    const unsigned long category = GetIPConfigBaseCatID();
+    if (mode.persistentIp) {
+        LogTrace(category, LogLevel::Info,
+                 "Trying broadcast ip config for MAC=%hs setting static IP (NewIP=%hs; NewNetmask=%hs; "
+                 "NewGateway=%hs;).",
+                 mac, settings.ipAddress, settings.subnetMask, settings.defaultGateway);
+    } else if (mode.dhcp) {
+        LogTrace(category, LogLevel::Info, "Trying broadcast ip config for MAC=%hs setting DHCP.", mac);
+    } else if (mode.autoIp) {
+        LogTrace(category, LogLevel::Info, "Trying broadcast ip config for MAC=%hs setting AutoIP/LLA.", mac);
+    } else {
+        LogTrace(category, LogLevel::Error,
+                 "Invalid addresstype for MAC=%hs! Don't know which addressing to use.", mac);
+        return false;
+    }
+    return true;
+}
+
+bool sendBroadcast(const QByteArray& mac, const AddressingMode& mode, const IpSettings& settings,
+                   const QByteArray& userDefinedName)
+{
+    return DeviceLister::s_pTl->BroadcastIpConfig(
+        mac.constData(), mode.persistentIp, mode.dhcp, settings.ipAddress.constData(),
+        settings.subnetMask.constData(), settings.defaultGateway.constData(), userDefinedName.constData());
+}
+
+bool lists(const Tessal::DeviceInfoList& cameras, const QString& mac)
+{
+    return std::any_of(cameras.begin(), cameras.end(), [&mac](const Tessal::COrvikGigEDeviceInfo& camera) {
+        return mac.compare(QString::fromLatin1(camera.GetMacAddress().c_str()), Qt::CaseInsensitive) == 0;
+    });
+}
+
+} // namespace
+
+void IpConfigurationWidget::on_btnWriteConfiguration_clicked()
+{
+    try {
+        const Tessal::COrvikGigEDeviceInfo* record = GetSelectedDeviceInfo();
+        if (record == nullptr) {
+            return;
+        }
+        // Qt itself moves the focus on when the refresh disables the button, so look before it does.
+        const bool buttonHadFocus = focusWidget() == ui.btnWriteConfiguration;
+        if (writeConfiguration(*record)) {
+            clearDirtyFlags();
+            stopEditing();
+            updateTreeRowFromDeviceInfoByMac(QString::fromLatin1(record->GetMacAddress().c_str()));
+            doRefresh();
+        } else {
+            QMessageBox::critical(this, windowTitle(), tr("The configuration could not be saved."),
+                                  QMessageBox::Close, QMessageBox::Close);
+        }
+        if (buttonHadFocus && !ui.btnWriteConfiguration->isEnabled()) {
+            ui.treeWidget->setFocus(Qt::TabFocusReason);
+        }
+    } catch (const std::exception& exception) {
+        showException("on_btnWriteConfiguration_clicked", exception, nullptr);
+    } catch (...) {
+        showUnexpectedException("on_btnWriteConfiguration_clicked", "Unknown exception occurred", nullptr);
+    }
+}
+
+bool IpConfigurationWidget::writeConfiguration(const Tessal::COrvikGigEDeviceInfo& deviceInfo)
+{
+    try {
+        if (broadcastConfiguration(QString::fromLatin1(deviceInfo.GetMacAddress().c_str()))) {
+            return true;
+        }
+    } catch (const std::exception& exception) {
+        qDebug("Broadcast Configuration failed! (err = '%s')", exception.what());
+    }
+    qDebug("Broadcast Configuration failed! Trying unicast configuration.");
+    try {
+        // Read only now: an accepted broadcast has put the camera's new address into the record.
+        return unicastConfiguration(QString::fromLatin1(deviceInfo.GetIpAddress().c_str()));
+    } catch (const std::exception& exception) {
+        qDebug("unicast Configuration failed! (err = '%s')", exception.what());
+        return false;
+    }
+}
+
+AddressingMode IpConfigurationWidget::addressingModeInUi() const
+{
+    const auto isChosen = [](const QRadioButton* button) {
+        return button->isEnabled() && button->isChecked();
+    };
+    return {.persistentIp = isChosen(ui.btnUsePersistentIp),
+            .dhcp = isChosen(ui.btnUseDhcp),
+            .autoIp = isChosen(ui.btnUseAutoIp)};
+}
+
+IpSettings IpConfigurationWidget::ipSettingsInUi() const
+{
+    return fixedUpIpSettings(ui.editIpAddress->text(), ui.editNetmask->text(), ui.editDefaultGateway->text());
+}
+
+bool IpConfigurationWidget::broadcastConfiguration(const QString& mac)
+{
+    try {
+        const WaitCursor cursor;
+        return storeByBroadcast(mac.toLatin1()) && restartAfterBroadcast(mac);
+    } catch (const std::exception& exception) {
+        showException("broadcastConfiguration", exception, nullptr);
+    } catch (...) {
+        showUnexpectedException("broadcastConfiguration", "Unknown exception occurred", nullptr);
+    }
+    return false;
+}
+
+bool IpConfigurationWidget::storeByBroadcast(const QByteArray& mac)
+{
+    const IpSettings settings = ipSettingsInUi();
+    const QByteArray userDefinedName = ui.editCustomName->text().trimmed().toUtf8();
+    const AddressingMode mode = addressingModeInUi();
+    if (!traceBroadcast(mac, mode, settings)) {
+        return false;
+    }
+    if (!sendBroadcast(mac, mode, settings, userDefinedName)) {
+        LogTrace(GetIPConfigBaseCatID(), LogLevel::Warning,
+                 "Failed to change IP configuration via broadcast for MAC=%hs. This is not an error. The "
+                 "device may not support broadcast ip configuration.",
+                 mac);
+        return false;
+    }
+    LogTrace(GetIPConfigBaseCatID(), LogLevel::Info,
+             "Successfully changed IP configuration via broadcast for MAC=%hs.", mac);
+    if (m_ipConfigModified) {
+        m_pDeviceLister->updateDeviceInfo(mac, mode.asIpConfig(true), nullptr, nullptr, nullptr, false);
+    }
+    if (areIpSettingsEdited()) {
+        m_pDeviceLister->updateDeviceInfo(mac, nullptr, settings.ipAddress, settings.subnetMask,
+                                          settings.defaultGateway, false);
+    }
+    clearDirtyFlags();
+    return true;
+}
+
+bool IpConfigurationWidget::restartAfterBroadcast(const QString& mac)
+{
+    const QByteArray asciiMac = mac.toLatin1();
+    LogTrace(GetIPConfigBaseCatID(), LogLevel::Info,
+             "Restarting IP configuration and waiting for rediscovery for MAC=%hs.", asciiMac);
+    DeviceLister::s_pTl->RestartIpConfig(asciiMac.constData());
+    if (!waitForDevice(mac)) {
+        LogTrace(GetIPConfigBaseCatID(), LogLevel::Warning, "Failed to rediscover the device with MAC=%hs.",
+                 asciiMac);
+        throw GenICam::ExceptionReporter<GenICam::RuntimeException>(__FILE__, __LINE__, "RuntimeException")
+            .Report("Failed to discover reconfigured device");
+    }
+    LogTrace(GetIPConfigBaseCatID(), LogLevel::Info, "Successfully rediscovered MAC=%hs.", asciiMac);
+    return true;
+}
+
+bool IpConfigurationWidget::waitForDevice(const QString& mac)
+{
+    DeviceLister lister; // its own, so that the rows of the tree keep their records
+    WaitBox waitBox(tr("Camera restarts its IP configuration cycle.\n"
+                       "Waiting until the device has been discovered again..."),
+                    this);
+    waitBox.showWaitCursor();
+    try {
+        for (int search = 0; search < maxSearches; ++search) {
+            ::sleep(secondsBetweenSearches);
+            lister.discoverAllDevices();
+            const bool found = lists(lister.m_devices, mac);
+            QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+            if (found) {
+                return true;
+            }
+        }
+    } catch (const std::exception& exception) {
+        showException("waitForDevice", exception, nullptr);
+    } catch (...) {
+        showUnexpectedException("waitForDevice", "Unknown exception occurred", nullptr);
+    }
+    return false;
+}
