@@ -1,0 +1,267 @@
+#include "DeviceLister.h"
+#include "WaitBox.h"
+#include "addressranges.h"
+#include "editedconfiguration.h"
+#include "ipconfigurationwidget.h"
+#include "trace.h"
+
+#include "ozlog/ozlog.h"
+#include "qtbase/ipaddresswidget.h"
+#include "qtbase/messages.h"
+
+#include <QMessageBox>
+
+#include <utility>
+
+using ozlog::LogLevel;
+using ozlog::LogTrace;
+
+namespace {
+
+constexpr char makersMacPrefix[] = "02-5E-41-";
+
+/// The text, followed by the addresses that a camera behind the adapter can have, when that is known.
+QString withValidAddresses(const QString& text, const CNetworkAdapter* adapter)
+{
+    if (adapter == nullptr) {
+        return text;
+    }
+    return text + "<p>" + IpConfigurationWidget::tr("Valid addresses are:<br>") +
+           FormatValidAddressRanges(adapter) + "</p>";
+}
+
+/// Runs one step of a Force IP and reports what it throws. Returns whether the step went through.
+template <typename Step>
+bool reportingForceIpFailure(const GenICam::gcstring& mac, Step step)
+{
+    try {
+        step();
+        return true;
+    } catch (const std::exception& exception) {
+        showException("forceIp", exception, nullptr);
+        LogTrace(GetIPConfigBaseCatID(), LogLevel::Error, "Failed to force IP for MAC=%hs. Err='%hs'", mac,
+                 exception.what());
+    } catch (...) {
+        LogTrace(GetIPConfigBaseCatID(), LogLevel::Error, "Failed to force IP for MAC=%hs.", mac);
+        showUnexpectedException("forceIp", "Unknown exception occurred", nullptr);
+    }
+    return false;
+}
+
+void sendForceIp(const GenICam::gcstring& mac, const IpSettings& settings)
+{
+    LogTrace(GetIPConfigBaseCatID(), LogLevel::Info, "Now forcing IP for MAC=%hs. Retries remaining=%i.", mac,
+             0);
+    DeviceLister::createTransportLayer(); // there is none yet when no search could run
+    DeviceLister::s_pTl->ForceIp(mac, settings.ipAddress.constData(), settings.subnetMask.constData(),
+                                 settings.defaultGateway.constData());
+}
+
+} // namespace
+
+bool IpConfigurationWidget::openDevice(const QString& ipAddress)
+{
+    WaitBox waitBox(tr("Trying to establish a connection to the device..."), this);
+    QString address = ipAddress;
+    do {
+        if (m_pDevice != nullptr) {
+            // A handle whose destroy throws is dropped: it must not be destroyed twice.
+            DeviceLister::s_pTl->DestroyDevice(std::exchange(m_pDevice, nullptr));
+        }
+        waitBox.showWaitCursor();
+        try {
+            createAndOpenDevice(address);
+            waitBox.restoreCursor();
+            return true;
+        } catch (const GenICam::LogicalErrorException& exception) {
+            waitBox.restoreCursor();
+            showException("openDevice", exception, nullptr);
+            return false;
+        } catch (const GenICam::AccessException&) {
+            waitBox.restoreCursor();
+            showWarningMessage(tr("Connection failed"), QString(),
+                               tr("Access denied\nThe device is controlled by another application.\n"
+                                  "Close the connection before changing the IP configuration."),
+                               nullptr);
+            return false;
+        } catch (const GenICam::GenericException& exception) {
+            waitBox.restoreCursor();
+            qDebug("Could not open the device. Will try forceIP ('%s')", exception.GetDescription());
+        }
+    } while (forceIpForConnection(address));
+    return false;
+}
+
+void IpConfigurationWidget::createAndOpenDevice(const QString& address)
+{
+    using enum Tessal::EDeviceAccessMode;
+    Tessal::COrvikGigEDeviceInfo info(DeviceLister::s_pTl->CreateDeviceInfo());
+    info.SetIpAddress(address.toLatin1().constData());
+    Tessal::ITessalDevice* device = DeviceLister::s_pTl->CreateDevice(info);
+    m_pDevice = dynamic_cast<Tessal::ITessalGigEDevice*>(device);
+    if (m_pDevice == nullptr) {
+        throw GenICam::ExceptionReporter<GenICam::LogicalErrorException>(__FILE__, __LINE__,
+                                                                         "LogicalErrorException")
+            .Report("The device must be a GEV Camera.");
+    }
+    m_pDevice->Open(Stream | Control | Event);
+}
+
+bool IpConfigurationWidget::forceIpForConnection(QString& address)
+{
+    const QString explanation =
+        tr("A connection to the device must be established in order to change the configuration.<br>To do "
+           "this, a temporary IP address needs to be assigned to the device.<br>This temporary address will "
+           "only be used to update the configuration and will not be stored on the device.");
+    const CNetworkAdapter* adapter = GetNetworkAdapaterFromDeviceItem(getSelectedTreeItem());
+    return forceIp(withValidAddresses(explanation, adapter), false, &address);
+}
+
+void IpConfigurationWidget::closeDevice()
+{
+    if (m_pDevice == nullptr) {
+        return;
+    }
+    try {
+        if (m_pDevice->IsOpen()) {
+            m_pDevice->Close();
+        }
+    } catch (const GenICam::GenericException& exception) {
+        qWarning("Failed to close device");
+        qWarning() << "closeDevice"
+                   << ": " << exception;
+    } catch (const std::exception& exception) {
+        qWarning("Failed to close device");
+        qWarning() << "closeDevice"
+                   << ": " << exception;
+    } catch (...) {
+        qWarning("Failed to close device");
+        qWarning("%s: Unspecified exception occurred.", "closeDevice");
+    }
+}
+
+bool IpConfigurationWidget::forceIp(const QString& headerText, bool showMacAddress, QString* newIpAddress)
+{
+    const QTreeWidgetItem* item = getSelectedTreeItem();
+    const Tessal::COrvikGigEDeviceInfo* info = GetSelectedDeviceInfo();
+    if ((item == nullptr || info == nullptr) && !showMacAddress) {
+        return false;
+    }
+    const CNetworkAdapter* adapter = GetNetworkAdapaterFromDeviceItem(item);
+    GenICam::gcstring mac = info != nullptr ? info->GetMacAddress() : GenICam::gcstring("<unknown>");
+    LogTrace(GetIPConfigBaseCatID(), LogLevel::Info, "Forcing IP of device with MAC=%hs.", mac);
+
+    IpAddressWidget dialog(this);
+    dialog.setWindowTitle(tr("Assign Temporary IP Address (Force IP)"));
+    dialog.setHeaderText(headerText);
+    dialog.setShowMacAddress(showMacAddress);
+    fillTemporaryAddressDialog(dialog, firstIpv4Entry(adapter), mac);
+
+    const std::optional<IpSettings> settings = askForTemporaryAddress(dialog, mac);
+    if (!settings || !reportingForceIpFailure(mac, [&] {
+            sendForceIp(mac, *settings);
+            if (newIpAddress != nullptr) {
+                *newIpAddress = QString::fromLatin1(settings->ipAddress);
+            }
+        })) {
+        return false;
+    }
+    reportingForceIpFailure(mac, [&mac] {
+        LogTrace(GetIPConfigBaseCatID(), LogLevel::Info, "Successfully forced IP for MAC=%hs.", mac);
+    });
+    if (!waitForDevice(QString::fromLatin1(mac.c_str()))) {
+        return false;
+    }
+    if (!showMacAddress) {
+        m_pDeviceLister->updateDeviceInfo(mac, nullptr, dialog.ipAddress().toLatin1(),
+                                          dialog.subnetMask().toLatin1(), dialog.defaultGateway().toLatin1(),
+                                          true);
+    }
+    return true;
+}
+
+void IpConfigurationWidget::fillTemporaryAddressDialog(IpAddressWidget& dialog,
+                                                       const QNetworkAddressEntry& entry,
+                                                       const GenICam::gcstring& mac)
+{
+    const QString suggestion = SuggestIPAddress(entry);
+    if (suggestion.isEmpty() || entry.netmask().isNull()) {
+        dialog.setIpAddress("192.168.0.202");
+        dialog.setSubnetMask("255.255.255.0");
+    } else {
+        dialog.setIpAddress(suggestion);
+        dialog.setSubnetMask(entry.netmask().toString());
+    }
+    dialog.setDefaultGateway("0.0.0.0");
+    dialog.setMacAddress(mac.empty() ? QString(makersMacPrefix) : QString::fromLatin1(mac.c_str()));
+}
+
+std::optional<IpSettings> IpConfigurationWidget::askForTemporaryAddress(IpAddressWidget& dialog,
+                                                                        GenICam::gcstring& mac)
+{
+    while (dialog.exec() != QDialog::Rejected) {
+        std::optional<IpSettings> entered;
+        const bool read = reportingForceIpFailure(mac, [&] { entered = readTemporaryAddress(dialog, mac); });
+        if (read && entered) {
+            return entered;
+        }
+    }
+    LogTrace(GetIPConfigBaseCatID(), LogLevel::Info,
+             "Forcing IP of device with MAC=%hs has been canceled by user.", mac);
+    return std::nullopt;
+}
+
+std::optional<IpSettings> IpConfigurationWidget::readTemporaryAddress(const IpAddressWidget& dialog,
+                                                                      GenICam::gcstring& mac)
+{
+    const IpSettings entered =
+        fixedUpIpSettings(dialog.ipAddress(), dialog.subnetMask(), dialog.defaultGateway());
+    QString macText = dialog.macAddress();
+    fixupMacAddress(macText);
+    mac = macText.toUpper().toLocal8Bit().constData();
+    LogTrace(GetIPConfigBaseCatID(), LogLevel::Info, "User entered IP=%hs; Netmask=%hs; Gateway=%hs; MAC=%hs",
+             entered.ipAddress, entered.subnetMask, entered.defaultGateway, mac);
+    if (!isIPAddressValidForDevice(QString::fromLatin1(entered.ipAddress))) {
+        LogTrace(GetIPConfigBaseCatID(), LogLevel::Warning,
+                 "Invalid IP address entered for MAC=%hs. Asking again.", mac);
+        QMessageBox::critical(this, tr("Error"),
+                              tr("IP Addresses 127.0.0.1 and 224.0.0.0 to 255.255.255.255 cannot be used."),
+                              QMessageBox::Ok);
+        return std::nullopt;
+    }
+    qDebug("Forcing IP configuration for MAC: '%s' with IP: '%s'; Subnet: '%s'; Default Gateway: '%s'",
+           mac.c_str(), entered.ipAddress.constData(), entered.subnetMask.constData(),
+           entered.defaultGateway.constData());
+    return entered;
+}
+
+void IpConfigurationWidget::on_assignTemporaryIPAddress()
+{
+    const Tessal::COrvikGigEDeviceInfo* info = GetSelectedDeviceInfo();
+    if (info == nullptr) {
+        return;
+    }
+    const GenICam::gcstring mac = info->GetMacAddress();
+    const CNetworkAdapter* adapter = GetNetworkAdapaterFromDeviceItem(getSelectedTreeItem());
+    const QString headerText = withValidAddresses(tr("Please specify a temporary IP address.<br>"
+                                                     "This address will be valid until the device resets."),
+                                                  adapter);
+    try {
+        QString newIpAddress;
+        forceIp(headerText, false, &newIpAddress);
+        updateTreeRowFromDeviceInfoByMac(QString::fromLatin1(mac.c_str()));
+        updateUiFromTreeItem(getSelectedTreeItem());
+    } catch (const std::exception& exception) {
+        qDebug("error forcing IP (err='%s')", exception.what());
+    }
+}
+
+void IpConfigurationWidget::forceIpByMac_triggered()
+{
+    QString newIpAddress;
+    if (forceIp(tr("Please specify the MAC address for the device to force the IP address.\n\n"
+                   "There won't be any error message in case you specify the wrong MAC address."),
+                true, &newIpAddress)) {
+        refresh();
+    }
+}
