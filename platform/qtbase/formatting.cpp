@@ -1,1 +1,74 @@
-#include "tessal/deviceinfo.h"
+#include "formatting.h"
+
+#include "net/addresses.h"
+
+#include <QCoreApplication>
+#include <QStringList>
+
+#include <charconv>
+#include <string_view>
+
+namespace {
+
+struct Texts
+{
+    Q_DECLARE_TR_FUNCTIONS(Formatting)
+};
+
+/// 0, which is no mode, for a text that is no number.
+unsigned int ipConfigBits(std::string_view text)
+{
+    unsigned int bits = 0;
+    const char* const end = text.data() + text.size();
+    const auto [parsedTo, error] = std::from_chars(text.data(), end, bits);
+    return error == std::errc{} && parsedTo == end ? bits : 0;
+}
+
+} // namespace
+
+QString GetUtf8Property(const Tessal::CDeviceInfo* record, const char* key)
+{
+    GenICam::gcstring value;
+    if (record == nullptr || !record->GetPropertyValue(key, value)) {
+        return {};
+    }
+    return QString::fromUtf8(value.c_str());
+}
+
+QString formatMACAddress(const char* mac, const char* separator)
+{
+    const auto address = net::parseMac(mac != nullptr ? mac : "");
+    if (!address) {
+        return QString::fromUtf8(mac);
+    }
+    QStringList pairs;
+    for (const std::uint8_t byte : address->bytes) {
+        pairs += QStringLiteral("%1").arg(byte, 2, 16, QLatin1Char('0')).toUpper();
+    }
+    return pairs.join(QString::fromUtf8(separator));
+}
+
+QString formatIPConfiguration(const char* ipConfigCurrent, unsigned int flags)
+{
+    const unsigned int bits = ipConfigBits(ipConfigCurrent != nullptr ? ipConfigCurrent : "");
+    QStringList modes;
+    if ((bits & Tessal::IpConfig::Persistent) != 0) {
+        modes += Texts::tr("Static IP");
+    }
+    if ((bits & Tessal::IpConfig::Dhcp) != 0) {
+        modes += Texts::tr("DHCP");
+    }
+    if ((bits & Tessal::IpConfig::LinkLocal) != 0) {
+        modes += Texts::tr("Auto IP (LLA)");
+    }
+    if (modes.isEmpty()) {
+        return Texts::tr("Unknown");
+    }
+    return flags == 1 ? modes.constFirst() : modes.join(QLatin1String(", "));
+}
+
+QHostAddress addressFromText(const QString& text)
+{
+    const auto address = net::parseIpv4(text.toStdString());
+    return address ? QHostAddress(address->value) : QHostAddress();
+}

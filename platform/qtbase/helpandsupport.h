@@ -3,26 +3,29 @@
 #include <QDialog>
 #include <QString>
 
+class QLabel;
+
 /// How the help is shown. The program passes InBrowser.
 enum EShowHelpFileFlags { InBrowser = 2 };
 
 /// Full path of the help page: beside an installed program, else in the source tree it was built from. May
 /// not exist.
 [[nodiscard]] QString GetHelpFilePath();
-/// Opens the help page at `topic` (an anchor; empty for the top) in the user's browser; false when that
-/// failed. The id is not used.
+/// Opens the help page at `topic` (an anchor; empty for the top) in the user's browser; false when the page
+/// does not exist or no browser took it. The id is not used.
 bool ShowHelpFile(EShowHelpFileFlags flags, QWidget* parent, const QString& path, const QString& topic,
                   int id);
-/// Opens the maker's feedback page in the user's browser.
+/// Opens the maker's feedback page in the user's browser, or shows its address when no browser took it.
 void OpenFeedbackUrl();
-/// Offers the user an e-mail to the maker's support with the support information in it; false when there is
-/// no mail program.
+/// Offers the user an e-mail to the maker's support with the support information in it; false when the
+/// desktop names no mail program or could not start it.
 bool ContactOrvikSupport();
-/// The support address and what support needs to know of this computer; no serial numbers and no user names.
-/// With `withAdapters`, also the host's network adapters.
+/// The support address and what support needs to know of this computer; no serial numbers, no hardware
+/// addresses and no user names. With `withAdapters`, also the host's network adapters: state, MTU, reverse
+/// path filter and IPv4 addresses.
 [[nodiscard]] QString GetOrvikSupportInfo(bool withAdapters);
 
-/// The maker's About box.
+/// The maker's About box. Its picture is the window icon.
 class AboutDialog : public QDialog
 {
     Q_OBJECT
@@ -35,9 +38,6 @@ public:
     void setCopyrightTimeRange(const QString& years);
 
 private:
-    void updateText();
-
-    class QLabel* m_text;
-    QString m_version;
-    QString m_years;
+    QLabel* m_version;
+    QLabel* m_copyright;
 };

@@ -7,9 +7,12 @@
 
 class Ui_IpAddressWidget;
 
-/// Dialog that asks for an address, a mask, a gateway and, if wanted, a MAC address. The mask follows a typed
-/// address until the user types a mask. Nothing is judged here beyond characters that no address holds; the
-/// caller does that and may show the dialog again with what was typed.
+/// Dialog that asks for an address, a mask, a gateway and, if wanted, a MAC address. Nothing is judged here
+/// beyond characters that no address holds; the caller does that and may show the dialog again with what was
+/// typed. Each time it is shown, the first field has the focus and the cursor stands at its end.
+///
+/// While the user types an address, the mask follows it (subnetFromAddress), until the user types a mask;
+/// emptying the mask field lets it follow again.
 class IpAddressWidget : public QDialog
 {
     Q_OBJECT
@@ -22,6 +25,7 @@ public:
 
     /// Rich text, or plain text with line breaks, at the top of the dialog.
     void setHeaderText(const QString& text);
+    /// Off at first.
     void setShowMacAddress(bool show);
     void setIpAddress(const QString& text);
     void setSubnetMask(const QString& text);
@@ -38,6 +42,11 @@ public:
     /// what is no unicast address.
     [[nodiscard]] static QHostAddress subnetFromAddress(const QHostAddress& address);
 
+    void setVisible(bool visible) override;
+
 private:
+    void followAddress(const QString& text);
+
     std::unique_ptr<Ui_IpAddressWidget> ui;
+    bool m_maskTyped = false;
 };

@@ -6,8 +6,11 @@
 
 class QWidget;
 
-/// Modal boxes for failures. Texts that may come from a camera are shown as plain text. `operationName` is
-/// the name of the operation that failed, as the code names it; it goes into the details.
+/// Modal boxes for failures. Every text is shown as plain text, because it may come from a camera.
+/// `operationName` is the name of the operation that failed, as the code names it; it goes into the details
+/// together with the exception's what(). Without a parent the box belongs to the active window.
+
+/// Shows the description of a GenICam exception, or what() of any other.
 void showException(const QString& operationName, const std::exception& exception, QWidget* parent);
 /// The same with a text for the user above the exception's own.
 void showException(const QString& operationName, const std::exception& exception, const QString& text,

@@ -6,8 +6,9 @@
 class QLineEdit;
 
 /// Accepts a dotted quad that is a host address under the mask now in the given field: its host part is
-/// neither all zeros nor all ones, masks of 31 and 32 bits excepted. While the mask is no mask, any dotted
-/// quad but 0.0.0.0 will do. What may still become an address is Intermediate, any other character Invalid.
+/// neither all zeros nor all ones, masks of 31 and 32 bits excepted. While that field holds no mask, any
+/// dotted quad but 0.0.0.0 will do. Other text of digits and dots is Intermediate, so that no edit on the way
+/// to an address is refused; any other character is Invalid.
 class QIpAddressWithNetmaskValidator : public QValidator
 {
     Q_OBJECT
@@ -25,7 +26,8 @@ private:
     bool m_allowNullAddress = false;
 };
 
-/// Accepts a dotted quad that is a contiguous netmask.
+/// Accepts a dotted quad that is a contiguous netmask of at least one bit. Other text of digits and dots, or
+/// of digits after a slash, is Intermediate; any other character is Invalid.
 class QIpNetmaskValidator : public QValidator
 {
     Q_OBJECT

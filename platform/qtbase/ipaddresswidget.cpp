@@ -1,0 +1,173 @@
+#include "ipaddresswidget.h"
+
+#include "formatting.h"
+#include "ui_ipaddresswidget.h"
+
+#include "net/addresses.h"
+
+#include <QNetworkInterface>
+#include <QValidator>
+
+#include <algorithm>
+
+namespace {
+
+constexpr char makerPrefix[] = "02-5E-41-";
+
+/// Lets only characters pass that the field can hold; blanks, which come with pasted text, are dropped.
+class CharacterFilter : public QValidator
+{
+public:
+    CharacterFilter(const char* characters, QObject* parent)
+        : QValidator(parent), m_characters(QLatin1String(characters))
+    {}
+
+    State validate(QString& input, int& pos) const override
+    {
+        const auto isSpace = [](QChar character) { return character.isSpace(); };
+        pos -= static_cast<int>(std::ranges::count_if(QStringView(input).left(pos), isSpace));
+        input.removeIf(isSpace);
+        const bool fits =
+            std::ranges::all_of(input, [&](QChar character) { return m_characters.contains(character); });
+        return fits ? Acceptable : Invalid;
+    }
+
+private:
+    QString m_characters;
+};
+
+void setText(QLineEdit* edit, const QString& text)
+{
+    edit->setText(text);
+    edit->end(false);
+}
+
+/// The mask of the smallest subnet of an active host adapter that holds the address; null when there is none.
+QHostAddress hostMaskFor(const QHostAddress& address)
+{
+    int longest = 0;
+    QHostAddress mask;
+    const auto adapters = QNetworkInterface::allInterfaces();
+    for (const QNetworkInterface& adapter : adapters) {
+        if (!adapter.flags().testFlag(QNetworkInterface::IsUp)) {
+            continue;
+        }
+        const auto entries = adapter.addressEntries();
+        for (const QNetworkAddressEntry& entry : entries) {
+            if (entry.ip().protocol() == QAbstractSocket::IPv4Protocol && entry.prefixLength() > longest &&
+                address.isInSubnet(entry.ip(), entry.prefixLength())) {
+                longest = entry.prefixLength();
+                mask = entry.netmask();
+            }
+        }
+    }
+    return mask;
+}
+
+} // namespace
+
+IpAddressWidget::IpAddressWidget(QWidget* parent)
+    : QDialog(parent), ui(std::make_unique<Ui_IpAddressWidget>())
+{
+    ui->setupUi(this);
+    for (QLineEdit* edit : {ui->editIpAddress, ui->editSubnetMask, ui->editDefaultGateway}) {
+        edit->setValidator(new CharacterFilter("0123456789.", edit));
+    }
+    ui->editMacAddress->setValidator(new CharacterFilter("0123456789abcdefABCDEF:-", ui->editMacAddress));
+    setMacAddress(QString());
+    setShowMacAddress(false);
+    connect(ui->editIpAddress, &QLineEdit::textEdited, this, &IpAddressWidget::followAddress);
+    connect(ui->editSubnetMask, &QLineEdit::textEdited, this,
+            [this](const QString& text) { m_maskTyped = !text.isEmpty(); });
+}
+
+IpAddressWidget::~IpAddressWidget() = default;
+
+void IpAddressWidget::setHeaderText(const QString& text)
+{
+    ui->labelHeader->setText(text);
+}
+
+void IpAddressWidget::setShowMacAddress(bool show)
+{
+    ui->formLayout->setRowVisible(ui->editMacAddress, show);
+}
+
+void IpAddressWidget::setIpAddress(const QString& text)
+{
+    setText(ui->editIpAddress, text);
+}
+
+void IpAddressWidget::setSubnetMask(const QString& text)
+{
+    setText(ui->editSubnetMask, text);
+}
+
+void IpAddressWidget::setDefaultGateway(const QString& text)
+{
+    setText(ui->editDefaultGateway, text);
+}
+
+void IpAddressWidget::setMacAddress(const QString& text)
+{
+    const std::string mac = text.toStdString();
+    setText(ui->editMacAddress,
+            net::parseMac(mac) ? formatMACAddress(mac.c_str(), "-") : QLatin1String(makerPrefix));
+}
+
+QString IpAddressWidget::ipAddress() const
+{
+    return ui->editIpAddress->text();
+}
+
+QString IpAddressWidget::subnetMask() const
+{
+    return ui->editSubnetMask->text();
+}
+
+QString IpAddressWidget::defaultGateway() const
+{
+    return ui->editDefaultGateway->text();
+}
+
+QString IpAddressWidget::macAddress() const
+{
+    return ui->editMacAddress->text();
+}
+
+QHostAddress IpAddressWidget::subnetFromAddress(const QHostAddress& address)
+{
+    bool isIpv4 = false;
+    const quint32 value = address.toIPv4Address(&isIpv4);
+    const quint32 firstPart = value >> 24;
+    if (!isIpv4 || firstPart == 0 || firstPart >= 224) {
+        return {};
+    }
+    const QHostAddress hostMask = hostMaskFor(address);
+    if (!hostMask.isNull()) {
+        return hostMask;
+    }
+    if (firstPart < 128) {
+        return QHostAddress(0xFF000000);
+    }
+    return QHostAddress(firstPart < 192 ? 0xFFFF0000 : 0xFFFFFF00);
+}
+
+void IpAddressWidget::setVisible(bool visible)
+{
+    QDialog::setVisible(visible);
+    if (visible) {
+        // QDialog selects the whole field that it focuses; the first key would then wipe out the suggestion.
+        QLineEdit* const first = ui->editMacAddress->isHidden() ? ui->editIpAddress : ui->editMacAddress;
+        first->setFocus(Qt::OtherFocusReason);
+        first->end(false);
+    }
+}
+
+void IpAddressWidget::followAddress(const QString& text)
+{
+    const QHostAddress mask = subnetFromAddress(addressFromText(text));
+    if (!m_maskTyped && !mask.isNull()) {
+        setText(ui->editSubnetMask, mask.toString());
+    }
+}
