@@ -76,6 +76,7 @@ private:
     RememberedRow rememberSelectedRow() const;
     bool savePendingChanges();
     void releaseDevice();
+    void clearTree();
     void announceSearch();
     void addAdapterRows(RememberedRow& remembered);
     void addDeviceRows(RememberedRow& remembered);
@@ -99,8 +100,9 @@ private:
     void saveChangesOfLeftRow(const QTreeWidgetItem* left);
     void updateUiFromTreeItem(const QTreeWidgetItem* item);
     void showNothing();
-    void showAdapter(const CNetworkAdapter& adapter);
+    void clearAddressFields();
     void showDevice(const QTreeWidgetItem* item, const Tessal::COrvikGigEDeviceInfo& record);
+    static QString deviceHint(const Tessal::COrvikGigEDeviceInfo& record, const CNetworkAdapter* adapter);
     void updateUiState(QTreeWidgetItem* item);
     void enableWidgets(bool enable);
     bool isValidConfigInUI() const;

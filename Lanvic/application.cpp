@@ -1,0 +1,40 @@
+#include "application.h"
+
+#include "MainWnd.h"
+#include "version.h"
+
+#include "tessal/transportlayer.h"
+
+#include <QApplication>
+#include <QIcon>
+
+namespace {
+
+int runEventLoop(int argc, char** argv)
+{
+    QApplication application(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("Tessal Lanvic"));
+    QCoreApplication::setOrganizationName(QStringLiteral("Orvik"));
+    QCoreApplication::setOrganizationDomain(QStringLiteral("orvik.example"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("lanvic"));
+    QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/Lanvic/Resources/Icon.png")));
+
+    MainWnd window;
+    window.setWindowTitle(QString::asprintf("%s v%d.%d", qUtf8Printable(QCoreApplication::applicationName()),
+                                            version::Major, version::Minor));
+    window.setWindowTitle(window.windowTitle() + QLatin1String(version::Suffix));
+    window.show();
+    QObject::connect(&application, &QGuiApplication::lastWindowClosed, &application, &QCoreApplication::quit);
+    return QApplication::exec();
+}
+
+} // namespace
+
+int runApplication(int argc, char** argv)
+{
+    Tessal::TessalInitialize();
+    // The SDK outlives the application object and every window, because they hold what it made.
+    const int exitCode = runEventLoop(argc, argv);
+    Tessal::TessalTerminate(true);
+    return exitCode;
+}

@@ -1,0 +1,115 @@
+#include "ipconfigurationwidget.h"
+
+#include "DeviceLister.h"
+#include "settingskeys.h"
+
+#include "qtbase/validators.h"
+
+#include <QAction>
+#include <QHeaderView>
+#include <QSettings>
+
+namespace {
+
+/// What a camera can store as its user ID.
+constexpr int maxCustomNameBytes = 16;
+
+/// Accepts what takes at most so many bytes in UTF-8.
+class QUtf8ByteSizeValidator : public QValidator
+{
+public:
+    QUtf8ByteSizeValidator(quint64 maxBytes, QObject* parent) : QValidator(parent), m_maxBytes(maxBytes) {}
+
+    State validate(QString& input, int& /*pos*/) const override
+    {
+        return static_cast<quint64>(input.toUtf8().size()) <= m_maxBytes ? Acceptable : Invalid;
+    }
+
+private:
+    quint64 m_maxBytes;
+};
+
+} // namespace
+
+IpConfigurationWidget::IpConfigurationWidget(QWidget* parent) : QWidget(parent)
+{
+    ui.setupUi(this);
+    clearDirtyFlags();
+    const QStringList columns{tr("Name"),   tr("Device User ID"),   tr("Serial Number"), tr("MAC Address"),
+                              tr("Status"), tr("IP Configuration"), tr("IP Address"),    tr("Subnet Mask")};
+    ui.treeWidget->setColumnCount(static_cast<int>(columns.size()));
+    ui.treeWidget->setHeaderLabels(columns);
+    restoreHeaderState();
+    installValidators();
+    createHiddenAction(QStringLiteral("actionShowNetworkConnections"), tr("Alt+Shift+Ctrl+N"),
+                       &IpConfigurationWidget::ShowNetworkConnections_triggered);
+    createHiddenAction(QStringLiteral("actionForceIpByMac"), tr("Alt+Shift+Ctrl+F"),
+                       &IpConfigurationWidget::forceIpByMac_triggered);
+    connectSignals();
+    updateUiFromTreeItem(nullptr);
+    m_pDeviceLister = new DeviceLister;
+    refresh();
+    updateUiState(nullptr);
+
+    QWidget* const focused = ui.treeWidget->topLevelItemCount() > 0 ? static_cast<QWidget*>(ui.treeWidget)
+                                                                    : static_cast<QWidget*>(ui.btnRefresh);
+    if (focused->isEnabled()) {
+        focused->setFocus(Qt::TabFocusReason);
+    }
+}
+
+IpConfigurationWidget::~IpConfigurationWidget()
+{
+    // A camera that is still held is given back with the transport layer, which may go with the lister.
+    delete m_pDeviceLister;
+}
+
+void IpConfigurationWidget::restoreHeaderState()
+{
+    QSettings settings;
+    settings.beginGroup(SettingsKey::Group);
+    if (settings.contains(SettingsKey::Header) &&
+        settings.value(SettingsKey::HeaderVersion, 0).toInt() == SettingsKey::CurrentHeaderVersion) {
+        ui.treeWidget->header()->restoreState(settings.value(SettingsKey::Header).toByteArray());
+    }
+}
+
+void IpConfigurationWidget::installValidators()
+{
+    ui.editIpAddress->setValidator(new QIpAddressWithNetmaskValidator(ui.editNetmask, this));
+    ui.editNetmask->setValidator(new QIpNetmaskValidator(this));
+    auto* const gatewayValidator = new QIpAddressWithNetmaskValidator(ui.editNetmask, this);
+    gatewayValidator->setAllowNullAddress(true);
+    ui.editDefaultGateway->setValidator(gatewayValidator);
+    ui.editCustomName->setMaxLength(maxCustomNameBytes);
+    ui.editCustomName->setValidator(new QUtf8ByteSizeValidator(maxCustomNameBytes, this));
+}
+
+void IpConfigurationWidget::createHiddenAction(const QString& objectName, const QString& shortcut,
+                                               void (IpConfigurationWidget::*slot)())
+{
+    auto* const action = new QAction(this);
+    action->setObjectName(objectName);
+    action->setShortcut(QKeySequence(shortcut));
+    action->setEnabled(true);
+    action->setVisible(true);
+    addAction(action);
+    connect(action, &QAction::triggered, this, slot);
+}
+
+void IpConfigurationWidget::connectSignals()
+{
+    for (const QRadioButton* mode : {ui.btnUsePersistentIp, ui.btnUseDhcp, ui.btnUseAutoIp}) {
+        connect(mode, &QAbstractButton::clicked, this, &IpConfigurationWidget::ipConfigurationEdited);
+    }
+    connect(ui.editCustomName, &QLineEdit::textEdited, this,
+            &IpConfigurationWidget::on_editCustomName_textEdited);
+    connect(ui.editCustomName, &QLineEdit::editingFinished, this,
+            &IpConfigurationWidget::on_editCustomName_editingFinished);
+    connect(ui.labelSelectionInfo, &QLabel::linkActivated, this,
+            &IpConfigurationWidget::on_selectionInfo_linkActivated);
+    connect(ui.treeWidget, &QWidget::customContextMenuRequested, this,
+            &IpConfigurationWidget::on_showContextMenu);
+}
+
+void IpConfigurationWidget::ShowNetworkConnections_triggered() {}

@@ -1,0 +1,255 @@
+#include "ipconfigurationwidget.h"
+
+#include "DeviceLister.h"
+#include "trace.h"
+
+#include "qtbase/messages.h"
+
+#include <QApplication>
+#include <QMessageBox>
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace {
+
+/// Shows the wait cursor while it lives.
+class WaitCursor
+{
+public:
+    WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+    WaitCursor(const WaitCursor&) = delete;
+    WaitCursor& operator=(const WaitCursor&) = delete;
+    ~WaitCursor() { QApplication::restoreOverrideCursor(); }
+};
+
+struct DIPtrAndIndexPair
+{
+    const Tessal::COrvikGigEDeviceInfo* info; // in the lister's list
+    int index;                                // its position there
+};
+
+/// Orders cameras by one property and, where that is equal, by another. A missing one counts as empty.
+class CompareDIByProps
+{
+public:
+    CompareDIByProps(GenICam::gcstring first, GenICam::gcstring second)
+        : m_first(std::move(first)), m_second(std::move(second))
+    {}
+
+    bool operator()(const DIPtrAndIndexPair& a, const DIPtrAndIndexPair& b) const
+    {
+        const auto order = valueOf(a, m_first) <=> valueOf(b, m_first);
+        return order < 0 || (order == 0 && valueOf(a, m_second) < valueOf(b, m_second));
+    }
+
+private:
+    static GenICam::gcstring valueOf(const DIPtrAndIndexPair& pair, const GenICam::gcstring& name)
+    {
+        GenICam::gcstring value;
+        pair.info->GetPropertyValue(name, value);
+        return value;
+    }
+
+    GenICam::gcstring m_first;
+    GenICam::gcstring m_second;
+};
+
+GenICam::gcstring interfaceNameOf(const Tessal::COrvikGigEDeviceInfo& record)
+{
+    GenICam::gcstring name;
+    record.GetPropertyValue(ListerKey::InterfaceName, name);
+    return name;
+}
+
+GenICam::gcstring interfaceNameOf(const CNetworkAdapter& adapter)
+{
+    return adapter.name().toLocal8Bit().constData();
+}
+
+} // namespace
+
+/// The row to be selected again: a camera by MAC address and adapter, an adapter by its name alone.
+struct IpConfigurationWidget::RememberedRow
+{
+    GenICam::gcstring mac;
+    GenICam::gcstring interfaceName;
+};
+
+void IpConfigurationWidget::refresh()
+{
+    // The wait cursor is gone before a message appears: it goes when doRefresh is left.
+    try {
+        doRefresh();
+    } catch (const std::exception& exception) {
+        showException(QStringLiteral("refresh"), exception, tr("Failed to enumerate devices"), nullptr);
+    } catch (...) {
+        showUnexpectedException(QStringLiteral("refresh"), tr("Failed to enumerate devices"), nullptr);
+    }
+}
+
+void IpConfigurationWidget::on_btnRefresh_clicked()
+{
+    refresh();
+}
+
+void IpConfigurationWidget::doRefresh()
+{
+    RememberedRow remembered = rememberSelectedRow();
+    if (!savePendingChanges()) {
+        return;
+    }
+    releaseDevice();
+    clearTree();
+    const WaitCursor waitCursor;
+    announceSearch();
+
+    m_networkAdapters = CNetworkAdapter::allNetworkAdapters(
+        QNetworkInterface::IsUp | QNetworkInterface::IsRunning, QNetworkInterface::IsLoopBack);
+    if (m_networkAdapters.isEmpty()) {
+        setSelectionInfoText(
+            tr("<p>No active network networkAdapter found!</p><p>Please make sure your network "
+               "adapters are enabled and working correctly.</p>Click <b>Refresh</b> or press "
+               "<b>F5</b> to refresh the list of adapters."));
+        return;
+    }
+    setSelectionInfoText(QString());
+    setHintText(QString());
+    m_pDeviceLister->discoverAllDevices();
+
+    addAdapterRows(remembered);
+    addDeviceRows(remembered);
+    if (ui.treeWidget->currentItem() == nullptr && ui.treeWidget->topLevelItemCount() > 0) {
+        ui.treeWidget->setCurrentItem(ui.treeWidget->topLevelItem(0));
+    }
+}
+
+IpConfigurationWidget::RememberedRow IpConfigurationWidget::rememberSelectedRow() const
+{
+    if (const Tessal::COrvikGigEDeviceInfo* const record = GetSelectedDeviceInfo()) {
+        return {record->GetMacAddress(), interfaceNameOf(*record)};
+    }
+    if (const CNetworkAdapter* const adapter = GetSelectedNetworkAdapter()) {
+        return {{}, interfaceNameOf(*adapter)};
+    }
+    return {};
+}
+
+/// Returns false when the user wanted the changes saved and that failed; they are still pending then.
+bool IpConfigurationWidget::savePendingChanges()
+{
+    const Tessal::COrvikGigEDeviceInfo* const record = GetSelectedDeviceInfo();
+    if (record == nullptr || !hasUnsavedChanges() || !checkSaveChanges()) {
+        clearDirtyFlags();
+        return true;
+    }
+    if (writeConfiguration(*record)) {
+        return true;
+    }
+    QMessageBox::critical(
+        this, windowTitle(),
+        tr("The configuration could not be saved.\nThe Refresh operation has been canceled."),
+        QMessageBox::Close, QMessageBox::Close);
+    return false;
+}
+
+void IpConfigurationWidget::releaseDevice()
+{
+    // Whatever the transport layer says, the device is not handed to it a second time.
+    Tessal::ITessalGigEDevice* const device = std::exchange(m_pDevice, nullptr);
+    if (device == nullptr) {
+        return;
+    }
+    constexpr char operation[] = "doRefresh";
+    try {
+        DeviceLister::s_pTl->DestroyDevice(device);
+    } catch (const GenICam::GenericException& exception) {
+        qWarning("Failed to destroy device");
+        qWarning() << operation << ": " << exception;
+    } catch (const std::exception& exception) {
+        qWarning("Failed to destroy device");
+        qWarning() << operation << ": " << exception;
+    } catch (...) {
+        qWarning("Failed to destroy device");
+        qWarning("%s: Unspecified exception occurred.", operation);
+    }
+}
+
+void IpConfigurationWidget::clearTree()
+{
+    setHintText(QString());
+    clearDirtyFlags();
+    ui.treeWidget->clear();
+    on_treeWidget_currentItemChanged(nullptr, nullptr);
+}
+
+/// Paints the emptied tree and a message; there is no painting while the search blocks.
+void IpConfigurationWidget::announceSearch()
+{
+    // After clearTree(), because showing an empty selection empties this label too.
+    setSelectionInfoText(tr("Searching for devices..."));
+    QWidget* const tree = ui.treeWidget;
+    tree->update(tree->visibleRegion());
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+}
+
+void IpConfigurationWidget::addAdapterRows(RememberedRow& remembered)
+{
+    for (int i = 0; i < m_networkAdapters.size(); ++i) {
+        const CNetworkAdapter& adapter = m_networkAdapters.at(i);
+        auto row = std::make_unique<QTreeWidgetItem>();
+        UpdateTreeItemFromNetworkAdapter(row.get(), &adapter);
+        row->setData(0, ItemKindRole, AdapterItem);
+        row->setData(0, AdapterIndexRole, i);
+        QTreeWidgetItem* const item = row.release(); // the tree's from here on
+        ui.treeWidget->addTopLevelItem(item);
+        item->setExpanded(true);
+        item->setFirstColumnSpanned(true);
+        item->setChildIndicatorPolicy(QTreeWidgetItem::DontShowIndicatorWhenChildless);
+        if (remembered.mac.empty() && !remembered.interfaceName.empty() &&
+            remembered.interfaceName == interfaceNameOf(adapter)) {
+            ui.treeWidget->setCurrentItem(item);
+            remembered.interfaceName = {};
+        }
+    }
+}
+
+void IpConfigurationWidget::addDeviceRows(RememberedRow& remembered)
+{
+    std::vector<DIPtrAndIndexPair> devices;
+    for (const Tessal::COrvikGigEDeviceInfo& record : m_pDeviceLister->m_devices) {
+        devices.push_back({&record, static_cast<int>(devices.size())});
+    }
+    std::ranges::sort(devices, CompareDIByProps(Tessal::Key::ModelName, Tessal::Key::MacAddress));
+
+    for (const auto& [record, index] : devices) {
+        QTreeWidgetItem* const item = addDeviceRow(*record, index);
+        if (!remembered.mac.empty() && record->GetMacAddress() == remembered.mac &&
+            interfaceNameOf(*record) == remembered.interfaceName) {
+            ui.treeWidget->setCurrentItem(item);
+            remembered.mac = {};
+        }
+    }
+}
+
+QTreeWidgetItem* IpConfigurationWidget::addDeviceRow(const Tessal::COrvikGigEDeviceInfo& record, int index)
+{
+    auto row = std::make_unique<QTreeWidgetItem>();
+    UpdateTreeItemFromDeviceInfo(row.get(), &record);
+    row->setData(0, ItemKindRole, DeviceItem);
+    row->setData(0, DeviceIndexRole, index);
+    QTreeWidgetItem* const item = row.release(); // the tree's from here on
+    QTreeWidgetItem* const adapterRow =
+        findAdapterTreeItem(QString::fromLatin1(interfaceNameOf(record).c_str()));
+    if (adapterRow != nullptr) {
+        adapterRow->addChild(item);
+        item->setChildIndicatorPolicy(QTreeWidgetItem::DontShowIndicator);
+        adapterRow->setExpanded(true);
+    } else {
+        ui.treeWidget->addTopLevelItem(item);
+        item->setChildIndicatorPolicy(QTreeWidgetItem::DontShowIndicator);
+    }
+    return item;
+}

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "tessal/deviceinfo.h"
+
+#include <QString>
+
+/// The camera's Tessal::Accessibility code as the lister found it; 0 (unknown) for a null record and for a
+/// value that is missing, no number or out of range.
+[[nodiscard]] int GetDeviceAccessibility(const Tessal::COrvikGigEDeviceInfo* record);
+
+/// A text from outside made fit to be shown: characters that would break the line or steer the display
+/// (control characters, line separators, direction overrides) become U+FFFD. It is still no markup; put into
+/// rich text it has to be escaped.
+[[nodiscard]] QString displayText(QString text);

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "genicam/exceptions.h"
+
+#include <QDebug>
+
+/// The trace category of everything that the program does with cameras, "Lanvic.Base".
+[[nodiscard]] unsigned long GetIPConfigBaseCatID();
+
+/// Exceptions in debug output: description and origin of a GenICam exception, what() of any other.
+QDebug operator<<(QDebug debug, const GenICam::GenericException& exception);
+QDebug operator<<(QDebug debug, const std::exception& exception);
