@@ -1,0 +1,44 @@
+#pragma once
+
+#include "gige/socket.h"
+
+#include <chrono>
+#include <span>
+
+namespace gige {
+
+/// When one request is sent again and when it is given up, counted from its start.
+struct RetryPlan
+{
+    std::span<const std::chrono::milliseconds> sendAt; // ascending; the first is 0
+    std::chrono::milliseconds giveUpAfter;
+};
+
+/// The clock of one request: says when to send it and when to stop waiting. All times are absolute, so that
+/// no flood of other packets stretches them.
+class Attempts
+{
+public:
+    Attempts(const RetryPlan& plan, Clock::time_point start);
+
+    [[nodiscard]] bool isSendDue(Clock::time_point now) const;
+    void countSent() { ++m_sent; }
+    [[nodiscard]] bool isOver(Clock::time_point now) const { return now >= m_deadline; }
+    /// When isSendDue() or isOver() next changes.
+    [[nodiscard]] Clock::time_point nextEvent() const;
+    /// The camera asked for more time: waits longer, but for no request more than MaxWait, and sends no more.
+    void extend(std::chrono::milliseconds more, Clock::time_point now);
+
+    static constexpr std::chrono::seconds MaxWait{10};
+
+private:
+    RetryPlan m_plan;
+    Clock::time_point m_start;
+    Clock::time_point m_deadline;
+    std::size_t m_sent = 0;
+};
+
+/// A request id, never 0 and none that was used lately.
+[[nodiscard]] std::uint16_t nextRequestId();
+
+} // namespace gige

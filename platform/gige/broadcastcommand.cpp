@@ -1,0 +1,101 @@
+#include "gige/broadcastcommand.h"
+
+#include "gige/attempts.h"
+#include "gige/broadcaster.h"
+#include "gige/errors.h"
+
+#include <algorithm>
+#include <array>
+
+namespace gige {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::array<std::chrono::milliseconds, 5> sends{0ms, 100ms, 200ms, 300ms, 400ms};
+constexpr RetryPlan plan{.sendAt = sends, .giveUpAfter = 500ms};
+constexpr std::size_t batch = 64; // datagrams of one socket before the clock is looked at
+
+class Conversation
+{
+public:
+    Conversation(std::uint16_t requestId, gvcp::Ack expected, const std::vector<net::Ipv4>& sources)
+        : m_requestId(requestId), m_expected(expected), m_sources(sources)
+    {}
+
+    std::optional<gvcp::Status> run(const gvcp::Packet& packet);
+
+private:
+    void listen();
+    void handle(const Datagram& datagram);
+
+    std::uint16_t m_requestId;
+    gvcp::Ack m_expected;
+    const std::vector<net::Ipv4>& m_sources;
+    Broadcaster m_broadcaster;
+    Attempts m_attempts{plan, Clock::now()};
+    std::optional<gvcp::Status> m_status;
+    bool m_settled = false;
+};
+
+std::optional<gvcp::Status> Conversation::run(const gvcp::Packet& packet)
+{
+    for (auto now = Clock::now(); !m_settled && !m_attempts.isOver(now); now = Clock::now()) {
+        if (m_attempts.isSendDue(now)) {
+            m_broadcaster.send(packet);
+            m_attempts.countSent();
+        }
+        if (!m_broadcaster.hasSent() && !m_broadcaster.canSend()) {
+            break;
+        }
+        listen();
+    }
+    if (!m_broadcaster.hasSent()) {
+        raise<GenICam::RuntimeException>(
+            "No network adapter of this computer could send the command to the camera: " +
+            m_broadcaster.failures());
+    }
+    return m_status;
+}
+
+void Conversation::listen()
+{
+    std::vector<pollfd> sockets;
+    m_broadcaster.appendTo(sockets);
+    waitReadable(sockets, m_attempts.nextEvent());
+    for (std::size_t i = 0; i < sockets.size() && !m_settled; ++i) {
+        if (sockets[i].revents != 0) {
+            m_broadcaster.receive(i, batch, [&](const Datagram& datagram) { handle(datagram); });
+        }
+    }
+}
+
+void Conversation::handle(const Datagram& datagram)
+{
+    const auto acknowledge = gvcp::decodeAcknowledge(datagram.bytes);
+    const bool mayBeTheCamera =
+        m_sources.empty() || std::ranges::find(m_sources, datagram.source.address) != m_sources.end();
+    if (m_settled || !acknowledge || acknowledge->requestId != m_requestId || !mayBeTheCamera) {
+        return;
+    }
+    if (acknowledge->code == gvcp::Ack::Pending) {
+        if (const auto more = gvcp::decodePendingAck(acknowledge->payload)) {
+            m_attempts.extend(*more, Clock::now());
+        }
+    } else if (acknowledge->code == m_expected) {
+        m_status = acknowledge->isRefusal() ? acknowledge->status : gvcp::Status::Success;
+        // A camera that is busy with the first copy of the command may yet do it.
+        m_settled = acknowledge->status != gvcp::Status::Busy;
+    }
+}
+
+} // namespace
+
+std::optional<gvcp::Status> broadcastCommand(std::uint16_t requestId, const gvcp::Packet& packet,
+                                             gvcp::Ack expected, const std::vector<net::Ipv4>& sources)
+{
+    return Conversation(requestId, expected, sources).run(packet);
+}
+
+} // namespace gige

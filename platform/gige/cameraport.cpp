@@ -1,0 +1,209 @@
+#include "gige/cameraport.h"
+
+#include "gige/bytes.h"
+#include "gige/errors.h"
+#include "gige/trace.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+
+namespace gige {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::array<std::chrono::milliseconds, 5> patientSends{0ms, 100ms, 300ms, 700ms, 1500ms};
+constexpr std::array<std::chrono::milliseconds, 4> quickSends{0ms, 60ms, 150ms, 300ms};
+
+constexpr std::uint64_t registerSpace = std::uint64_t{1} << 32; // bytes
+
+void checkRange(std::uint32_t address, std::size_t size)
+{
+    if (size > registerSpace - address) {
+        raise<GenICam::InvalidArgumentException>("Register " + hex(address) + " and the " +
+                                                 std::to_string(size) +
+                                                 " bytes from there on are beyond the register space");
+    }
+}
+
+/// Errors that another packet's fate left on the socket: while a camera restarts, its address may be refused
+/// or unreachable for a while.
+bool isEarlierPacketsError(int error)
+{
+    return error == ECONNREFUSED || error == EHOSTUNREACH || error == EHOSTDOWN;
+}
+
+} // namespace
+
+RetryPlan patientPlan()
+{
+    return {.sendAt = patientSends, .giveUpAfter = 2500ms};
+}
+
+RetryPlan quickPlan()
+{
+    return {.sendAt = quickSends, .giveUpAfter = 500ms};
+}
+
+CameraPort::CameraPort(net::Ipv4 address) : m_address(address)
+{
+    m_socket.connect({address, gvcp::Port});
+}
+
+void CameraPort::read(std::uint32_t address, std::span<std::uint8_t> to)
+{
+    checkRange(address, to.size());
+    std::array<std::uint8_t, gvcp::MaxDataSize> aligned{};
+    while (!to.empty()) {
+        const std::uint32_t skipped = address % 4;
+        const std::size_t taken = std::min(to.size(), aligned.size() - skipped);
+        const std::size_t wanted = (skipped + taken + 3) / 4 * 4;
+        const auto block = std::span(aligned).first(wanted);
+        readBlock(address - skipped, block);
+        std::ranges::copy(block.subspan(skipped, taken), to.begin());
+        to = to.subspan(taken);
+        address += static_cast<std::uint32_t>(taken);
+    }
+}
+
+void CameraPort::readBlock(std::uint32_t address, std::span<std::uint8_t> to)
+{
+    if (to.size() == 4) {
+        bytes::put32(to, 0, readRegister(address));
+        return;
+    }
+    const std::uint16_t id = nextRequestId();
+    exchange(id, gvcp::encodeReadMem(id, address, static_cast<std::uint16_t>(to.size())), gvcp::Ack::ReadMem,
+             "READMEM of " + std::to_string(to.size()) + " bytes at " + hex(address),
+             [&](gvcp::Bytes payload) {
+                 const auto data = gvcp::decodeReadMemAck(payload, address, to.size());
+                 if (data) {
+                     std::ranges::copy(*data, to.begin());
+                 }
+                 return data.has_value();
+             });
+}
+
+std::uint32_t CameraPort::readRegister(std::uint32_t address)
+{
+    std::uint32_t value = 0;
+    const std::uint16_t id = nextRequestId();
+    exchange(id, gvcp::encodeReadReg(id, address), gvcp::Ack::ReadReg, "READREG of " + hex(address),
+             [&](gvcp::Bytes payload) {
+                 const auto read = gvcp::decodeReadRegAck(payload);
+                 value = read.value_or(0);
+                 return read.has_value();
+             });
+    return value;
+}
+
+void CameraPort::writeRegister(std::uint32_t address, std::uint32_t value)
+{
+    const std::uint16_t id = nextRequestId();
+    exchange(id, gvcp::encodeWriteReg(id, address, value), gvcp::Ack::WriteReg,
+             "WRITEREG of " + hex(value) + " to " + hex(address), gvcp::isWriteAck);
+}
+
+void CameraPort::write(std::uint32_t address, std::span<const std::uint8_t> from)
+{
+    checkRange(address, from.size());
+    if (address % 4 != 0 || from.size() % 4 != 0) {
+        raise<GenICam::InvalidArgumentException>("Cannot write " + std::to_string(from.size()) +
+                                                 " bytes at " + hex(address) +
+                                                 ": address and length must be multiples of 4");
+    }
+    while (!from.empty()) {
+        const std::size_t size = m_writeMemGranted ? std::min(from.size(), gvcp::MaxDataSize) : 4;
+        const auto block = from.first(size);
+        if (size == 4) {
+            writeRegister(address, bytes::get32(block, 0));
+        } else {
+            const std::uint16_t id = nextRequestId();
+            exchange(id, gvcp::encodeWriteMem(id, address, block), gvcp::Ack::WriteMem,
+                     "WRITEMEM of " + std::to_string(size) + " bytes at " + hex(address), gvcp::isWriteAck);
+        }
+        from = from.subspan(size);
+        address += static_cast<std::uint32_t>(size);
+    }
+}
+
+std::string CameraPort::prefix(const std::string& what) const
+{
+    return "Camera " + net::formatIpv4(m_address) + ", " + what + ": ";
+}
+
+void CameraPort::exchange(std::uint16_t requestId, const gvcp::Packet& packet, gvcp::Ack expected,
+                          const std::string& what, const Accept& accept)
+{
+    m_misfits = 0;
+    const auto start = Clock::now();
+    Attempts attempts(m_plan, start);
+    auto now = start;
+    for (; !attempts.isOver(now); now = Clock::now()) {
+        if (attempts.isSendDue(now)) {
+            send(packet, what);
+            attempts.countSent();
+        }
+        pollfd readable{.fd = m_socket.descriptor(), .events = POLLIN, .revents = 0};
+        waitReadable({&readable, 1}, attempts.nextEvent());
+        if (readable.revents != 0 && receive(requestId, expected, what, accept, attempts)) {
+            return;
+        }
+    }
+    const auto waited = std::chrono::duration_cast<std::chrono::milliseconds>(now - start).count();
+    raise<GenICam::TimeoutException>(
+        prefix(what) + "no answer within " + std::to_string(waited) + " ms" +
+        (m_misfits > 0 ? " (" + std::to_string(m_misfits) + " packets came that were no answer to this)"
+                       : ""));
+}
+
+void CameraPort::send(const gvcp::Packet& packet, const std::string& what)
+{
+    int error = m_socket.send(packet);
+    if (isEarlierPacketsError(error)) {
+        error = m_socket.send(packet);
+    }
+    if (error != 0 && !isEarlierPacketsError(error) && !isTransientSendError(error)) {
+        raise<SocketException>(prefix(what) + "this computer could not send it: " + describeErrno(error));
+    }
+    if (error != 0) {
+        trace::requests(ozlog::LogLevel::Info, "%hs%hs", prefix(what).c_str(), describeErrno(error).c_str());
+    }
+}
+
+bool CameraPort::receive(std::uint16_t requestId, gvcp::Ack expected, const std::string& what,
+                         const Accept& accept, Attempts& attempts)
+{
+    std::array<std::uint8_t, gvcp::MaxPacketSize> buffer{};
+    const auto datagram = m_socket.receive(buffer);
+    if (!datagram) {
+        return false;
+    }
+    const auto acknowledge = gvcp::decodeAcknowledge(datagram->bytes);
+    if (!acknowledge || acknowledge->requestId != requestId) {
+        ++m_misfits;
+        return false;
+    }
+    if (acknowledge->code == gvcp::Ack::Pending) {
+        if (const auto more = gvcp::decodePendingAck(acknowledge->payload)) {
+            attempts.extend(*more, Clock::now());
+        }
+        return false;
+    }
+    if (acknowledge->code == expected && acknowledge->status == gvcp::Status::AccessDenied) {
+        raise<GenICam::AccessException>(prefix(what) + describeStatus(acknowledge->status));
+    }
+    if (acknowledge->code == expected && acknowledge->isRefusal()) {
+        raise<RefusalException>(prefix(what) + describeStatus(acknowledge->status));
+    }
+    if (acknowledge->code != expected || !accept(acknowledge->payload)) {
+        ++m_misfits;
+        return false;
+    }
+    trace::requests(ozlog::LogLevel::Info, "%hsdone", prefix(what).c_str());
+    return true;
+}
+
+} // namespace gige

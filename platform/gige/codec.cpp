@@ -1,0 +1,170 @@
+#include "gige/codec.h"
+
+#include "gige/bytes.h"
+
+#include <algorithm>
+
+namespace gvcp {
+
+namespace {
+
+Packet command(Command code, std::uint8_t flags, std::uint16_t requestId, std::size_t payloadSize)
+{
+    Packet packet(HeaderSize + payloadSize);
+    packet[0] = Key;
+    packet[1] = flags;
+    bytes::put16(packet, 2, static_cast<std::uint16_t>(code));
+    bytes::put16(packet, 4, static_cast<std::uint16_t>(payloadSize));
+    bytes::put16(packet, 6, requestId);
+    return packet;
+}
+
+std::span<std::uint8_t> payloadOf(Packet& packet)
+{
+    return std::span(packet).subspan(HeaderSize);
+}
+
+constexpr std::uint8_t broadcastFlags = Flag::AckRequired | Flag::AllowBroadcastAck;
+
+void putMac(std::span<std::uint8_t> payload, std::size_t offset, const net::MacAddress& mac)
+{
+    std::ranges::copy(mac.bytes, payload.subspan(offset).begin());
+}
+
+/// `field` must lie within the payload.
+std::string getText(Bytes payload, std::size_t offset, std::size_t size)
+{
+    const Bytes field = payload.subspan(offset, size);
+    return {field.begin(), std::ranges::find(field, 0)};
+}
+
+constexpr std::size_t writeAckSize = 4;
+constexpr std::size_t pendingAckSize = 4;
+constexpr std::size_t pendingAckTime = 2; // offset
+
+} // namespace
+
+Packet encodeDiscovery(std::uint16_t requestId)
+{
+    return command(Command::Discovery, broadcastFlags, requestId, 0);
+}
+
+Packet encodeForceIp(std::uint16_t requestId, const AddressAssignment& assignment)
+{
+    Packet packet = command(Command::ForceIp, broadcastFlags, requestId, ForceIp::Size);
+    const auto payload = payloadOf(packet);
+    putMac(payload, ForceIp::Mac, assignment.mac);
+    bytes::put32(payload, ForceIp::Ip, assignment.ip.value);
+    bytes::put32(payload, ForceIp::Mask, assignment.mask.value);
+    bytes::put32(payload, ForceIp::Gateway, assignment.gateway.value);
+    return packet;
+}
+
+Packet encodeBroadcastIpConfig(std::uint16_t requestId, const StoredConfiguration& configuration)
+{
+    Packet packet = command(Command::BroadcastIpConfig, broadcastFlags, requestId, BroadcastIpConfig::Size);
+    const auto payload = payloadOf(packet);
+    putMac(payload, BroadcastIpConfig::Mac, configuration.mac);
+    bytes::put32(payload, BroadcastIpConfig::IpConfig, configuration.ipConfig);
+    bytes::put32(payload, BroadcastIpConfig::Ip, configuration.ip.value);
+    bytes::put32(payload, BroadcastIpConfig::Mask, configuration.mask.value);
+    bytes::put32(payload, BroadcastIpConfig::Gateway, configuration.gateway.value);
+    const auto name = configuration.userDefinedName.substr(0, BroadcastIpConfig::UserDefinedNameSize);
+    std::ranges::copy(name, payload.subspan(BroadcastIpConfig::UserDefinedName).begin());
+    return packet;
+}
+
+Packet encodeReadReg(std::uint16_t requestId, std::uint32_t address)
+{
+    Packet packet = command(Command::ReadReg, Flag::AckRequired, requestId, 4);
+    bytes::put32(packet, HeaderSize, address);
+    return packet;
+}
+
+Packet encodeWriteReg(std::uint16_t requestId, std::uint32_t address, std::uint32_t value)
+{
+    Packet packet = command(Command::WriteReg, Flag::AckRequired, requestId, 8);
+    bytes::put32(packet, HeaderSize, address);
+    bytes::put32(packet, HeaderSize + 4, value);
+    return packet;
+}
+
+Packet encodeReadMem(std::uint16_t requestId, std::uint32_t address, std::uint16_t count)
+{
+    Packet packet = command(Command::ReadMem, Flag::AckRequired, requestId, 8);
+    bytes::put32(packet, HeaderSize, address);
+    bytes::put16(packet, HeaderSize + 6, count);
+    return packet;
+}
+
+Packet encodeWriteMem(std::uint16_t requestId, std::uint32_t address, Bytes data)
+{
+    Packet packet = command(Command::WriteMem, Flag::AckRequired, requestId, 4 + data.size());
+    bytes::put32(packet, HeaderSize, address);
+    std::ranges::copy(data, payloadOf(packet).subspan(4).begin());
+    return packet;
+}
+
+std::optional<Acknowledge> decodeAcknowledge(Bytes datagram)
+{
+    if (datagram.size() < HeaderSize || bytes::get16(datagram, 4) != datagram.size() - HeaderSize) {
+        return std::nullopt;
+    }
+    return Acknowledge{.status = static_cast<Status>(bytes::get16(datagram, 0)),
+                       .code = static_cast<Ack>(bytes::get16(datagram, 2)),
+                       .requestId = bytes::get16(datagram, 6),
+                       .payload = datagram.subspan(HeaderSize)};
+}
+
+std::optional<Identity> decodeIdentity(Bytes payload)
+{
+    if (payload.size() != DiscoveryAck::Size) {
+        return std::nullopt;
+    }
+    using namespace DiscoveryAck;
+    Identity identity;
+    std::ranges::copy(payload.subspan(Mac, identity.mac.bytes.size()), identity.mac.bytes.begin());
+    identity.ipConfigSupported = bytes::get32(payload, IpConfigSupported);
+    identity.ipConfigCurrent = bytes::get32(payload, IpConfigCurrent);
+    identity.ip.value = bytes::get32(payload, Ip);
+    identity.mask.value = bytes::get32(payload, Mask);
+    identity.gateway.value = bytes::get32(payload, Gateway);
+    identity.manufacturer = getText(payload, Manufacturer, ManufacturerSize);
+    identity.model = getText(payload, Model, ModelSize);
+    identity.deviceVersion = getText(payload, DeviceVersion, DeviceVersionSize);
+    identity.manufacturerInfo = getText(payload, ManufacturerInfo, ManufacturerInfoSize);
+    identity.serialNumber = getText(payload, SerialNumber, SerialNumberSize);
+    identity.userDefinedName = getText(payload, UserDefinedName, UserDefinedNameSize);
+    return identity;
+}
+
+std::optional<std::uint32_t> decodeReadRegAck(Bytes payload)
+{
+    if (payload.size() != 4) {
+        return std::nullopt;
+    }
+    return bytes::get32(payload, 0);
+}
+
+std::optional<Bytes> decodeReadMemAck(Bytes payload, std::uint32_t address, std::size_t count)
+{
+    if (payload.size() != 4 + count || bytes::get32(payload, 0) != address) {
+        return std::nullopt;
+    }
+    return payload.subspan(4);
+}
+
+bool isWriteAck(Bytes payload)
+{
+    return payload.size() == writeAckSize;
+}
+
+std::optional<std::chrono::milliseconds> decodePendingAck(Bytes payload)
+{
+    if (payload.size() != pendingAckSize) {
+        return std::nullopt;
+    }
+    return std::chrono::milliseconds(bytes::get16(payload, pendingAckTime));
+}
+
+} // namespace gvcp

@@ -1,0 +1,91 @@
+#pragma once
+
+#include "gige/gvcp.h"
+#include "net/addresses.h"
+
+#include <chrono>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// GVCP messages to and from bytes. Pure functions: encoders give the whole datagram, decoders take what came
+/// and give nullopt for anything that is not exactly such a message.
+namespace gvcp {
+
+using Packet = std::vector<std::uint8_t>;
+using Bytes = std::span<const std::uint8_t>;
+
+/// How a camera describes itself: the payload of a DISCOVERY acknowledge and the first 248 bytes of its
+/// registers. Texts are the camera's bytes up to the first NUL, and at most the field.
+struct Identity
+{
+    net::MacAddress mac;
+    std::uint32_t ipConfigSupported = 0; // bits of IpConfig; others are the camera's own
+    std::uint32_t ipConfigCurrent = 0;
+    net::Ipv4 ip;
+    net::Ipv4 mask;
+    net::Ipv4 gateway;
+    std::string manufacturer;
+    std::string model;
+    std::string deviceVersion;
+    std::string manufacturerInfo;
+    std::string serialNumber;
+    std::string userDefinedName;
+
+    friend bool operator==(const Identity&, const Identity&) = default;
+};
+
+struct AddressAssignment
+{
+    net::MacAddress mac;
+    net::Ipv4 ip; // 0.0.0.0 makes the camera run its IP configuration cycle
+    net::Ipv4 mask;
+    net::Ipv4 gateway;
+};
+
+struct StoredConfiguration
+{
+    net::MacAddress mac;
+    std::uint32_t ipConfig = IpConfig::LinkLocal;
+    net::Ipv4 ip;
+    net::Ipv4 mask;
+    net::Ipv4 gateway;
+    std::string_view userDefinedName; // what is beyond the field's 16 bytes is left out
+};
+
+[[nodiscard]] Packet encodeDiscovery(std::uint16_t requestId);
+[[nodiscard]] Packet encodeForceIp(std::uint16_t requestId, const AddressAssignment& assignment);
+[[nodiscard]] Packet encodeBroadcastIpConfig(std::uint16_t requestId,
+                                             const StoredConfiguration& configuration);
+[[nodiscard]] Packet encodeReadReg(std::uint16_t requestId, std::uint32_t address);
+[[nodiscard]] Packet encodeWriteReg(std::uint16_t requestId, std::uint32_t address, std::uint32_t value);
+/// `count` in bytes.
+[[nodiscard]] Packet encodeReadMem(std::uint16_t requestId, std::uint32_t address, std::uint16_t count);
+[[nodiscard]] Packet encodeWriteMem(std::uint16_t requestId, std::uint32_t address, Bytes data);
+
+/// An acknowledge whose header and length are in order; the payload points into the datagram.
+struct Acknowledge
+{
+    Status status = Status::Error;
+    Ack code = Ack::Pending;
+    std::uint16_t requestId = 0;
+    Bytes payload;
+
+    /// The camera did not do what was asked. Codes without the error bit are remarks on a success.
+    [[nodiscard]] bool isRefusal() const { return (static_cast<std::uint16_t>(status) & 0x8000) != 0; }
+};
+
+[[nodiscard]] std::optional<Acknowledge> decodeAcknowledge(Bytes datagram);
+
+[[nodiscard]] std::optional<Identity> decodeIdentity(Bytes payload);
+[[nodiscard]] std::optional<std::uint32_t> decodeReadRegAck(Bytes payload);
+/// The data, if the payload is `count` bytes from `address`.
+[[nodiscard]] std::optional<Bytes> decodeReadMemAck(Bytes payload, std::uint32_t address, std::size_t count);
+/// Whether the payload is one of WRITEREG and WRITEMEM. The number in it is not judged: cameras differ.
+[[nodiscard]] bool isWriteAck(Bytes payload);
+/// How long the camera wants to be waited for.
+[[nodiscard]] std::optional<std::chrono::milliseconds> decodePendingAck(Bytes payload);
+
+} // namespace gvcp

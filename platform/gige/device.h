@@ -1,0 +1,50 @@
+#pragma once
+
+#include "gige/cameraport.h"
+#include "tessal/transportlayer.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace gige {
+
+/// One camera. While it is open this host holds its control channel, but does not keep that alive: nothing is
+/// sent between two operations, so a camera left alone for its heartbeat timeout (3 s by default) takes
+/// control back. A caller opens, writes and closes; a later write then meets an AccessException.
+class Device final : public Tessal::ITessalGigEDevice
+{
+public:
+    /// Called before an opening speaks to the camera; throws when the address must not be used.
+    using BeforeOpening = std::function<void(net::Ipv4)>;
+
+    Device(const Tessal::CDeviceInfo& info, BeforeOpening beforeOpening);
+    Device(const Device&) = delete;
+    Device& operator=(const Device&) = delete;
+    /// Gives control back if the device is open; a camera that has dropped us is only traced.
+    ~Device() override;
+
+    /// Takes control for every set of modes: nothing less lets a setting be written. Throws
+    /// InvalidArgumentException when the record names no address.
+    void Open(const Tessal::AccessModeSet& modes) override;
+    void Close() override;
+    [[nodiscard]] bool IsOpen() const override { return m_port != nullptr; }
+    [[nodiscard]] const Tessal::CDeviceInfo& GetDeviceInfo() const override { return m_info; }
+    [[nodiscard]] GenApi::INodeMap* GetNodeMap() override;
+    /// Both throw LogicalErrorException when the device is not open, and RuntimeException when the camera
+    /// took the value but does not give it back.
+    void SetIpConfigMode(bool enablePersistentIp, bool enableDhcp) override;
+    void SetPersistentIp(const GenICam::gcstring& ipAddress, const GenICam::gcstring& subnetMask,
+                         const GenICam::gcstring& defaultGateway) override;
+
+private:
+    [[nodiscard]] CameraPort& port();
+    void writeChecked(std::uint32_t address, std::uint32_t value, const char* what);
+
+    Tessal::CDeviceInfo m_info;
+    BeforeOpening m_beforeOpening;
+    std::unique_ptr<CameraPort> m_port;          // null while closed
+    std::unique_ptr<GenApi::INodeMap> m_nodeMap; // reads through m_port
+};
+
+} // namespace gige

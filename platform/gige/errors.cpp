@@ -1,0 +1,59 @@
+#include "gige/errors.h"
+
+#include <array>
+#include <cstdio>
+#include <system_error>
+
+namespace gige {
+
+namespace {
+
+const char* meaning(gvcp::Status status)
+{
+    switch (status) {
+    case gvcp::Status::Success:
+        return "done";
+    case gvcp::Status::NotImplemented:
+        return "the camera does not know this command";
+    case gvcp::Status::InvalidParameter:
+        return "the camera finds a value invalid";
+    case gvcp::Status::InvalidAddress:
+        return "the camera has no such register";
+    case gvcp::Status::WriteProtected:
+        return "the register is write protected";
+    case gvcp::Status::BadAlignment:
+        return "the camera finds the address or the length misaligned";
+    case gvcp::Status::AccessDenied:
+        return "access is denied";
+    case gvcp::Status::Busy:
+        return "the camera is busy";
+    case gvcp::Status::InvalidHeader:
+        return "the camera finds the message malformed";
+    case gvcp::Status::Error:
+        break;
+    }
+    return "the camera reports an error";
+}
+
+} // namespace
+
+std::string describeErrno(int error)
+{
+    return std::generic_category().message(error);
+}
+
+std::string describeStatus(gvcp::Status status)
+{
+    std::array<char, 8> code{};
+    std::snprintf(code.data(), code.size(), "%04X", static_cast<unsigned>(status));
+    return std::string(meaning(status)) + " (" + code.data() + ")";
+}
+
+std::string hex(std::uint32_t value)
+{
+    std::array<char, 16> text{};
+    std::snprintf(text.data(), text.size(), "0x%04X", value);
+    return text.data();
+}
+
+} // namespace gige

@@ -1,0 +1,258 @@
+#include "gige/gigetransportlayer.h"
+
+#include "gige/arguments.h"
+#include "gige/broadcastcommand.h"
+#include "gige/errors.h"
+#include "gige/record.h"
+#include "gige/trace.h"
+#include "gige/unicastprobe.h"
+
+#include <algorithm>
+
+namespace gige {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto freshFor = 1s;
+
+/// The value in `storage`, empty when the record has none.
+std::string_view property(const Tessal::CDeviceInfo& info, const char* name, GenICam::gcstring& storage)
+{
+    if (!info.GetPropertyValue(name, storage)) {
+        storage = {};
+    }
+    return storage.view();
+}
+
+/// Asks the camera itself who controls it.
+int askAccessibility(net::Ipv4 address)
+{
+    try {
+        CameraPort port(address);
+        port.setPlan(quickPlan());
+        return accessibilityOf(port.readRegister(gvcp::Register::ControlChannelPrivilege));
+    } catch (const GenICam::AccessException&) {
+        return Tessal::Accessibility::ControlledExclusively;
+    } catch (const RefusalException&) {
+        return Tessal::Accessibility::Unknown;
+    } catch (const GenICam::GenericException& failure) {
+        trace::requests(ozlog::LogLevel::Info, "%hs", failure.GetDescription());
+        return Tessal::Accessibility::NotReachable;
+    }
+}
+
+std::string_view nameArgument(const GenICam::gcstring& userDefinedName)
+{
+    if (userDefinedName.size() > gvcp::BroadcastIpConfig::UserDefinedNameSize) {
+        raise<GenICam::InvalidArgumentException>(
+            "The device user ID \"" + std::string(userDefinedName.view()) + "\" is longer than 16 bytes");
+    }
+    return userDefinedName.view();
+}
+
+} // namespace
+
+void GigETransportLayer::search()
+{
+    forgetFreshness();
+    m_found = searchCameras();
+    m_foundIndex.clear();
+    for (std::size_t i = 0; i < m_found.size(); ++i) {
+        const FoundCamera& camera = m_found[i];
+        m_foundIndex.emplace(HeardAs(camera.identity.mac, camera.identity.ip, camera.heardBy.address), i);
+    }
+    m_searchedAt = Clock::now();
+}
+
+bool GigETransportLayer::isFresh() const
+{
+    return m_searchedAt != Clock::time_point{} && Clock::now() - m_searchedAt < freshFor;
+}
+
+int GigETransportLayer::list(Tessal::DeviceInfoList& list, bool append, bool onlyUnicast) const
+{
+    if (!append) {
+        list.clear();
+    }
+    int added = 0;
+    for (const FoundCamera& camera : m_found) {
+        if (camera.answersUnicast || !onlyUnicast) {
+            list.push_back(makeRecord(camera.identity, camera.heardBy.address));
+            ++added;
+        }
+    }
+    return added;
+}
+
+int GigETransportLayer::EnumerateDevicesAnySubnet(Tessal::DeviceInfoList& found, bool append)
+{
+    search();
+    return list(found, append, false);
+}
+
+int GigETransportLayer::EnumerateDevices(Tessal::DeviceInfoList& found, bool append)
+{
+    if (!isFresh()) {
+        search();
+    }
+    return list(found, append, true);
+}
+
+Tessal::CDeviceInfo GigETransportLayer::CreateDeviceInfo()
+{
+    return {};
+}
+
+Tessal::ITessalDevice* GigETransportLayer::CreateDevice(const Tessal::CDeviceInfo& info)
+{
+    GenICam::gcstring address;
+    if (!net::parseIpv4(property(info, Tessal::Key::IpAddress, address))) {
+        return nullptr;
+    }
+    m_devices.push_back(std::make_unique<Device>(info, [this](net::Ipv4 opening) {
+        forgetFreshness();
+        checkUncontested(opening);
+    }));
+    return m_devices.back().get();
+}
+
+void GigETransportLayer::DestroyDevice(Tessal::ITessalDevice* device)
+{
+    if (device == nullptr) {
+        return;
+    }
+    const auto destroyed = std::erase_if(m_devices, [&](const auto& owned) { return owned.get() == device; });
+    if (destroyed == 0) {
+        raise<GenICam::LogicalErrorException>("The device was not made by this transport layer");
+    }
+}
+
+void GigETransportLayer::checkUncontested(net::Ipv4 address) const
+{
+    const FoundCamera* first = nullptr;
+    for (const FoundCamera& camera : m_found) {
+        if (camera.identity.ip != address) {
+            continue;
+        }
+        if (first != nullptr && first->identity.mac != camera.identity.mac) {
+            raise<GenICam::RuntimeException>("Two cameras have the address " + net::formatIpv4(address) +
+                                             ", MAC " + net::formatMac(first->identity.mac) + " and MAC " +
+                                             net::formatMac(camera.identity.mac) +
+                                             "; one of them needs another address first");
+        }
+        first = &camera;
+    }
+}
+
+const FoundCamera* GigETransportLayer::findFresh(const Tessal::CDeviceInfo& info) const
+{
+    GenICam::gcstring storage;
+    const auto mac = net::parseMac(property(info, Tessal::Key::MacAddress, storage));
+    const auto address = net::parseIpv4(property(info, Tessal::Key::IpAddress, storage));
+    // Records that callers have joined name several host addresses; each knows the answer.
+    const std::string_view hosts = property(info, Tessal::Key::Interface, storage);
+    const auto host = net::parseIpv4(hosts.substr(0, hosts.find(';')));
+    if (!isFresh() || !mac || !address || !host) {
+        return nullptr;
+    }
+    const auto found = m_foundIndex.find(HeardAs(*mac, *address, *host));
+    return found == m_foundIndex.end() ? nullptr : &m_found[found->second];
+}
+
+bool GigETransportLayer::QueryDeviceAccessibility(const Tessal::CDeviceInfo& info,
+                                                  const Tessal::AccessModeSet&, int* accessibility)
+{
+    int code = Tessal::Accessibility::NotReachable;
+    GenICam::gcstring storage;
+    if (const FoundCamera* known = findFresh(info)) {
+        code = known->accessibility;
+    } else if (const auto address = net::parseIpv4(property(info, Tessal::Key::IpAddress, storage))) {
+        code = askAccessibility(*address);
+    }
+    if (accessibility != nullptr) {
+        *accessibility = code;
+    }
+    return code == Tessal::Accessibility::Ok;
+}
+
+std::vector<net::Ipv4> GigETransportLayer::knownAddresses(const net::MacAddress& mac) const
+{
+    std::vector<net::Ipv4> addresses;
+    for (const FoundCamera& camera : m_found) {
+        if (camera.identity.mac == mac) {
+            addresses.push_back(camera.identity.ip);
+        }
+    }
+    return addresses;
+}
+
+void GigETransportLayer::assign(const gvcp::AddressAssignment& assignment, const char* operation)
+{
+    forgetFreshness();
+    std::vector<net::Ipv4> sources = knownAddresses(assignment.mac);
+    if (!sources.empty()) {
+        sources.push_back(assignment.ip);
+    }
+    const std::uint16_t id = nextRequestId();
+    const auto status =
+        broadcastCommand(id, gvcp::encodeForceIp(id, assignment), gvcp::Ack::ForceIp, sources);
+    const std::string camera = "Camera MAC=" + net::formatMac(assignment.mac) + ", " + operation + ": ";
+    if (!status) {
+        trace::requests(ozlog::LogLevel::Info, "%hsnot acknowledged.", camera.c_str());
+    } else if (*status != gvcp::Status::Success) {
+        raise<RefusalException>(camera + describeStatus(*status));
+    }
+}
+
+void GigETransportLayer::ForceIp(const GenICam::gcstring& mac, const GenICam::gcstring& ipAddress,
+                                 const GenICam::gcstring& subnetMask, const GenICam::gcstring& defaultGateway)
+{
+    assign({.mac = macArgument(mac),
+            .ip = addressArgument(ipAddress, "IP address"),
+            .mask = addressArgument(subnetMask, "subnet mask"),
+            .gateway = addressArgument(defaultGateway, "default gateway")},
+           "assigning a temporary address");
+}
+
+void GigETransportLayer::RestartIpConfig(const GenICam::gcstring& mac)
+{
+    assign({.mac = macArgument(mac), .ip = {}, .mask = {}, .gateway = {}}, "restarting its IP configuration");
+}
+
+bool GigETransportLayer::BroadcastIpConfig(const GenICam::gcstring& mac, bool enablePersistentIp,
+                                           bool enableDhcp, const GenICam::gcstring& ipAddress,
+                                           const GenICam::gcstring& subnetMask,
+                                           const GenICam::gcstring& defaultGateway,
+                                           const GenICam::gcstring& userDefinedName)
+{
+    using namespace gvcp::IpConfig;
+    const gvcp::StoredConfiguration configuration{
+        .mac = macArgument(mac),
+        .ipConfig = LinkLocal | (enablePersistentIp ? Persistent : 0) | (enableDhcp ? Dhcp : 0),
+        .ip = addressArgument(ipAddress, "IP address"),
+        .mask = addressArgument(subnetMask, "subnet mask"),
+        .gateway = addressArgument(defaultGateway, "default gateway"),
+        .userDefinedName = nameArgument(userDefinedName)};
+    const bool knowsCommand = std::ranges::any_of(m_found, [&](const FoundCamera& camera) {
+        return camera.identity.mac == configuration.mac &&
+               Tessal::IsSupportedDevice(makeRecord(camera.identity, camera.heardBy.address), false);
+    });
+    if (!knowsCommand) {
+        return false;
+    }
+    forgetFreshness();
+    const std::uint16_t id = nextRequestId();
+    const auto status = broadcastCommand(id, gvcp::encodeBroadcastIpConfig(id, configuration),
+                                         gvcp::Ack::BroadcastIpConfig, knownAddresses(configuration.mac));
+    if (status == gvcp::Status::Success) {
+        return true;
+    }
+    trace::requests(ozlog::LogLevel::Warning, "Camera MAC=%hs did not take the broadcast configuration: %hs.",
+                    net::formatMac(configuration.mac).c_str(),
+                    status ? describeStatus(*status).c_str() : "no answer");
+    return false;
+}
+
+} // namespace gige

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "gige/device.h"
+#include "gige/search.h"
+#include "tessal/transportlayer.h"
+
+#include <map>
+#include <memory>
+#include <tuple>
+#include <vector>
+
+namespace gige {
+
+/// GigE Vision on this host's networks. Remembers what the latest search learned: the enumerations and
+/// queries of one refresh, made within a second of each other, share one search, and commands by MAC know
+/// which camera they go to.
+class GigETransportLayer final : public Tessal::IGigETransportLayer
+{
+public:
+    int EnumerateDevices(Tessal::DeviceInfoList& list, bool append) override;
+    Tessal::ITessalDevice* CreateDevice(const Tessal::CDeviceInfo& info) override;
+    /// Throws LogicalErrorException for a device that this layer did not make or has destroyed; null is
+    /// allowed.
+    void DestroyDevice(Tessal::ITessalDevice* device) override;
+    bool QueryDeviceAccessibility(const Tessal::CDeviceInfo& info, const Tessal::AccessModeSet& modes,
+                                  int* accessibility) override;
+    [[nodiscard]] Tessal::CDeviceInfo CreateDeviceInfo() override;
+    int EnumerateDevicesAnySubnet(Tessal::DeviceInfoList& list, bool append) override;
+    void ForceIp(const GenICam::gcstring& mac, const GenICam::gcstring& ipAddress,
+                 const GenICam::gcstring& subnetMask, const GenICam::gcstring& defaultGateway) override;
+    void RestartIpConfig(const GenICam::gcstring& mac) override;
+    bool BroadcastIpConfig(const GenICam::gcstring& mac, bool enablePersistentIp, bool enableDhcp,
+                           const GenICam::gcstring& ipAddress, const GenICam::gcstring& subnetMask,
+                           const GenICam::gcstring& defaultGateway,
+                           const GenICam::gcstring& userDefinedName) override;
+
+private:
+    void search();
+    [[nodiscard]] bool isFresh() const;
+    /// What is known of the cameras' state is about to change.
+    void forgetFreshness() { m_searchedAt = {}; }
+    /// Lists what the latest search found, all of it or what answers over unicast. Returns how many.
+    int list(Tessal::DeviceInfoList& list, bool append, bool onlyUnicast) const;
+    [[nodiscard]] const FoundCamera* findFresh(const Tessal::CDeviceInfo& info) const;
+    [[nodiscard]] std::vector<net::Ipv4> knownAddresses(const net::MacAddress& mac) const;
+    /// Throws RuntimeException when two cameras claimed the address in the latest search.
+    void checkUncontested(net::Ipv4 address) const;
+    void assign(const gvcp::AddressAssignment& assignment, const char* operation);
+
+    using HeardAs =
+        std::tuple<net::MacAddress, net::Ipv4, net::Ipv4>; // MAC, address, host address that heard it
+
+    std::vector<FoundCamera> m_found;            // by the latest search
+    std::map<HeardAs, std::size_t> m_foundIndex; // into m_found
+    Clock::time_point m_searchedAt;
+    std::vector<std::unique_ptr<Device>> m_devices;
+};
+
+} // namespace gige

@@ -1,0 +1,168 @@
+#include "gige/search.h"
+
+#include "gige/attempts.h"
+#include "gige/broadcaster.h"
+#include "gige/trace.h"
+#include "gige/unicastprobe.h"
+#include "tessal/transportlayer.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+namespace gige {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+// Six rounds of two questions each: where every fifth packet is lost either way, a camera stays unfound once
+// in some hundred thousand searches. The window hears one that takes 300 ms for its answer out, even when all
+// but the last rounds were lost to it.
+constexpr int rounds = 6;
+constexpr auto roundInterval = 30ms;
+constexpr auto window = 460ms;
+constexpr auto longestSearch = 700ms;
+
+constexpr std::size_t maxCameras = 4096; // a flood of invented cameras must not eat the memory
+constexpr std::size_t batch = 64;        // datagrams of one socket before the clock is looked at
+
+class Search
+{
+public:
+    std::vector<FoundCamera> run();
+
+private:
+    void sendRounds(Clock::time_point now);
+    void listen(Clock::time_point now);
+    void handle(std::size_t channel, const Datagram& datagram);
+    std::vector<FoundCamera> conclude();
+    std::set<net::Ipv4> contestedAddresses() const;
+
+    Clock::time_point m_start = Clock::now();
+    Broadcaster m_broadcaster;
+    UnicastProbe m_probe{m_start + window, m_start + longestSearch};
+    std::uint16_t m_requestId = nextRequestId();
+    int m_roundsSent = 0;
+    std::map<std::pair<std::size_t, net::MacAddress>, gvcp::Identity> m_found; // by channel and camera
+    bool m_full = false;
+};
+
+std::vector<FoundCamera> Search::run()
+{
+    for (auto now = m_start; now < m_probe.end(); now = Clock::now()) {
+        sendRounds(now);
+        if (m_roundsSent == rounds && !m_broadcaster.hasSent()) {
+            break; // nobody was asked, so nobody will answer
+        }
+        m_probe.sendDue(now);
+        listen(now);
+    }
+    return conclude();
+}
+
+void Search::sendRounds(Clock::time_point now)
+{
+    if (m_roundsSent < rounds && now >= m_start + m_roundsSent * roundInterval) {
+        m_broadcaster.send(gvcp::encodeDiscovery(m_requestId));
+        m_roundsSent = m_broadcaster.canSend() ? m_roundsSent + 1 : rounds;
+    }
+}
+
+void Search::listen(Clock::time_point now)
+{
+    std::vector<pollfd> sockets{{.fd = m_probe.descriptor(), .events = POLLIN, .revents = 0}};
+    if (now < m_start + window) { // what is only heard later is not taken up
+        m_broadcaster.appendTo(sockets);
+    }
+    auto until = std::min(m_probe.end(), m_probe.nextSend());
+    if (m_roundsSent < rounds) {
+        until = std::min(until, m_start + m_roundsSent * roundInterval);
+    }
+    waitReadable(sockets, until);
+    if (sockets.front().revents != 0) {
+        m_probe.receive(batch);
+    }
+    for (std::size_t i = 1; i < sockets.size(); ++i) {
+        if (sockets[i].revents != 0) {
+            m_broadcaster.receive(i - 1, batch, [&](const Datagram& datagram) { handle(i - 1, datagram); });
+        }
+    }
+}
+
+void Search::handle(std::size_t channel, const Datagram& datagram)
+{
+    const auto acknowledge = gvcp::decodeAcknowledge(datagram.bytes);
+    if (!acknowledge || acknowledge->code != gvcp::Ack::Discovery || acknowledge->requestId != m_requestId ||
+        acknowledge->isRefusal()) {
+        return;
+    }
+    auto identity = gvcp::decodeIdentity(acknowledge->payload);
+    if (!identity) {
+        return;
+    }
+    const std::pair key(channel, identity->mac);
+    const auto known = m_found.find(key);
+    if (known != m_found.end() && known->second == *identity) {
+        return;
+    }
+    if (known == m_found.end() && m_found.size() >= maxCameras) {
+        if (!m_full) {
+            trace::search(ozlog::LogLevel::Warning, "More than %u cameras answered; the others are left out.",
+                          static_cast<unsigned>(maxCameras));
+        }
+        m_full = true;
+        return;
+    }
+    m_probe.ask(identity->mac, identity->ip, m_broadcaster.host(channel).adapterIndex, Clock::now());
+    m_found.insert_or_assign(key, std::move(*identity));
+}
+
+std::set<net::Ipv4> Search::contestedAddresses() const
+{
+    std::map<net::Ipv4, net::MacAddress> owners;
+    std::set<net::Ipv4> contested;
+    for (const auto& [key, identity] : m_found) {
+        if (identity.ip == net::Ipv4{}) {
+            continue; // still without an address
+        }
+        const auto [owner, isFirst] = owners.try_emplace(identity.ip, identity.mac);
+        if (!isFirst && owner->second != identity.mac && contested.insert(identity.ip).second) {
+            trace::search(ozlog::LogLevel::Warning, "Cameras MAC=%hs and MAC=%hs both claim the address %hs.",
+                          net::formatMac(owner->second).c_str(), net::formatMac(identity.mac).c_str(),
+                          net::formatIpv4(identity.ip).c_str());
+        }
+    }
+    return contested;
+}
+
+std::vector<FoundCamera> Search::conclude()
+{
+    const std::set<net::Ipv4> contested = contestedAddresses();
+    std::vector<FoundCamera> cameras;
+    cameras.reserve(m_found.size());
+    for (auto& [key, identity] : m_found) {
+        UnicastProbe::Answer answer = m_probe.answerOf(identity.mac, identity.ip);
+        if (contested.contains(identity.ip)) {
+            answer = {.heard = false, .accessibility = Tessal::Accessibility::NotReachable};
+        }
+        cameras.push_back({.identity = std::move(identity),
+                           .heardBy = m_broadcaster.host(key.first),
+                           .answersUnicast = answer.heard,
+                           .accessibility = answer.accessibility});
+    }
+    const auto took = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - m_start);
+    trace::search(ozlog::LogLevel::Info, "Found %u cameras through %u host addresses in %u ms.",
+                  static_cast<unsigned>(cameras.size()), static_cast<unsigned>(m_broadcaster.channelCount()),
+                  static_cast<unsigned>(took.count()));
+    return cameras;
+}
+
+} // namespace
+
+std::vector<FoundCamera> searchCameras()
+{
+    return Search().run();
+}
+
+} // namespace gige

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "gige/codec.h"
+#include "net/addresses.h"
+
+#include <chrono>
+#include <optional>
+#include <span>
+
+#include <poll.h>
+
+namespace gige {
+
+using Clock = std::chrono::steady_clock;
+
+struct Endpoint
+{
+    net::Ipv4 address;
+    std::uint16_t port = 0;
+
+    friend bool operator==(const Endpoint&, const Endpoint&) = default;
+};
+
+/// The adapter to leave by and the host address to name as the source.
+struct Origin
+{
+    int adapterIndex = 0;
+    net::Ipv4 address;
+};
+
+struct Datagram
+{
+    gvcp::Bytes bytes; // in the caller's buffer
+    Endpoint source;
+    int adapterIndex = 0; // of the adapter that heard it
+};
+
+/// A UDP socket on an ephemeral port of every address of this host, so that it hears broadcast answers too.
+/// Never blocks, and never hands a packet to a gateway: cameras are on the link or out of reach.
+class UdpSocket
+{
+public:
+    /// Throws SocketException.
+    UdpSocket();
+    UdpSocket(UdpSocket&& other) noexcept;
+    UdpSocket& operator=(UdpSocket&& other) noexcept;
+    UdpSocket(const UdpSocket&) = delete;
+    UdpSocket& operator=(const UdpSocket&) = delete;
+    ~UdpSocket();
+
+    /// Throws SocketException.
+    void allowBroadcast();
+    /// From here on hears only this peer. Throws SocketException when no adapter's network holds it.
+    void connect(const Endpoint& peer);
+    /// The host address that a connected peer sees.
+    [[nodiscard]] net::Ipv4 localAddress() const;
+    [[nodiscard]] int descriptor() const { return m_descriptor; }
+
+    /// Both return 0 or the errno value.
+    [[nodiscard]] int send(gvcp::Bytes bytes);
+    [[nodiscard]] int sendTo(gvcp::Bytes bytes, const Endpoint& to,
+                             std::optional<Origin> from = std::nullopt);
+
+    /// The next datagram, or nullopt when none waits or the socket reports an error of an earlier packet; the
+    /// errno value is then in `*error`, if given. A datagram longer than the buffer counts as none of ours
+    /// and is given with no bytes.
+    [[nodiscard]] std::optional<Datagram> receive(std::span<std::uint8_t> buffer, int* error = nullptr);
+
+private:
+    int m_descriptor = -1;
+};
+
+/// Waits until one of the sockets can be read or the time has come.
+void waitReadable(std::span<pollfd> sockets, Clock::time_point until);
+
+/// Whether the packet found no room for the moment, so that sending it again later may do.
+[[nodiscard]] bool isTransientSendError(int error);
+
+} // namespace gige

@@ -1,0 +1,179 @@
+#include "gige/unicastprobe.h"
+
+#include "gige/attempts.h"
+#include "gige/trace.h"
+#include "tessal/transportlayer.h"
+
+#include <algorithm>
+#include <array>
+
+namespace gige {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto repeatInterval = 50ms;
+constexpr auto openAtLeast = 350ms; // a camera may take 300 ms to answer
+constexpr auto fullSocketPause = 5ms;
+constexpr std::size_t maxQuestions = 4096;
+
+bool isUnicast(net::Ipv4 address)
+{
+    const std::uint32_t firstPart = address.value >> 24;
+    return firstPart != 0 && firstPart != 127 && firstPart < 224;
+}
+
+} // namespace
+
+int accessibilityOf(std::uint32_t privilege)
+{
+    if ((privilege & gvcp::Privilege::Exclusive) != 0) {
+        return Tessal::Accessibility::ControlledExclusively;
+    }
+    return (privilege & gvcp::Privilege::Control) != 0 ? Tessal::Accessibility::Controlled
+                                                       : Tessal::Accessibility::Ok;
+}
+
+UnicastProbe::UnicastProbe(Clock::time_point windowEnd, Clock::time_point deadline)
+    : m_windowEnd(windowEnd), m_deadline(deadline), m_lastOpenUntil(windowEnd)
+{}
+
+void UnicastProbe::ask(const net::MacAddress& mac, net::Ipv4 address, int adapterIndex, Clock::time_point now)
+{
+    if (!isUnicast(address)) {
+        return;
+    }
+    if (const auto known = m_byCamera.find({mac, address}); known != m_byCamera.end()) {
+        auto& adapters = m_questions[known->second].adapters;
+        if (std::ranges::find(adapters, adapterIndex) == adapters.end()) {
+            adapters.push_back(adapterIndex);
+        }
+        return;
+    }
+    if (m_questions.size() >= maxQuestions) {
+        return;
+    }
+    const std::size_t index = m_questions.size();
+    Question question;
+    question.requestId = nextRequestId();
+    question.address = address;
+    question.adapters.push_back(adapterIndex);
+    question.openUntil = std::clamp(now + openAtLeast, m_windowEnd, m_deadline);
+    m_lastOpenUntil = std::max(m_lastOpenUntil, question.openUntil);
+    if (question.openUntil > m_windowEnd) {
+        ++m_lateOpen;
+    }
+    m_byCamera.emplace(std::pair(mac, address), index);
+    m_byRequestId.emplace(question.requestId, index);
+    m_questions.push_back(std::move(question));
+    m_turns.emplace(now, index);
+    sendDue(now);
+}
+
+void UnicastProbe::sendDue(Clock::time_point now)
+{
+    while (now >= m_pausedUntil && !m_turns.empty() && m_turns.top().first <= now) {
+        const std::size_t index = m_turns.top().second;
+        m_turns.pop();
+        send(index, now);
+    }
+}
+
+void UnicastProbe::send(std::size_t index, Clock::time_point now)
+{
+    Question& question = m_questions[index];
+    if (question.settled || !question.repeating || now >= question.openUntil) {
+        return;
+    }
+    const gvcp::Packet packet =
+        gvcp::encodeReadReg(question.requestId, gvcp::Register::ControlChannelPrivilege);
+    const int error = m_socket.sendTo(packet, {question.address, gvcp::Port});
+    if (error != 0 && !isTransientSendError(error)) {
+        settle(question, {.heard = false, .accessibility = Tessal::Accessibility::NotReachable});
+        return;
+    }
+    if (error != 0) {
+        m_pausedUntil = now + fullSocketPause;
+    }
+    m_turns.emplace(error == 0 ? now + repeatInterval : now, index);
+}
+
+void UnicastProbe::settle(Question& question, Answer answer)
+{
+    question.answer = answer;
+    if (!question.settled && question.openUntil > m_windowEnd) {
+        --m_lateOpen;
+    }
+    question.settled = true;
+}
+
+void UnicastProbe::receive(std::size_t limit)
+{
+    std::array<std::uint8_t, gvcp::MaxPacketSize> buffer{};
+    for (std::size_t i = 0; i < limit; ++i) {
+        const auto datagram = m_socket.receive(buffer);
+        if (!datagram) {
+            return;
+        }
+        handle(*datagram);
+    }
+}
+
+void UnicastProbe::handle(const Datagram& datagram)
+{
+    const auto acknowledge = gvcp::decodeAcknowledge(datagram.bytes);
+    if (!acknowledge) {
+        return;
+    }
+    const auto found = m_byRequestId.find(acknowledge->requestId);
+    if (found == m_byRequestId.end()) {
+        return;
+    }
+    Question& question = m_questions[found->second];
+    const bool fromTheCamera =
+        datagram.source == Endpoint{question.address, gvcp::Port} &&
+        std::ranges::find(question.adapters, datagram.adapterIndex) != question.adapters.end();
+    if (fromTheCamera && !question.settled) {
+        handle(question, *acknowledge);
+    }
+}
+
+void UnicastProbe::handle(Question& question, const gvcp::Acknowledge& acknowledge)
+{
+    if (acknowledge.code == gvcp::Ack::Pending) {
+        question.repeating = false;
+    } else if (acknowledge.code != gvcp::Ack::ReadReg) {
+        return;
+    } else if (acknowledge.status == gvcp::Status::Busy) {
+        question.answer = {.heard = true, .accessibility = Tessal::Accessibility::Unknown};
+    } else if (acknowledge.status == gvcp::Status::AccessDenied) {
+        // Whoever may not even read is kept out by somebody who holds the camera for himself alone.
+        settle(question, {.heard = true, .accessibility = Tessal::Accessibility::ControlledExclusively});
+    } else if (acknowledge.isRefusal()) {
+        settle(question, {.heard = true, .accessibility = Tessal::Accessibility::Unknown});
+    } else if (const auto privilege = gvcp::decodeReadRegAck(acknowledge.payload)) {
+        settle(question, {.heard = true, .accessibility = accessibilityOf(*privilege)});
+    }
+}
+
+Clock::time_point UnicastProbe::nextSend() const
+{
+    return m_turns.empty() ? m_deadline : std::max(m_turns.top().first, m_pausedUntil);
+}
+
+Clock::time_point UnicastProbe::end() const
+{
+    return m_lateOpen > 0 ? m_lastOpenUntil : m_windowEnd;
+}
+
+UnicastProbe::Answer UnicastProbe::answerOf(const net::MacAddress& mac, net::Ipv4 address) const
+{
+    const auto found = m_byCamera.find({mac, address});
+    if (found == m_byCamera.end() || !m_questions[found->second].answer.heard) {
+        return {.heard = false, .accessibility = Tessal::Accessibility::NotReachable};
+    }
+    return m_questions[found->second].answer;
+}
+
+} // namespace gige
