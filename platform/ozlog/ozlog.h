@@ -115,7 +115,7 @@ template <typename... Args>
 void LogTrace(unsigned long catId, LogLevel level, Format<std::type_identity_t<Args>...> format,
               const Args&... arguments)
 {
-    detail::write(catId, level, format.text(), {detail::argument<std::decay_t<Args>>(arguments)...});
+    detail::write(catId, level, format.text(), {detail::argument<std::decay_t<const Args>>(arguments)...});
 }
 
 } // namespace ozlog

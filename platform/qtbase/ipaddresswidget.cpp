@@ -42,6 +42,8 @@ void setText(QLineEdit* edit, const QString& text)
     edit->end(false);
 }
 
+constexpr int longestSubnet = 31; // bits; a host's own /32 leaves no room for a camera
+
 /// The mask of the smallest subnet of an active host adapter that holds the address; null when there is none.
 QHostAddress hostMaskFor(const QHostAddress& address)
 {
@@ -54,9 +56,10 @@ QHostAddress hostMaskFor(const QHostAddress& address)
         }
         const auto entries = adapter.addressEntries();
         for (const QNetworkAddressEntry& entry : entries) {
-            if (entry.ip().protocol() == QAbstractSocket::IPv4Protocol && entry.prefixLength() > longest &&
-                address.isInSubnet(entry.ip(), entry.prefixLength())) {
-                longest = entry.prefixLength();
+            const int length = entry.prefixLength();
+            if (entry.ip().protocol() == QAbstractSocket::IPv4Protocol && length > longest &&
+                length <= longestSubnet && address.isInSubnet(entry.ip(), length)) {
+                longest = length;
                 mask = entry.netmask();
             }
         }
