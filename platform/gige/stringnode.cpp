@@ -94,11 +94,13 @@ bool XmlStringNode::handles(pugi::xml_node node)
 XmlStringNode::Resolved XmlStringNode::resolve(bool withAccess) const
 try {
     XmlEvaluation evaluation(m_description, m_port);
+    XmlEvaluation conditions(m_description,
+                             m_port); // one that goes round in circles costs no more than itself
     Resolved resolved;
     pugi::xml_node node = m_node;
     while (true) {
         if (withAccess) {
-            const Access access = evaluation.access(node);
+            const Access access = conditions.access(node);
             resolved.access.readable = resolved.access.readable && access.readable;
             resolved.access.writable = resolved.access.writable && access.writable;
         }
