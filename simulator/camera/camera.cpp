@@ -1,0 +1,334 @@
+#include "camera/camera.h"
+
+#include "gige/bytes.h"
+
+#include <algorithm>
+
+namespace sim {
+
+namespace {
+
+using gvcp::Command;
+using gvcp::Status;
+
+bool changesSomething(const CommandMessage& command)
+{
+    return command.is(Command::WriteReg) || command.is(Command::WriteMem) || command.is(Command::ForceIp);
+}
+
+bool isMac(std::span<const std::uint8_t> payload, std::size_t offset, const net::MacAddress& mac)
+{
+    return payload.size() >= offset + mac.bytes.size() &&
+           std::equal(mac.bytes.begin(), mac.bytes.end(),
+                      payload.begin() + static_cast<std::ptrdiff_t>(offset));
+}
+
+Message pendingAcknowledge(Duration left, std::uint16_t id)
+{
+    std::array<std::uint8_t, 4> payload{};
+    bytes::put16(payload, 2, static_cast<std::uint16_t>(std::min<Duration::rep>(left.count(), 0xFFFF)));
+    return makeAcknowledge(Status::Success, static_cast<std::uint16_t>(gvcp::Ack::Pending), id, payload);
+}
+
+std::string modeText(std::uint32_t enabled)
+{
+    std::string text;
+    text += (enabled & gvcp::IpConfig::Persistent) != 0 ? "static+" : "";
+    text += (enabled & gvcp::IpConfig::Dhcp) != 0 ? "dhcp+" : "";
+    return text + "lla";
+}
+
+std::string enabledText(std::uint32_t enabled)
+{
+    std::string text;
+    text += (enabled & gvcp::IpConfig::Persistent) != 0 ? "persistent," : "";
+    text += (enabled & gvcp::IpConfig::Dhcp) != 0 ? "dhcp," : "";
+    return text.substr(0, text.empty() ? 0 : text.size() - 1);
+}
+
+} // namespace
+
+void Effects::clear()
+{
+    answers.clear();
+    events.clear();
+    hasNewAddress = false;
+}
+
+Camera::Camera(const CameraConfig& config, Instant now)
+    : m_config(config), m_registers(m_config), m_cycle(m_config, stored())
+{
+    if (m_config.inUse) {
+        const InUse& use = *m_config.inUse;
+        m_control.occupy(use.privilege, {use.by, 0}, use.duration ? now + *use.duration : never);
+    }
+    Effects unused;
+    addressChanged(unused);
+}
+
+void Camera::hear(const Request& request, Instant now, Effects& effects)
+{
+    const std::optional<CommandMessage> command = parseCommand(request.bytes);
+    if (isDeaf() || !command || command->id == 0 || (m_config.faults.muteToUnicast && !request.isBroadcast)) {
+        return;
+    }
+    if (!command->isWellFormed) {
+        // a thousand cameras that complain about one stray broadcast would help nobody
+        if (!request.isBroadcast) {
+            m_payload.size = 0;
+            acknowledge(*command, {Status::InvalidHeader, "wrong key or length"}, addressing(), effects);
+        }
+        return;
+    }
+    m_control.heard(request.from, now, heartbeatTimeout());
+    if (isMeantForMe(*command, request.isBroadcast) && !answerRepeat(request, now, effects)) {
+        execute(*command, request, now, effects);
+    }
+}
+
+bool Camera::isMeantForMe(const CommandMessage& command, bool isBroadcast) const
+{
+    if (command.is(Command::Discovery)) {
+        return !m_config.faults.muteToDiscovery && (!isBroadcast || command.payload.empty());
+    }
+    if (command.is(Command::ForceIp)) {
+        return isMac(command.payload, gvcp::ForceIp::Mac, m_config.mac);
+    }
+    if (command.is(Command::BroadcastIpConfig) && m_config.knowsBroadcastCommand) {
+        return isMac(command.payload, gvcp::BroadcastIpConfig::Mac, m_config.mac);
+    }
+    return !isBroadcast;
+}
+
+bool Camera::answerRepeat(const Request& request, Instant now, Effects& effects)
+{
+    if (!m_lastExecuted || m_lastExecuted->from != request.from ||
+        !std::equal(request.bytes.begin(), request.bytes.end(), m_lastExecuted->command.begin(),
+                    m_lastExecuted->command.end())) {
+        return false;
+    }
+    Answer answer = m_lastExecuted->answer;
+    if (answer.message.size == 0) {
+        return true;
+    }
+    if (m_config.faults.pendingAck > Duration::zero() && now < m_lastExecuted->readyAt) {
+        // still at work: the answer to the first copy will serve this one as well
+        answer.message = pendingAcknowledge(std::chrono::ceil<Duration>(m_lastExecuted->readyAt - now),
+                                            bytes::get16(request.bytes, 6));
+    }
+    answer.delay = m_config.faults.answerDelay;
+    effects.answers.push_back(answer);
+    return true;
+}
+
+void Camera::execute(const CommandMessage& command, const Request& request, Instant now, Effects& effects)
+{
+    const Faults& faults = m_config.faults;
+    const Ipv4Settings before = addressing();
+    const std::size_t answersBefore = effects.answers.size();
+    m_payload.size = 0;
+    const auto refusal = faults.refusedCommands.find(static_cast<Command>(command.code));
+    const Outcome outcome = refusal != faults.refusedCommands.end()
+                                ? Outcome{refusal->second, "the scene refuses this command"}
+                                : dispatch(command, request, now, effects);
+    const bool obeyed = command.is(Command::ForceIp) && outcome.status == Status::Success;
+    const bool restarts = m_cycle.isRunning();
+    const bool staysSilent =
+        obeyed && (restarts ? !faults.restartAck : faults.forceIpAck == ForceIpAck::Never);
+    if (!staysSilent) {
+        const bool fromOldAddress = restarts || faults.forceIpAck == ForceIpAck::OldAddress;
+        acknowledge(command, outcome, fromOldAddress ? before : addressing(), effects);
+    }
+    if (changesSomething(command)) {
+        m_lastExecuted = {request.from, {request.bytes.begin(), request.bytes.end()}, {}, now};
+        if (effects.answers.size() > answersBefore) {
+            m_lastExecuted->answer = effects.answers.back();
+            m_lastExecuted->readyAt = now + effects.answers.back().delay;
+        }
+    }
+    if (faults.vanishAfterWrites && m_writes >= *faults.vanishAfterWrites) {
+        vanish(effects);
+    }
+}
+
+Camera::Outcome Camera::dispatch(const CommandMessage& command, const Request& request, Instant now,
+                                 Effects& effects)
+{
+    switch (static_cast<Command>(command.code)) {
+    case Command::Discovery:
+        return discover(command, request, effects);
+    case Command::ForceIp:
+        return forceIp(command, request, now, effects);
+    case Command::ReadReg:
+        return readRegisters(command.payload, request.from);
+    case Command::WriteReg:
+        return writeRegisters(command.payload, request.from, now, effects);
+    case Command::ReadMem:
+        return readMemory(command.payload, request.from);
+    case Command::WriteMem:
+        return writeMemory(command.payload, request.from, now, effects);
+    case Command::BroadcastIpConfig:
+        if (m_config.knowsBroadcastCommand) {
+            return broadcastIpConfig(command.payload, request.from, effects);
+        }
+        break;
+    }
+    return {Status::NotImplemented, "unknown command"};
+}
+
+void Camera::acknowledge(const CommandMessage& command, const Outcome& outcome, const Ipv4Settings& source,
+                         Effects& effects)
+{
+    if (outcome.status != Status::Success) {
+        reportRefusal(command, outcome, effects);
+    }
+    if (!command.ackRequired) {
+        return;
+    }
+    const Faults& faults = m_config.faults;
+    const bool isBroadcastCommand = command.is(Command::Discovery) || command.is(Command::ForceIp) ||
+                                    command.is(Command::BroadcastIpConfig);
+    Answer answer;
+    answer.source = source;
+    answer.allowBroadcast = command.allowBroadcastAck && isBroadcastCommand && !faults.ignoreBroadcastAckFlag;
+    answer.delay = command.is(Command::Discovery) ? faults.discoveryDelay : faults.answerDelay;
+    if (faults.pendingAck > Duration::zero() && outcome.status == Status::Success &&
+        (command.is(Command::WriteReg) || command.is(Command::WriteMem))) {
+        answer.message = pendingAcknowledge(faults.pendingAck, command.id);
+        effects.answers.push_back(answer);
+        answer.delay += faults.pendingAck;
+    }
+    answer.message = makeAcknowledge(outcome.status, static_cast<std::uint16_t>(command.code + 1), command.id,
+                                     m_payload.all());
+    effects.answers.push_back(answer);
+}
+
+void Camera::reportRefusal(const CommandMessage& command, const Outcome& outcome, Effects& effects) const
+{
+    effects.events.push_back(event("refused")
+                                 .add("command", commandName(command.code))
+                                 .add("status", hex16(static_cast<std::uint16_t>(outcome.status)))
+                                 .addQuoted("reason", outcome.reason));
+}
+
+void Camera::vanish(Effects& effects)
+{
+    m_hasVanished = true;
+    effects.hasNewAddress = true;
+    effects.events.push_back(event("vanished"));
+}
+
+void Camera::advance(Instant now, Effects& effects)
+{
+    if (m_hasVanished) {
+        return;
+    }
+    const net::Ipv4 holder = m_control.holder().address;
+    if (m_control.lapse(now)) {
+        controlChanged(holder, "heartbeat", effects);
+    }
+    if (!m_cycle.isRunning() || !m_cycle.advance(now, stored())) {
+        return;
+    }
+    if (m_config.faults.vanishAfterRestart) {
+        vanish(effects);
+        return;
+    }
+    addressChanged(effects);
+    effects.events.push_back(event("restarted")
+                                 .add("mode", modeName(m_cycle.mode()))
+                                 .add("ip", addressing().ip)
+                                 .add("mask", addressing().mask)
+                                 .add("gateway", addressing().gateway));
+}
+
+Instant Camera::nextDeadline() const
+{
+    return m_hasVanished ? never : std::min(m_control.deadline(), m_cycle.deadline());
+}
+
+void Camera::restart(Instant now, Effects& effects)
+{
+    if (m_control.isHeld()) {
+        const net::Ipv4 holder = m_control.holder().address;
+        m_control.release();
+        controlChanged(holder, "restart", effects);
+    }
+    m_cycle.restart(now);
+    effects.hasNewAddress = true;
+}
+
+void Camera::addressChanged(Effects& effects)
+{
+    m_registers.set(gvcp::Register::CurrentIp, addressing().ip.value);
+    m_registers.set(gvcp::Register::CurrentMask, addressing().mask.value);
+    m_registers.set(gvcp::Register::CurrentGateway, addressing().gateway.value);
+    m_registers.set(gvcp::Register::ControlChannelPrivilege, m_control.privilege());
+    m_registers.set(gvcp::Register::PrimaryApplicationIp, m_control.holder().address.value);
+    effects.hasNewAddress = true;
+}
+
+void Camera::controlChanged(net::Ipv4 by, const char* reason, Effects& effects)
+{
+    m_registers.set(gvcp::Register::ControlChannelPrivilege, m_control.privilege());
+    m_registers.set(gvcp::Register::PrimaryApplicationPort, m_control.holder().port);
+    m_registers.set(gvcp::Register::PrimaryApplicationIp, m_control.holder().address.value);
+    effects.events.push_back(event("controlled")
+                                 .add("by", by)
+                                 .add("privilege", privilegeName(m_control.privilege()))
+                                 .add("reason", reason));
+}
+
+void Camera::reportConfiguration(const char* by, const char* what, Effects& effects) const
+{
+    const StoredIpConfig now = stored();
+    effects.events.push_back(
+        event("configured")
+            .add("by", by)
+            .add("what", what)
+            .add("mode", modeText(now.enabled))
+            .add("persistent-ip", now.persistent.ip)
+            .add("persistent-mask", now.persistent.mask)
+            .add("persistent-gateway", now.persistent.gateway)
+            .addQuoted("name", m_registers.text(gvcp::Register::UserDefinedName,
+                                                gvcp::DiscoveryAck::UserDefinedNameSize)));
+}
+
+EventLine Camera::state() const
+{
+    const StoredIpConfig now = stored();
+    return event("state")
+        .add("mac", net::formatMac(m_config.mac))
+        .add("ip", addressing().ip)
+        .add("mask", addressing().mask)
+        .add("gateway", addressing().gateway)
+        .add("mode", modeName(m_cycle.mode()))
+        .add("enabled", enabledText(now.enabled))
+        .add("persistent-ip", now.persistent.ip)
+        .add("persistent-mask", now.persistent.mask)
+        .add("persistent-gateway", now.persistent.gateway)
+        .addQuoted("name",
+                   m_registers.text(gvcp::Register::UserDefinedName, gvcp::DiscoveryAck::UserDefinedNameSize))
+        .add("control", privilegeName(m_control.privilege()));
+}
+
+Duration Camera::heartbeatTimeout() const
+{
+    return Duration(m_registers.get(gvcp::Register::HeartbeatTimeout));
+}
+
+StoredIpConfig Camera::stored() const
+{
+    using namespace gvcp;
+    return {m_registers.get(Register::IpConfigCurrent),
+            {{m_registers.get(Register::PersistentIp)},
+             {m_registers.get(Register::PersistentMask)},
+             {m_registers.get(Register::PersistentGateway)}}};
+}
+
+EventLine Camera::event(std::string_view word) const
+{
+    return EventLine(word).add("camera", m_config.name);
+}
+
+} // namespace sim

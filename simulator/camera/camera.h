@@ -1,0 +1,126 @@
+#pragma once
+
+#include "camera/cameraconfig.h"
+#include "camera/controlchannel.h"
+#include "camera/ipcycle.h"
+#include "camera/message.h"
+#include "camera/registerspace.h"
+#include "events.h"
+
+#include <array>
+#include <string>
+#include <vector>
+
+namespace sim {
+
+/// A datagram that reached the camera's GVCP port.
+struct Request
+{
+    Endpoint from;
+    bool isBroadcast = false;
+    std::span<const std::uint8_t> bytes;
+};
+
+/// An acknowledge on its way out.
+struct Answer
+{
+    Message message;
+    Ipv4Settings source; // the address it is sent from, and what that address makes reachable
+    bool allowBroadcast = false;
+    Duration delay{};
+};
+
+/// What a camera wants done; appended to, and reused by the caller.
+struct Effects
+{
+    std::vector<Answer> answers;
+    std::vector<EventLine> events;
+    bool hasNewAddress = false;
+
+    void clear();
+};
+
+/// One camera as seen through its GVCP port: discovery, forced addresses, registers and the privilege to
+/// write them, the maker's broadcast command, the IP configuration cycle. It owns no socket and no clock.
+class Camera
+{
+public:
+    Camera(const CameraConfig& config, Instant now);
+
+    void hear(const Request& request, Instant now, Effects& effects);
+    /// Does what has become due by `now`: the end of a restart, lapsed control.
+    void advance(Instant now, Effects& effects);
+    /// When `advance` has something to do next, or `never`.
+    [[nodiscard]] Instant nextDeadline() const;
+
+    [[nodiscard]] const CameraConfig& config() const { return m_config; }
+    [[nodiscard]] const Ipv4Settings& addressing() const { return m_cycle.current(); }
+    /// Restarting or gone: hears nothing, not even ARP.
+    [[nodiscard]] bool isDeaf() const { return m_hasVanished || m_cycle.isRunning(); }
+    [[nodiscard]] EventLine state() const;
+
+private:
+    /// How a command ended; the payload of its acknowledge is what the handler has put in `m_payload`.
+    struct Outcome
+    {
+        gvcp::Status status = gvcp::Status::Success;
+        const char* reason = "";
+    };
+    struct Executed
+    {
+        Endpoint from;
+        std::vector<std::uint8_t> command;
+        Answer answer;
+        Instant readyAt;
+    };
+
+    [[nodiscard]] bool isMeantForMe(const CommandMessage& command, bool isBroadcast) const;
+    [[nodiscard]] bool answerRepeat(const Request& request, Instant now, Effects& effects);
+    void execute(const CommandMessage& command, const Request& request, Instant now, Effects& effects);
+    [[nodiscard]] Outcome dispatch(const CommandMessage& command, const Request& request, Instant now,
+                                   Effects& effects);
+    void acknowledge(const CommandMessage& command, const Outcome& outcome, const Ipv4Settings& source,
+                     Effects& effects);
+    void reportRefusal(const CommandMessage& command, const Outcome& outcome, Effects& effects) const;
+    void vanish(Effects& effects);
+
+    Outcome discover(const CommandMessage& command, const Request& request, Effects& effects);
+    Outcome forceIp(const CommandMessage& command, const Request& request, Instant now, Effects& effects);
+    Outcome readRegisters(std::span<const std::uint8_t> payload, Endpoint from);
+    Outcome writeRegisters(std::span<const std::uint8_t> payload, Endpoint from, Instant now,
+                           Effects& effects);
+    Outcome readMemory(std::span<const std::uint8_t> payload, Endpoint from);
+    Outcome writeMemory(std::span<const std::uint8_t> payload, Endpoint from, Instant now, Effects& effects);
+    Outcome broadcastIpConfig(std::span<const std::uint8_t> payload, Endpoint from, Effects& effects);
+
+    [[nodiscard]] Outcome checkRead(std::uint32_t address, std::size_t size, Endpoint from) const;
+    [[nodiscard]] Outcome checkWrite(std::uint32_t address, Endpoint from) const;
+    Outcome writeWord(std::uint32_t address, std::uint32_t value, Endpoint from, Instant now,
+                      Effects& effects);
+    Outcome writePrivilege(std::uint32_t value, Endpoint from, Instant now, Effects& effects);
+    /// Writes word by word; `done` counts the bytes written before the first refusal.
+    Outcome writeWords(std::span<const std::uint8_t> data, std::uint32_t address, Endpoint from, Instant now,
+                       std::size_t& done, Effects& effects);
+
+    void restart(Instant now, Effects& effects);
+    void addressChanged(Effects& effects);
+    void controlChanged(net::Ipv4 by, const char* reason, Effects& effects);
+    void reportConfiguration(const char* by, const char* what, Effects& effects) const;
+    void answerIndex(std::size_t index);
+    [[nodiscard]] Duration heartbeatTimeout() const;
+    [[nodiscard]] StoredIpConfig stored() const;
+    [[nodiscard]] EventLine event(std::string_view word) const;
+
+    CameraConfig m_config;
+    RegisterSpace m_registers;
+    ControlChannel m_control;
+    IpCycle m_cycle;
+    bool m_hasVanished = false;
+    unsigned m_writes = 0; // registers or blocks, the privilege not counted
+    std::optional<Executed> m_lastExecuted;
+    std::array<std::pair<Endpoint, std::uint16_t>, 8> m_lastSearches{}; // asker and request id
+    std::size_t m_nextSearch = 0;
+    Message m_payload;
+};
+
+} // namespace sim

@@ -1,0 +1,91 @@
+#pragma once
+
+#include "camera/description.h"
+#include "camera/time.h"
+#include "gige/gvcp.h"
+#include "net/addresses.h"
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace sim {
+
+struct Ipv4Settings
+{
+    net::Ipv4 ip;
+    net::Ipv4 mask;
+    net::Ipv4 gateway;
+
+    friend bool operator==(const Ipv4Settings&, const Ipv4Settings&) = default;
+};
+
+/// The texts of the discovery data, each no longer than its field.
+struct Identity
+{
+    std::string vendor;
+    std::string model;
+    std::string version;
+    std::string info;
+    std::string serial;
+    std::string userId;
+};
+
+/// An application elsewhere that holds the camera from the start.
+struct InUse
+{
+    std::uint32_t privilege = gvcp::Privilege::Control;
+    net::Ipv4 by;
+    std::optional<Duration> duration; // none: for ever
+};
+
+enum class ForceIpAck { NewAddress, OldAddress, Never };
+enum class SpoiledAnswer { No, Garbage, Truncated, WrongId, WrongLength };
+
+/// What is wrong with a camera, or with the line it hangs on.
+struct Faults
+{
+    Duration discoveryDelay{};
+    Duration answerDelay{};
+    bool muteToUnicast = false;
+    bool muteToDiscovery = false;
+    bool ignoreBroadcastAckFlag = false;
+    bool vanishAfterRestart = false;
+    std::vector<unsigned> losePackets; // counted from 1, of the requests that reach the camera
+    unsigned repeatAnswers = 0;        // further copies of each answer
+    double lossPercent = 0;            // of requests and of answers
+    SpoiledAnswer answerWith = SpoiledAnswer::No;
+    std::map<gvcp::Command, gvcp::Status> refusedCommands;
+    std::map<std::uint32_t, gvcp::Status> refusedWrites; // by register address
+    std::map<std::uint32_t, gvcp::Status> refusedReads;
+    ForceIpAck forceIpAck = ForceIpAck::NewAddress;
+    bool restartAck = false;
+    Duration pendingAck{};                     // zero: writes are quick and no PENDING_ACK comes
+    std::optional<unsigned> vanishAfterWrites; // writes of anything but the privilege
+};
+
+/// Everything a scene says about one camera.
+struct CameraConfig
+{
+    std::string name;
+    net::MacAddress mac;
+    Identity identity;
+    std::uint32_t supported = gvcp::IpConfig::Persistent | gvcp::IpConfig::Dhcp | gvcp::IpConfig::LinkLocal;
+    std::uint32_t enabled = gvcp::IpConfig::LinkLocal;
+    Ipv4Settings persistent;
+    std::optional<Ipv4Settings> lease; // none: no DHCP server answers
+    net::Ipv4 linkLocal;
+    std::optional<Ipv4Settings> forced;
+    Duration restart{300};
+    Duration dhcpTimeout{2000};
+    Duration heartbeatTimeout{gvcp::DefaultHeartbeatTimeout};
+    bool broadcastCommand = true;      // false: switched off
+    bool knowsBroadcastCommand = true; // false: the camera of a maker who has no such command
+    std::optional<InUse> inUse;
+    Faults faults;
+    std::shared_ptr<const Description> description;
+};
+
+} // namespace sim

@@ -1,0 +1,318 @@
+#include "camera/camera.h"
+#include "gige/bytes.h"
+
+#include <algorithm>
+
+namespace sim {
+
+namespace {
+
+using gvcp::Status;
+
+constexpr std::size_t RegisterSize = 4; // bytes
+
+bool isUsableAddress(net::Ipv4 ip)
+{
+    const std::uint32_t first = ip.value >> 24;
+    return first != 0 && first != 127 && first < 224;
+}
+
+const char* reasonOf(Status status)
+{
+    switch (status) {
+    case Status::InvalidAddress:
+        return "no such register";
+    case Status::WriteProtected:
+        return "the register is read-only";
+    case Status::AccessDenied:
+        return "another application holds control";
+    case Status::InvalidParameter:
+        return "invalid value";
+    default:
+        return "";
+    }
+}
+
+/// The first of the words from `address` on that the scene refuses.
+Status refusal(const std::map<std::uint32_t, Status>& refused, std::uint32_t address, std::size_t size)
+{
+    const auto found = refused.lower_bound(address);
+    return found != refused.end() && found->first < address + size ? found->second : Status::Success;
+}
+
+bool isInName(std::uint32_t address)
+{
+    return address >= gvcp::Register::UserDefinedName &&
+           address < gvcp::Register::UserDefinedName + gvcp::DiscoveryAck::UserDefinedNameSize;
+}
+
+const char* settingAt(std::uint32_t address)
+{
+    switch (address) {
+    case gvcp::Register::IpConfigCurrent:
+        return "mode";
+    case gvcp::Register::PersistentIp:
+    case gvcp::Register::PersistentMask:
+    case gvcp::Register::PersistentGateway:
+        return "address";
+    default:
+        return isInName(address) ? "name" : nullptr;
+    }
+}
+
+} // namespace
+
+Camera::Outcome Camera::discover(const CommandMessage& command, const Request& request, Effects& effects)
+{
+    if (!command.payload.empty()) {
+        return {Status::InvalidParameter, "a discovery has no payload"};
+    }
+    const std::pair search(request.from, command.id);
+    if (command.ackRequired &&
+        std::find(m_lastSearches.begin(), m_lastSearches.end(), search) == m_lastSearches.end()) {
+        m_lastSearches[m_nextSearch] = search;
+        m_nextSearch = (m_nextSearch + 1) % m_lastSearches.size();
+        effects.events.push_back(event("found")
+                                     .add("mac", net::formatMac(m_config.mac))
+                                     .add("from", net::formatIpv4(request.from.address) + ":" +
+                                                      std::to_string(request.from.port)));
+    }
+    m_payload.size = gvcp::DiscoveryAck::Size;
+    m_registers.read(0, m_payload.all());
+    return {};
+}
+
+Camera::Outcome Camera::forceIp(const CommandMessage& command, const Request& request, Instant now,
+                                Effects& effects)
+{
+    const auto payload = command.payload;
+    if (payload.size() != gvcp::ForceIp::Size) {
+        return {Status::InvalidParameter, "wrong length"};
+    }
+    if (m_control.isHeldByAnotherThan(request.from)) {
+        return {Status::AccessDenied, reasonOf(Status::AccessDenied)};
+    }
+    const Ipv4Settings wanted{{bytes::get32(payload, gvcp::ForceIp::Ip)},
+                              {bytes::get32(payload, gvcp::ForceIp::Mask)},
+                              {bytes::get32(payload, gvcp::ForceIp::Gateway)}};
+    if (wanted.ip.value == 0) {
+        restart(now, effects);
+        return {};
+    }
+    if (!isUsableAddress(wanted.ip) || !net::isContiguousMask(wanted.mask)) {
+        return {Status::InvalidParameter, "no address for a camera"};
+    }
+    m_cycle.force(wanted);
+    addressChanged(effects);
+    effects.events.push_back(
+        event("forced").add("ip", wanted.ip).add("mask", wanted.mask).add("gateway", wanted.gateway));
+    return {};
+}
+
+Camera::Outcome Camera::checkRead(std::uint32_t address, std::size_t size, Endpoint from) const
+{
+    if (address % RegisterSize != 0 || size % RegisterSize != 0) {
+        return {Status::BadAlignment, "neither address nor length may be odd to four"};
+    }
+    if (const Status status = m_registers.checkRead(address, size); status != Status::Success) {
+        return {status, reasonOf(status)};
+    }
+    if (const Status status = refusal(m_config.faults.refusedReads, address, size);
+        status != Status::Success) {
+        return {status, "the scene refuses this register"};
+    }
+    const bool isPrivilege = address == gvcp::Register::ControlChannelPrivilege && size == RegisterSize;
+    if (m_control.privilege() & gvcp::Privilege::Exclusive && m_control.isHeldByAnotherThan(from) &&
+        !isPrivilege) {
+        return {Status::AccessDenied, "another application has exclusive access"};
+    }
+    return {};
+}
+
+Camera::Outcome Camera::readRegisters(std::span<const std::uint8_t> payload, Endpoint from)
+{
+    if (payload.empty() || payload.size() % RegisterSize != 0 || payload.size() > gvcp::MaxDataSize) {
+        return {Status::InvalidParameter, "wrong length"};
+    }
+    for (std::size_t at = 0; at < payload.size(); at += RegisterSize) {
+        const std::uint32_t address = bytes::get32(payload, at);
+        if (const Outcome outcome = checkRead(address, RegisterSize, from);
+            outcome.status != Status::Success) {
+            return outcome; // with the values read so far
+        }
+        m_payload.size = at + RegisterSize;
+        m_registers.read(address, m_payload.all().subspan(at, RegisterSize));
+    }
+    return {};
+}
+
+Camera::Outcome Camera::readMemory(std::span<const std::uint8_t> payload, Endpoint from)
+{
+    if (payload.size() != 8) {
+        return {Status::InvalidParameter, "wrong length"};
+    }
+    const std::uint32_t address = bytes::get32(payload, 0);
+    const std::size_t count = bytes::get16(payload, 6);
+    if (count == 0 || count > gvcp::MaxDataSize) {
+        return {Status::InvalidParameter, "wrong number of bytes"};
+    }
+    if (const Outcome outcome = checkRead(address, count, from); outcome.status != Status::Success) {
+        return outcome;
+    }
+    m_payload.size = RegisterSize + count;
+    bytes::put32(m_payload.all(), 0, address);
+    m_registers.read(address, m_payload.all().subspan(RegisterSize));
+    return {};
+}
+
+Camera::Outcome Camera::checkWrite(std::uint32_t address, Endpoint from) const
+{
+    if (address % RegisterSize != 0) {
+        return {Status::BadAlignment, "the address is no multiple of four"};
+    }
+    if (const Status status = m_registers.checkWrite(address, RegisterSize); status != Status::Success) {
+        return {status, reasonOf(status)};
+    }
+    if (const Status status = refusal(m_config.faults.refusedWrites, address, RegisterSize);
+        status != Status::Success) {
+        return {status, "the scene refuses this register"};
+    }
+    if (address != gvcp::Register::ControlChannelPrivilege && !m_control.isHeldBy(from)) {
+        return {Status::AccessDenied,
+                m_control.isHeld() ? reasonOf(Status::AccessDenied) : "without control"};
+    }
+    return {};
+}
+
+Camera::Outcome Camera::writeWord(std::uint32_t address, std::uint32_t value, Endpoint from, Instant now,
+                                  Effects& effects)
+{
+    if (const Outcome outcome = checkWrite(address, from); outcome.status != Status::Success) {
+        return outcome;
+    }
+    switch (address) {
+    case gvcp::Register::ControlChannelPrivilege:
+        return writePrivilege(value, from, now, effects);
+    case gvcp::Register::IpConfigCurrent:
+        if ((value & ~m_registers.get(gvcp::Register::IpConfigSupported)) != 0) {
+            return {Status::InvalidParameter, "mode not supported"};
+        }
+        m_registers.set(address, value | gvcp::IpConfig::LinkLocal);
+        break;
+    case gvcp::Register::HeartbeatTimeout:
+        if (value == 0) {
+            return {Status::InvalidParameter, reasonOf(Status::InvalidParameter)};
+        }
+        m_registers.set(address, value);
+        m_control.heard(from, now, heartbeatTimeout());
+        break;
+    default:
+        m_registers.set(address, value);
+    }
+    return {};
+}
+
+Camera::Outcome Camera::writePrivilege(std::uint32_t value, Endpoint from, Instant now, Effects& effects)
+{
+    const std::uint32_t before = m_control.privilege();
+    const Status status = m_control.write(from, value, now, heartbeatTimeout());
+    if (status == Status::Success && before != m_control.privilege()) {
+        controlChanged(from.address, "written", effects);
+    }
+    return {status, reasonOf(status)};
+}
+
+Camera::Outcome Camera::writeRegisters(std::span<const std::uint8_t> payload, Endpoint from, Instant now,
+                                       Effects& effects)
+{
+    constexpr std::size_t PairSize = 2 * RegisterSize;
+    if (payload.empty() || payload.size() % PairSize != 0 || payload.size() > gvcp::MaxDataSize) {
+        return {Status::InvalidParameter, "wrong length"};
+    }
+    for (std::size_t at = 0; at < payload.size(); at += PairSize) {
+        const auto data = payload.subspan(at + RegisterSize, RegisterSize);
+        std::size_t done = 0;
+        const Outcome outcome = writeWords(data, bytes::get32(payload, at), from, now, done, effects);
+        answerIndex(at / PairSize + done / RegisterSize);
+        if (outcome.status != Status::Success) {
+            return outcome;
+        }
+    }
+    return {};
+}
+
+Camera::Outcome Camera::writeMemory(std::span<const std::uint8_t> payload, Endpoint from, Instant now,
+                                    Effects& effects)
+{
+    if (payload.size() <= RegisterSize || payload.size() > RegisterSize + gvcp::MaxDataSize) {
+        return {Status::InvalidParameter, "wrong length"};
+    }
+    const auto data = payload.subspan(RegisterSize);
+    if (data.size() % RegisterSize != 0) {
+        return {Status::BadAlignment, "the length is no multiple of four"};
+    }
+    std::size_t done = 0;
+    const Outcome outcome = writeWords(data, bytes::get32(payload, 0), from, now, done, effects);
+    answerIndex(done);
+    return outcome;
+}
+
+Camera::Outcome Camera::writeWords(std::span<const std::uint8_t> data, std::uint32_t address, Endpoint from,
+                                   Instant now, std::size_t& done, Effects& effects)
+{
+    Outcome outcome;
+    const char* changed = nullptr;
+    while (done < data.size() && outcome.status == Status::Success) {
+        const std::uint32_t at = address + static_cast<std::uint32_t>(done);
+        outcome = writeWord(at, bytes::get32(data, done), from, now, effects);
+        if (outcome.status == Status::Success) {
+            changed = settingAt(at) != nullptr ? settingAt(at) : changed;
+            done += RegisterSize;
+        }
+    }
+    m_writes += done > 0 && address != gvcp::Register::ControlChannelPrivilege ? 1 : 0;
+    if (changed != nullptr) {
+        reportConfiguration("register", changed, effects);
+    }
+    return outcome;
+}
+
+Camera::Outcome Camera::broadcastIpConfig(std::span<const std::uint8_t> payload, Endpoint from,
+                                          Effects& effects)
+{
+    namespace Field = gvcp::BroadcastIpConfig;
+    if (!m_config.broadcastCommand) {
+        return {Status::NotImplemented, "the command is switched off"};
+    }
+    if (payload.size() != Field::Size) {
+        return {Status::InvalidParameter, "wrong length"};
+    }
+    const std::uint32_t mode = bytes::get32(payload, Field::IpConfig);
+    if ((mode & ~m_registers.get(gvcp::Register::IpConfigSupported)) != 0) {
+        return {Status::InvalidParameter, "mode not supported"};
+    }
+    if (m_control.isHeldByAnotherThan(from)) {
+        return {Status::AccessDenied, reasonOf(Status::AccessDenied)};
+    }
+    m_registers.set(gvcp::Register::IpConfigCurrent, mode | gvcp::IpConfig::LinkLocal);
+    m_registers.set(gvcp::Register::PersistentIp, bytes::get32(payload, Field::Ip));
+    m_registers.set(gvcp::Register::PersistentMask, bytes::get32(payload, Field::Mask));
+    m_registers.set(gvcp::Register::PersistentGateway, bytes::get32(payload, Field::Gateway));
+    if (m_registers.hasWritableName()) {
+        for (std::size_t at = 0; at < Field::UserDefinedNameSize; at += RegisterSize) {
+            m_registers.set(gvcp::Register::UserDefinedName + static_cast<std::uint32_t>(at),
+                            bytes::get32(payload, Field::UserDefinedName + at));
+        }
+    }
+    reportConfiguration("broadcast", "all", effects);
+    return {};
+}
+
+void Camera::answerIndex(std::size_t index)
+{
+    m_payload.size = RegisterSize;
+    bytes::put16(m_payload.all(), 0, 0);
+    bytes::put16(m_payload.all(), 2, static_cast<std::uint16_t>(index));
+}
+
+} // namespace sim

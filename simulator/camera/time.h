@@ -1,0 +1,13 @@
+#pragma once
+
+#include <chrono>
+
+namespace sim {
+
+/// Time is always passed in; only the program's main loop reads the clock.
+using Instant = std::chrono::steady_clock::time_point;
+using Duration = std::chrono::milliseconds;
+
+inline constexpr Instant never = Instant::max();
+
+} // namespace sim

@@ -1,0 +1,216 @@
+#include "wire/frames.h"
+
+#include "gige/bytes.h"
+
+#include <algorithm>
+
+namespace wire {
+
+namespace {
+
+using bytes::get16;
+using bytes::get32;
+using bytes::put16;
+using bytes::put32;
+
+constexpr std::size_t EthernetHeaderSize = 14;
+constexpr std::size_t ArpSize = 28;
+constexpr std::size_t Ipv4HeaderSize = 20;
+constexpr std::size_t UdpHeaderSize = 8;
+constexpr std::size_t IcmpHeaderSize = 8;
+constexpr std::uint8_t TimeToLive = 64;
+constexpr std::uint16_t DontFragment = 0x4000;
+constexpr std::uint16_t MoreFragmentsAndOffset = 0x3FFF;
+constexpr std::uint16_t ArpEthernet = 1;
+constexpr std::uint16_t ArpSizes = 0x0604; // bytes of a MAC and of an IPv4 address
+constexpr std::uint8_t IcmpEchoReply = 0;
+constexpr std::uint8_t IcmpEchoRequest = 8;
+
+net::MacAddress getMac(std::span<const std::uint8_t> from, std::size_t offset)
+{
+    net::MacAddress mac;
+    std::ranges::copy(from.subspan(offset, mac.bytes.size()), mac.bytes.begin());
+    return mac;
+}
+
+void putMac(std::span<std::uint8_t> to, std::size_t offset, const net::MacAddress& mac)
+{
+    std::ranges::copy(mac.bytes, to.subspan(offset).begin());
+}
+
+std::uint32_t sum(std::span<const std::uint8_t> bytes)
+{
+    std::uint32_t total = 0;
+    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
+        total += get16(bytes, i);
+    }
+    return bytes.size() % 2 == 0 ? total : total + (std::uint32_t{bytes.back()} << 8);
+}
+
+/// What the UDP checksum covers besides the datagram.
+std::uint32_t pseudoHeaderSum(const Ipv4Packet& packet, std::size_t size)
+{
+    const auto halves = [](std::uint32_t value) { return (value >> 16) + (value & 0xFFFF); };
+    return halves(packet.from.value) + halves(packet.to.value) + static_cast<std::uint32_t>(packet.protocol) +
+           static_cast<std::uint32_t>(size);
+}
+
+std::span<std::uint8_t> beginFrame(Frame& frame, const net::MacAddress& to, const net::MacAddress& from,
+                                   EtherType type, std::size_t payloadSize)
+{
+    frame.size = std::max(EthernetHeaderSize + payloadSize, MinFrameSize);
+    const std::span<std::uint8_t> all(frame.bytes);
+    putMac(all, 0, to);
+    putMac(all, 6, from);
+    put16(all, 12, static_cast<std::uint16_t>(type));
+    return all.subspan(EthernetHeaderSize, payloadSize);
+}
+
+/// Writes the header in front of `payloadSize` bytes and returns the room for these.
+std::span<std::uint8_t> beginPacket(std::span<std::uint8_t> room, const Ipv4Packet& packet,
+                                    std::uint16_t identification)
+{
+    room[0] = 0x45; // version 4, five words of header
+    put16(room, 2, static_cast<std::uint16_t>(room.size()));
+    put16(room, 4, identification);
+    put16(room, 6, DontFragment);
+    room[8] = TimeToLive;
+    room[9] = static_cast<std::uint8_t>(packet.protocol);
+    put32(room, 12, packet.from.value);
+    put32(room, 16, packet.to.value);
+    put16(room, 10, checksum(room.first(Ipv4HeaderSize)));
+    return room.subspan(Ipv4HeaderSize);
+}
+
+} // namespace
+
+std::uint16_t checksum(std::span<const std::uint8_t> bytes, std::uint32_t seed)
+{
+    std::uint32_t total = seed + sum(bytes);
+    while (total > 0xFFFF) {
+        total = (total >> 16) + (total & 0xFFFF);
+    }
+    return static_cast<std::uint16_t>(~total & 0xFFFF);
+}
+
+std::optional<Ethernet> parseEthernet(std::span<const std::uint8_t> frame)
+{
+    if (frame.size() < EthernetHeaderSize || frame.size() > MaxFrameSize) {
+        return std::nullopt;
+    }
+    const auto type = static_cast<EtherType>(get16(frame, 12));
+    if (type != EtherType::Arp && type != EtherType::Ipv4) {
+        return std::nullopt;
+    }
+    return Ethernet{getMac(frame, 0), getMac(frame, 6), type, frame.subspan(EthernetHeaderSize)};
+}
+
+std::optional<Arp> parseArp(const Ethernet& frame)
+{
+    const auto packet = frame.payload;
+    if (frame.type != EtherType::Arp || packet.size() < ArpSize || get16(packet, 0) != ArpEthernet ||
+        get16(packet, 2) != static_cast<std::uint16_t>(EtherType::Ipv4) || get16(packet, 4) != ArpSizes) {
+        return std::nullopt;
+    }
+    return Arp{static_cast<ArpOperation>(get16(packet, 6)),
+               getMac(packet, 8),
+               {get32(packet, 14)},
+               getMac(packet, 18),
+               {get32(packet, 24)}};
+}
+
+std::optional<Ipv4Packet> parseIpv4(const Ethernet& frame)
+{
+    const auto bytes = frame.payload;
+    if (frame.type != EtherType::Ipv4 || bytes.size() < Ipv4HeaderSize || bytes[0] >> 4 != 4) {
+        return std::nullopt;
+    }
+    const std::size_t headerSize = (bytes[0] & 0xFU) * 4;
+    const std::size_t totalSize = get16(bytes, 2);
+    if (headerSize < Ipv4HeaderSize || totalSize < headerSize || totalSize > bytes.size() ||
+        (get16(bytes, 6) & MoreFragmentsAndOffset) != 0 || checksum(bytes.first(headerSize)) != 0) {
+        return std::nullopt;
+    }
+    return Ipv4Packet{{get32(bytes, 12)},
+                      {get32(bytes, 16)},
+                      static_cast<Protocol>(bytes[9]),
+                      bytes.subspan(headerSize, totalSize - headerSize)};
+}
+
+std::optional<Udp> parseUdp(const Ipv4Packet& packet)
+{
+    const auto bytes = packet.payload;
+    if (packet.protocol != Protocol::Udp || bytes.size() < UdpHeaderSize) {
+        return std::nullopt;
+    }
+    const std::size_t size = get16(bytes, 4);
+    if (size < UdpHeaderSize || size > bytes.size()) {
+        return std::nullopt;
+    }
+    const bool hasChecksum = get16(bytes, 6) != 0;
+    if (hasChecksum && checksum(bytes.first(size), pseudoHeaderSum(packet, size)) != 0) {
+        return std::nullopt;
+    }
+    return Udp{get16(bytes, 0), get16(bytes, 2), bytes.subspan(UdpHeaderSize, size - UdpHeaderSize)};
+}
+
+std::optional<std::span<const std::uint8_t>> parseEchoRequest(const Ipv4Packet& packet)
+{
+    const auto bytes = packet.payload;
+    if (packet.protocol != Protocol::Icmp || bytes.size() < IcmpHeaderSize || bytes[0] != IcmpEchoRequest ||
+        bytes[1] != 0 || checksum(bytes) != 0) {
+        return std::nullopt;
+    }
+    return bytes;
+}
+
+Frame buildArp(const net::MacAddress& to, const Arp& arp)
+{
+    Frame frame;
+    const auto packet = beginFrame(frame, to, arp.senderMac, EtherType::Arp, ArpSize);
+    put16(packet, 0, ArpEthernet);
+    put16(packet, 2, static_cast<std::uint16_t>(EtherType::Ipv4));
+    put16(packet, 4, ArpSizes);
+    put16(packet, 6, static_cast<std::uint16_t>(arp.operation));
+    putMac(packet, 8, arp.senderMac);
+    put32(packet, 14, arp.senderIp.value);
+    putMac(packet, 18, arp.targetMac);
+    put32(packet, 24, arp.targetIp.value);
+    return frame;
+}
+
+Frame buildUdp(const net::MacAddress& to, const net::MacAddress& from, const Ipv4Packet& packet,
+               const Udp& udp, std::uint16_t identification)
+{
+    Frame frame;
+    const std::size_t size = UdpHeaderSize + udp.payload.size();
+    const auto room = beginFrame(frame, to, from, EtherType::Ipv4, Ipv4HeaderSize + size);
+    const auto datagram = beginPacket(room, packet, identification);
+    put16(datagram, 0, udp.fromPort);
+    put16(datagram, 2, udp.toPort);
+    put16(datagram, 4, static_cast<std::uint16_t>(size));
+    std::ranges::copy(udp.payload, datagram.subspan(UdpHeaderSize).begin());
+    const std::uint16_t sum = checksum(datagram, pseudoHeaderSum(packet, size));
+    put16(datagram, 6, sum == 0 ? 0xFFFF : sum); // 0 would mean "none"
+    return frame;
+}
+
+Frame buildEchoReply(const net::MacAddress& to, const net::MacAddress& from, const Ipv4Packet& packet,
+                     std::span<const std::uint8_t> request, std::uint16_t identification)
+{
+    Frame frame;
+    const auto room = beginFrame(frame, to, from, EtherType::Ipv4, Ipv4HeaderSize + request.size());
+    const auto message = beginPacket(room, packet, identification);
+    std::ranges::copy(request, message.begin());
+    message[0] = IcmpEchoReply;
+    put16(message, 2, 0);
+    put16(message, 2, checksum(message));
+    return frame;
+}
+
+void setReceiver(Frame& frame, const net::MacAddress& to)
+{
+    putMac(frame.bytes, 0, to);
+}
+
+} // namespace wire
