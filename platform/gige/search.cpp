@@ -127,11 +127,14 @@ std::set<net::Ipv4> Search::contestedAddresses() const
             continue; // still without an address
         }
         const auto [owner, isFirst] = owners.try_emplace(identity.ip, identity.mac);
-        if (!isFirst && owner->second != identity.mac && contested.insert(identity.ip).second) {
-            trace::search(ozlog::LogLevel::Warning, "Cameras MAC=%hs and MAC=%hs both claim the address %hs.",
-                          net::formatMac(owner->second).c_str(), net::formatMac(identity.mac).c_str(),
-                          net::formatIpv4(identity.ip).c_str());
+        if (!isFirst && owner->second != identity.mac) {
+            contested.insert(identity.ip);
         }
+    }
+    if (!contested.empty()) {
+        trace::search(ozlog::LogLevel::Warning, "%u addresses are claimed by more than one camera: %hs%hs",
+                      static_cast<unsigned>(contested.size()), net::formatIpv4(*contested.begin()).c_str(),
+                      contested.size() > 1 ? " and others" : "");
     }
     return contested;
 }

@@ -1,0 +1,2 @@
+# The camera layer, as far as it needs no network.
+lanvic_test(tst_gvcpcodec SOURCES tst_gvcpcodec.cpp LIBS platform_gige)
