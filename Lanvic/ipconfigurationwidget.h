@@ -97,7 +97,7 @@ private:
     const CNetworkAdapter* GetSelectedNetworkAdapter() const;
 
     // details panel
-    void saveChangesOfLeftRow(const QTreeWidgetItem* left);
+    void saveChangesOfLeftRow(QTreeWidgetItem* left);
     void updateUiFromTreeItem(const QTreeWidgetItem* item);
     void showNothing();
     void clearAddressFields();

@@ -141,7 +141,7 @@ void IpConfigurationWidget::on_treeWidget_currentItemChanged(QTreeWidgetItem* cu
     updateUiState(current);
 }
 
-void IpConfigurationWidget::saveChangesOfLeftRow(const QTreeWidgetItem* left)
+void IpConfigurationWidget::saveChangesOfLeftRow(QTreeWidgetItem* left)
 {
     if (left == nullptr || left->data(0, ItemKindRole).toInt() != DeviceItem || !isValidConfigInUI() ||
         !checkSaveChanges()) {
@@ -152,7 +152,12 @@ void IpConfigurationWidget::saveChangesOfLeftRow(const QTreeWidgetItem* left)
         return;
     }
     const QString mac = fromAscii(record->GetMacAddress());
-    if (!writeConfiguration(*record)) {
+    // A temporary address on the way goes to the selected camera, so that has to be the one that is saved.
+    QTreeWidgetItem* const entered = ui.treeWidget->currentItem();
+    ui.treeWidget->setCurrentItem(left);
+    const bool saved = writeConfiguration(*record);
+    ui.treeWidget->setCurrentItem(entered);
+    if (!saved) {
         QMessageBox::critical(this, windowTitle(), tr("The configuration could not be saved."),
                               QMessageBox::Close, QMessageBox::Close);
     }
