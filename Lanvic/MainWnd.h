@@ -27,6 +27,6 @@ private slots:
 private:
     void restoreGeometryFromSettings();
 
-    Ui_MainWnd ui;
+    Ui_MainWnd ui{};
     IpConfigurationWidget* m_pConfigWidget = nullptr; // the central widget, owned as a child
 };

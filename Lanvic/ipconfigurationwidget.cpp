@@ -29,6 +29,17 @@ private:
     quint64 m_maxBytes;
 };
 
+/// Gives the header the layout of the last run, if that was stored by a version that means the same by it.
+void restoreHeaderState(QHeaderView* header)
+{
+    QSettings settings;
+    settings.beginGroup(SettingsKey::Group);
+    if (settings.contains(SettingsKey::Header) &&
+        settings.value(SettingsKey::HeaderVersion, 0).toInt() == SettingsKey::CurrentHeaderVersion) {
+        header->restoreState(settings.value(SettingsKey::Header).toByteArray());
+    }
+}
+
 } // namespace
 
 IpConfigurationWidget::IpConfigurationWidget(QWidget* parent) : QWidget(parent)
@@ -39,7 +50,7 @@ IpConfigurationWidget::IpConfigurationWidget(QWidget* parent) : QWidget(parent)
                               tr("Status"), tr("IP Configuration"), tr("IP Address"),    tr("Subnet Mask")};
     ui.treeWidget->setColumnCount(static_cast<int>(columns.size()));
     ui.treeWidget->setHeaderLabels(columns);
-    restoreHeaderState();
+    restoreHeaderState(ui.treeWidget->header());
     installValidators();
     createHiddenAction(QStringLiteral("actionShowNetworkConnections"), tr("Alt+Shift+Ctrl+N"),
                        &IpConfigurationWidget::ShowNetworkConnections_triggered);
@@ -62,16 +73,6 @@ IpConfigurationWidget::~IpConfigurationWidget()
 {
     // A camera that is still held is given back with the transport layer, which may go with the lister.
     delete m_pDeviceLister;
-}
-
-void IpConfigurationWidget::restoreHeaderState()
-{
-    QSettings settings;
-    settings.beginGroup(SettingsKey::Group);
-    if (settings.contains(SettingsKey::Header) &&
-        settings.value(SettingsKey::HeaderVersion, 0).toInt() == SettingsKey::CurrentHeaderVersion) {
-        ui.treeWidget->header()->restoreState(settings.value(SettingsKey::Header).toByteArray());
-    }
 }
 
 void IpConfigurationWidget::installValidators()

@@ -66,14 +66,13 @@ private:
     // construction
     void createHiddenAction(const QString& objectName, const QString& shortcut,
                             void (IpConfigurationWidget::*slot)());
-    void restoreHeaderState();
     void installValidators();
     void connectSignals();
 
     // tree and refresh
     struct RememberedRow;
     void doRefresh(); // throws what discovery throws
-    RememberedRow rememberSelectedRow() const;
+    [[nodiscard]] RememberedRow rememberSelectedRow() const;
     bool savePendingChanges();
     void releaseDevice();
     void clearTree();
@@ -86,15 +85,15 @@ private:
     bool UpdateTreeItemFromNetworkAdapter(QTreeWidgetItem* item, const CNetworkAdapter* adapter);
     bool UpdateTreeItemFromDeviceInfo(QTreeWidgetItem* item, const Tessal::COrvikGigEDeviceInfo* record);
     int updateTreeRowFromDeviceInfoByMac(const QString& mac);
-    Tessal::COrvikGigEDeviceInfo* deviceOfItem(const QTreeWidgetItem* item) const;
-    const CNetworkAdapter* adapterOfItem(const QTreeWidgetItem* item) const;
-    QTreeWidgetItem* findAdapterTreeItem(const QString& name) const;
-    QTreeWidgetItem* getSelectedTreeItem() const;
-    Tessal::COrvikGigEDeviceInfo* GetDeviceInfoFromItemIndex(int index) const;
-    const CNetworkAdapter* GetNetworkAdapterFromItemIndex(int index) const;
-    const CNetworkAdapter* GetNetworkAdapaterFromDeviceItem(const QTreeWidgetItem* item) const;
-    Tessal::COrvikGigEDeviceInfo* GetSelectedDeviceInfo() const;
-    const CNetworkAdapter* GetSelectedNetworkAdapter() const;
+    [[nodiscard]] Tessal::COrvikGigEDeviceInfo* deviceOfItem(const QTreeWidgetItem* item) const;
+    [[nodiscard]] const CNetworkAdapter* adapterOfItem(const QTreeWidgetItem* item) const;
+    [[nodiscard]] QTreeWidgetItem* findAdapterTreeItem(const QString& name) const;
+    [[nodiscard]] QTreeWidgetItem* getSelectedTreeItem() const;
+    [[nodiscard]] Tessal::COrvikGigEDeviceInfo* GetDeviceInfoFromItemIndex(int index) const;
+    [[nodiscard]] const CNetworkAdapter* GetNetworkAdapterFromItemIndex(int index) const;
+    [[nodiscard]] const CNetworkAdapter* GetNetworkAdapaterFromDeviceItem(const QTreeWidgetItem* item) const;
+    [[nodiscard]] Tessal::COrvikGigEDeviceInfo* GetSelectedDeviceInfo() const;
+    [[nodiscard]] const CNetworkAdapter* GetSelectedNetworkAdapter() const;
 
     // details panel
     void saveChangesOfLeftRow(QTreeWidgetItem* left);
@@ -105,7 +104,7 @@ private:
     static QString deviceHint(const Tessal::COrvikGigEDeviceInfo& record, const CNetworkAdapter* adapter);
     void updateUiState(QTreeWidgetItem* item);
     void enableWidgets(bool enable);
-    bool isValidConfigInUI() const;
+    [[nodiscard]] bool isValidConfigInUI() const;
     void setSelectionInfoText(const QString& text);
     void setHintText(const QString& text);
 
@@ -113,9 +112,9 @@ private:
     void clearDirtyFlags();
     void startEditing();
     void stopEditing();
-    bool areIpSettingsEdited() const;
-    bool hasUnsavedChanges() const;
-    bool checkSaveChanges() const;
+    [[nodiscard]] bool areIpSettingsEdited() const;
+    [[nodiscard]] bool hasUnsavedChanges() const;
+    [[nodiscard]] bool checkSaveChanges() const;
     bool saveChangesBeforeClosing(); // false when the user would rather stay
     static void fixupIpAddress(QString& text);
     static void fixupMacAddress(QString& text);
@@ -130,8 +129,8 @@ private:
     bool broadcastConfiguration(const QString& mac);
     bool unicastConfiguration(const QString& ipAddress);
     bool waitForDevice(const QString& mac);
-    AddressingMode addressingModeInUi() const;
-    IpSettings ipSettingsInUi() const;
+    [[nodiscard]] AddressingMode addressingModeInUi() const;
+    [[nodiscard]] IpSettings ipSettingsInUi() const;
     bool storeByBroadcast(const QByteArray& mac);
     bool restartAfterBroadcast(const QString& mac);
     bool writeEditedSettings(const Tessal::COrvikGigEDeviceInfo& record, const QByteArray& oldIp);
@@ -149,7 +148,7 @@ private:
     std::optional<IpSettings> askForTemporaryAddress(IpAddressWidget& dialog, GenICam::gcstring& mac);
     std::optional<IpSettings> readTemporaryAddress(const IpAddressWidget& dialog, GenICam::gcstring& mac);
 
-    Ui_IpConfigurationWidgetClass ui;
+    Ui_IpConfigurationWidgetClass ui{};
     bool m_ipConfigModified = false;
     bool m_ipAddressModified = false;
     bool m_ipAddressEditPending = false; // edited, and the mask has not been proposed yet

@@ -9,6 +9,7 @@
 #include <QMessageBox>
 
 #include <algorithm>
+#include <compare>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -42,7 +43,7 @@ public:
     bool operator()(const DIPtrAndIndexPair& a, const DIPtrAndIndexPair& b) const
     {
         const auto order = valueOf(a, m_first) <=> valueOf(b, m_first);
-        return order < 0 || (order == 0 && valueOf(a, m_second) < valueOf(b, m_second));
+        return std::is_lt(order) || (std::is_eq(order) && valueOf(a, m_second) < valueOf(b, m_second));
     }
 
 private:
