@@ -76,7 +76,7 @@ void Camera::hear(const Request& request, Instant now, Effects& effects)
         // a thousand cameras that complain about one stray broadcast would help nobody
         if (!request.isBroadcast) {
             m_payload.size = 0;
-            acknowledge(*command, {Status::InvalidHeader, "wrong key or length"}, addressing(), effects);
+            acknowledge(*command, {Status::InvalidHeader, "wrong key or length"}, addressing(), {}, effects);
         }
         return;
     }
@@ -125,6 +125,7 @@ void Camera::execute(const CommandMessage& command, const Request& request, Inst
 {
     const Faults& faults = m_config.faults;
     const Ipv4Settings before = addressing();
+    const unsigned writesBefore = m_writes;
     const std::size_t answersBefore = effects.answers.size();
     m_payload.size = 0;
     const auto refusal = faults.refusedCommands.find(static_cast<Command>(command.code));
@@ -137,7 +138,9 @@ void Camera::execute(const CommandMessage& command, const Request& request, Inst
         obeyed && (restarts ? !faults.restartAck : faults.forceIpAck == ForceIpAck::Never);
     if (!staysSilent) {
         const bool fromOldAddress = restarts || faults.forceIpAck == ForceIpAck::OldAddress;
-        acknowledge(command, outcome, fromOldAddress ? before : addressing(), effects);
+        const bool isSlow = m_writes > writesBefore && outcome.status == Status::Success;
+        acknowledge(command, outcome, fromOldAddress ? before : addressing(),
+                    isSlow ? faults.pendingAck : Duration::zero(), effects);
     }
     if (changesSomething(command)) {
         m_lastExecuted = {request.from, {request.bytes.begin(), request.bytes.end()}, {}, now};
@@ -177,7 +180,7 @@ Camera::Outcome Camera::dispatch(const CommandMessage& command, const Request& r
 }
 
 void Camera::acknowledge(const CommandMessage& command, const Outcome& outcome, const Ipv4Settings& source,
-                         Effects& effects)
+                         Duration work, Effects& effects)
 {
     if (outcome.status != Status::Success) {
         reportRefusal(command, outcome, effects);
@@ -192,11 +195,10 @@ void Camera::acknowledge(const CommandMessage& command, const Outcome& outcome, 
     answer.source = source;
     answer.allowBroadcast = command.allowBroadcastAck && isBroadcastCommand && !faults.ignoreBroadcastAckFlag;
     answer.delay = command.is(Command::Discovery) ? faults.discoveryDelay : faults.answerDelay;
-    if (faults.pendingAck > Duration::zero() && outcome.status == Status::Success &&
-        (command.is(Command::WriteReg) || command.is(Command::WriteMem))) {
-        answer.message = pendingAcknowledge(faults.pendingAck, command.id);
+    if (work > Duration::zero()) {
+        answer.message = pendingAcknowledge(work, command.id);
         effects.answers.push_back(answer);
-        answer.delay += faults.pendingAck;
+        answer.delay += work;
     }
     answer.message = makeAcknowledge(outcome.status, static_cast<std::uint16_t>(command.code + 1), command.id,
                                      m_payload.all());

@@ -79,8 +79,9 @@ private:
     void execute(const CommandMessage& command, const Request& request, Instant now, Effects& effects);
     [[nodiscard]] Outcome dispatch(const CommandMessage& command, const Request& request, Instant now,
                                    Effects& effects);
+    /// `work` is how long the answer takes beyond the usual; unless zero, a PENDING_ACK goes ahead of it.
     void acknowledge(const CommandMessage& command, const Outcome& outcome, const Ipv4Settings& source,
-                     Effects& effects);
+                     Duration work, Effects& effects);
     void reportRefusal(const CommandMessage& command, const Outcome& outcome, Effects& effects) const;
     void vanish(Effects& effects);
 

@@ -257,7 +257,9 @@ private:
         for (unsigned i = 0; i < count; ++i) {
             PendingCamera copy = pattern;
             CameraConfig& camera = copy.camera.config;
-            camera.name += count > 1 ? "-" + std::to_string(i + 1) : "";
+            if (count > 1) {
+                camera.name.append("-").append(std::to_string(i + 1));
+            }
             advanceMac(camera.mac, i);
             camera.identity.serial = advanceSerial(camera.identity.serial, i, pattern.path);
             for (Ipv4Settings* const settings : {&camera.persistent, camera.lease ? &*camera.lease : nullptr,

@@ -13,7 +13,6 @@
 #include <optional>
 #include <span>
 #include <system_error>
-#include <utility>
 
 namespace wire {
 
@@ -64,17 +63,18 @@ public:
         append(data, size);
     }
 
-    [[nodiscard]] std::vector<std::uint8_t> take() { return std::move(m_bytes); }
+    [[nodiscard]] std::span<std::uint8_t> bytes() { return std::span(m_bytes).first(m_size); }
 
 private:
     void append(const void* data, std::size_t size)
     {
-        const std::size_t at = m_bytes.size();
-        m_bytes.resize(at + aligned(size));
-        std::memcpy(m_bytes.data() + at, data, size);
+        std::memcpy(std::span(m_bytes).subspan(m_size, size).data(), data, size);
+        m_size += aligned(size);
     }
 
-    std::vector<std::uint8_t> m_bytes;
+    static constexpr std::size_t Capacity = 256; // bytes, several times what any message here needs
+    std::array<std::uint8_t, Capacity> m_bytes{};
+    std::size_t m_size = 0;
 };
 
 /// Calls `visit(type, data)` for each attribute in `bytes`.
@@ -174,7 +174,7 @@ std::vector<Link> RouteSocket::links()
 {
     MessageBuilder builder(RTM_GETLINK, NLM_F_REQUEST | NLM_F_DUMP, ifinfomsg{});
     const std::string what = "the adapters cannot be listed";
-    send(builder.take(), what);
+    send(builder.bytes(), what);
     std::vector<Link> found;
     const int error = receive(m_socket, m_sequence,
                               [&](std::span<const std::uint8_t> body) { found.push_back(linkOf(body)); });
@@ -184,7 +184,7 @@ std::vector<Link> RouteSocket::links()
     return found;
 }
 
-void RouteSocket::send(std::vector<std::uint8_t> message, const std::string& what)
+void RouteSocket::send(std::span<std::uint8_t> message, const std::string& what)
 {
     nlmsghdr header{};
     std::memcpy(&header, message.data(), sizeof header);
@@ -196,9 +196,9 @@ void RouteSocket::send(std::vector<std::uint8_t> message, const std::string& wha
     }
 }
 
-void RouteSocket::request(std::vector<std::uint8_t> message, const std::string& what)
+void RouteSocket::request(std::span<std::uint8_t> message, const std::string& what)
 {
-    send(std::move(message), what);
+    send(message, what);
     if (const int error = receive(m_socket, m_sequence, [](auto) {}); error != 0) {
         fail(error, what);
     }
@@ -212,11 +212,11 @@ void RouteSocket::bringUp(int index, const net::MacAddress& mac, std::uint32_t m
     builder.attribute(IFLA_ADDRESS, mac.bytes.data(), mac.bytes.size());
     builder.attribute(IFLA_MTU, &mtu, sizeof mtu);
     builder.attribute(IFLA_TXQLEN, &queueLength, sizeof queueLength);
-    request(builder.take(), "the adapter cannot be set up");
+    request(builder.bytes(), "the adapter cannot be set up");
     info.ifi_flags = IFF_UP;
     info.ifi_change = IFF_UP;
     MessageBuilder up(RTM_NEWLINK, NLM_F_REQUEST | NLM_F_ACK, info);
-    request(up.take(), "the adapter cannot be switched on");
+    request(up.bytes(), "the adapter cannot be switched on");
 }
 
 void RouteSocket::addAddress(int index, net::Ipv4 address, unsigned prefixLength)
@@ -239,7 +239,7 @@ void RouteSocket::addAddress(int index, net::Ipv4 address, unsigned prefixLength
     if (prefixLength < 31) {
         builder.attribute(IFA_BROADCAST, broadcast.data(), broadcast.size());
     }
-    request(builder.take(), "the address " + net::formatIpv4(address) + " cannot be set");
+    request(builder.bytes(), "the address " + net::formatIpv4(address) + " cannot be set");
 }
 
 } // namespace wire

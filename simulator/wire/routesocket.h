@@ -3,6 +3,7 @@
 #include "net/addresses.h"
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -34,8 +35,8 @@ public:
     void addAddress(int index, net::Ipv4 address, unsigned prefixLength);
 
 private:
-    void send(std::vector<std::uint8_t> message, const std::string& what);
-    void request(std::vector<std::uint8_t> message, const std::string& what);
+    void send(std::span<std::uint8_t> message, const std::string& what);
+    void request(std::span<std::uint8_t> message, const std::string& what);
 
     int m_socket = -1;
     std::uint32_t m_sequence = 0;
