@@ -5,6 +5,8 @@
 #include <QStyle>
 #include <QTreeWidget>
 
+#include <utility>
+
 namespace {
 
 constexpr int messageMargin = 12; // pixels
@@ -32,7 +34,7 @@ WaitCursor::~WaitCursor()
     QApplication::restoreOverrideCursor();
 }
 
-WaitBox::WaitBox(const QString& text, QWidget* owner) : m_text(text), m_pOwner(owner) {}
+WaitBox::WaitBox(QString text, QWidget* owner) : m_text(std::move(text)), m_pOwner(owner) {}
 
 WaitBox::~WaitBox()
 {

@@ -22,7 +22,7 @@ class WaitBox : public QObject
 {
 public:
     /// Shows nothing yet. `owner` must outlive the box; without one there is no message.
-    WaitBox(const QString& text, QWidget* owner);
+    WaitBox(QString text, QWidget* owner);
     WaitBox(const WaitBox&) = delete;
     WaitBox& operator=(const WaitBox&) = delete;
     ~WaitBox() override;

@@ -18,7 +18,7 @@ using ozlog::LogTrace;
 
 namespace {
 
-constexpr char makersMacPrefix[] = "02-5E-41-";
+constexpr QLatin1String makersMacPrefix("02-5E-41-");
 
 /// The text, followed by the addresses that a camera behind the adapter can have, when that is known.
 QString withValidAddresses(const QString& text, const CNetworkAdapter* adapter)

@@ -188,7 +188,7 @@ bool IpConfigurationWidget::waitForDevice(const QString& mac)
     waitBox.showWaitCursor();
     try {
         for (int search = 0; search < maxSearches; ++search) {
-            ::sleep(secondsBetweenSearches);
+            ::sleep(secondsBetweenSearches); // NOLINT(concurrency-mt-unsafe): there is one thread
             lister.discoverAllDevices();
             const bool found = lists(lister.m_devices, mac);
             QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
