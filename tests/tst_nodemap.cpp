@@ -8,6 +8,7 @@
 
 #include <QTest>
 
+#include <array>
 #include <functional>
 #include <map>
 #include <vector>
@@ -144,159 +145,21 @@ bool fits(const QString& result, const QString& expected)
     return expected.contains(": ") ? result.startsWith(expected) : result == expected;
 }
 
-} // namespace
-
-class TestNodeMap : public QObject
+/// Of DeviceUserID: the nodes, what is read and what is written by "new", both with verification.
+struct TextFeature
 {
-    Q_OBJECT
-
-private slots:
-    void urlNamesAPlaceInTheCameraOrNothing();
-    void zipGivesItsXmlAndBelievesNoSize();
-    void descriptionComesFromTheFirstUsableUrl();
-    void textFeatures();
-    void theStandardNameRegister();
+    const char* nodes;
+    QString read;
+    QString written;
 };
 
-void TestNodeMap::urlNamesAPlaceInTheCameraOrNothing()
+std::vector<TextFeature> resolvedFeatures()
 {
-    const std::pair<QByteArray, const char*> rows[] = {
-        {"Local:cam.xml;1000;2F0", "cam.xml 1000 2f0"},
-        {"LOCAL:///Cam.ZIP;0x1000;0X2f0?SchemaVersion=1.1.0", "Cam.ZIP 1000 2f0 zipped"},
-        {" local: my cam.zip ; 00001000 ; 2F0 \r\n", "my cam.zip 1000 2f0 zipped"},
-        {QByteArray("Local:cam.xml;FFFFFFFF;1\0;rest", 30), "cam.xml ffffffff 1"},
-        {"Local:cam.xml;FFFFFFFF;2", "useless: 'Local:cam.xml;FFFFFFFF;2' names no place"},
-        {"Local:cam.xml;0;100000000", "useless: 'Local:cam.xml;0;100000000' names no place"},
-        {"Local:cam.xml;11111111111111111;10", "useless: '11111111111111111' is no"},
-        {"Local:cam.xml;1000;0", "useless: 'Local:cam.xml;1000;0' names no place"},
-        {"Local:cam.xml;-1;10", "useless: '-1' is no"},
-        {"Local:cam.xml;10g;10", "useless: '10g' is no"},
-        {"Local:cam.xml;1000", "useless: '' is no"},
-        {"Local:cam.xml;1000;10;10", "useless: '10;10' is no"},
-        {"Local:///;1000;10", "useless: 'Local:///;1000;10' names no place"},
-        {"File:C:\\cam.xml", "useless: 'File:C:\\cam.xml' is not in the camera"},
-        {"http://192.168.0.9/cam.xml", "useless: 'http://192.168.0.9/cam.xml' is not in the camera"},
-        {"cam.xml", "useless: 'cam.xml' is not in the camera"},
-        {QByteArray("\0Local:cam.xml;0;1", 18), "useless: the URL is empty"},
-    };
-    for (const auto& [url, expected] : rows) {
-        const QString result = resultOf([text = url.toStdString()] {
-            const gige::DescriptionUrl parsed = gige::parseDescriptionUrl(text);
-            return parsed.fileName + " " + QByteArray::number(parsed.address, 16).toStdString() + " " +
-                   QByteArray::number(parsed.length, 16).toStdString() + (parsed.zipped ? " zipped" : "");
-        });
-        QVERIFY2(fits(result, expected), qPrintable(url + " gives " + result));
-    }
-}
-
-void TestNodeMap::zipGivesItsXmlAndBelievesNoSize()
-{
-    const QByteArray good = Zip{.content = "<x/>"}.bytes();
-    const QByteArray large(5000, 'x');
-    const QString unusable = "useless: the zip archive cannot be used: ";
-    const QString tooLarge = unusable + "its file has more than 5000 bytes";
-    const std::pair<QByteArray, QString> rows[] = {
-        {good, "<x/>"},
-        {Zip{.content = "<x/>", .method = 0}.bytes(), "<x/>"},
-        {good + QByteArray(3, '\0'), "<x/>"},
-        {Zip{.name = "other", .content = "<x/>"}.bytes(), "<x/>"},
-        {Zip{.content = large, .claimedSize = 4}.bytes(), large},
-        {Zip{.content = large + 'x'}.bytes(), tooLarge},
-        {Zip{.content = QByteArray(10'000'000, 'x'), .claimedSize = 4}.bytes(), tooLarge},
-        {Zip{.content = "<x/>", .crcError = 1}.bytes(), unusable + "CRC"},
-        {Zip{.method = 14}.bytes(), unusable + "its file is neither stored nor deflated"},
-        {good.chopped(30), unusable + "Not a zip"},
-        {"<x/>", unusable + "Not a zip"},
-        {"", unusable},
-    };
-    for (const auto& [archive, expected] : rows) {
-        const std::vector<std::uint8_t> bytes(archive.begin(), archive.end());
-        const QString result = resultOf([&bytes] { return gige::unzipDescription(bytes, 5000); });
-        QVERIFY2(fits(result, expected), qPrintable(expected + " but is " + result.left(200)));
-    }
-}
-
-void TestNodeMap::descriptionComesFromTheFirstUsableUrl()
-{
-    // At A000 is a plain description, at B000 a zipped one, at C000 other XML, at D000 no XML, at E000
-    // nothing.
-    const QByteArray plain = describe(nodes("@ Address=0 Length=24")) + QByteArray(3, '\0');
-    const QByteArray good = "Local:a.xml;A000;" + QByteArray::number(plain.size(), 16);
-    const QByteArray zipped = "Local:b.zip;B000;" + QByteArray::number(Zip{}.bytes().size(), 16);
-    struct Row
-    {
-        QByteArray first;
-        QByteArray second;
-        QString length; // of DeviceUserID, or what is said instead
-        QString trace;
-        std::uint32_t faultAt = 0;
-        void (*fault)() = nullptr;
-        QByteArray capability = QByteArray("\x80\0\0\0", 4);
-    };
-    const QByteArray none;
-    const Row rows[] = {
-        {good, none, "24", ""},
-        {zipped, good, "16", ""},
-        {"http://a/b.xml", good, "24", ""},
-        {"Local:a.zip;A000;100", good, "24", ""},
-        {"Local:c.xml;C000;b", good, "24", ""},
-        {"Local:c.xml;D000;4", good, "24", ""},
-        {"Local:c.xml;A000;800001", good, "24", ""},
-        {"Local:c.xml;E000;10", good, "24", ""},
-        {none, none, "16", "first URL: the URL is empty; second URL: the URL is empty"},
-        {"Local:c.xml;C000;b", none, "16", "first URL: the XML is no register description"},
-        {"Local:c.xml;D000;4", none, "16", "first URL: the XML is malformed at byte"},
-        {none, good, "16", "second URL: no such register", 0x400, raise<gige::RefusalException>},
-        {none, good, "16", "second URL: no such register", 0x400, raise<GenICam::AccessException>},
-        {none, none, "none", "no standard name register", 0, nullptr, "\x7F\xFF\xFF\xFF"},
-        {none, none, "none", "no standard name register", 0x934, raise<gige::RefusalException>},
-        {good, none, "failure: no such register", "", 0x200, raise<GenICam::TimeoutException>},
-        {good, none, "failure: no such register", "", 0xA000, raise<GenICam::RuntimeException>},
-    };
-    for (const Row& row : rows) {
-        FakePort port;
-        port.put(gvcp::Register::FirstUrl, row.first.leftJustified(gvcp::Register::UrlSize, '\0'));
-        port.put(gvcp::Register::SecondUrl, row.second.leftJustified(gvcp::Register::UrlSize, '\0'));
-        port.put(gvcp::Register::Capability, row.capability);
-        port.put(0xA000, plain);
-        port.put(0xB000, Zip{}.bytes());
-        port.put(0xC000, "<svg></svg>");
-        port.put(0xD000, "<a<b");
-        port.faultAt = row.faultAt;
-        port.fault = row.fault;
-        const TraceCapture trace;
-        const QString length = resultOf([&port] {
-            const auto map = gige::makeNodeMap(port);
-            const GenApi::CPointer<GenApi::IString> name(map->GetNode("DeviceUserID"));
-            return name ? std::to_string(name->GetMaxLength()) : "none";
-        });
-        QCOMPARE(length, row.length);
-        const auto lines = trace.lines("Lanvic.Camera.NodeMap");
-        QCOMPARE(lines.size(), row.trace.isEmpty() ? 0 : 1);
-        QVERIFY2(lines.isEmpty() || (lines[0].level == QtWarningMsg && lines[0].text.contains(row.trace)),
-                 qPrintable(row.trace));
-    }
-}
-
-void TestNodeMap::textFeatures()
-{
-    // Of DeviceUserID: the nodes, what is read and what is written by "new", both with verification.
-    struct Row
-    {
-        const char* nodes;
-        QString read;
-        QString written;
-    };
     const QString wrote = "1000:new............. ";
-    const QString unusable =
-        "failure: The feature 'DeviceUserID' cannot be used: in the camera's description, node '";
     const QString readOnly = "access: The feature 'DeviceUserID' cannot be written";
     const QString hidden = "access: The feature 'DeviceUserID' cannot be read";
     const QString missing = "failure: NULL pointer dereferenced";
-    const auto broken = [&](const char* brief, const char* why) {
-        return Row{brief, unusable + why, unusable + why};
-    };
-    const Row rows[] = {
+    return {
         {"$", "camera", wrote},
         {"<g:Group><g:Group><g:StringReg Name='DeviceUserID'><g:Address>4096</g:Address><g:Length> "
          "16\n</g:Length></g:StringReg></g:Group></g:Group><StringReg Name='DeviceUserID'/>",
@@ -327,6 +190,19 @@ void TestNodeMap::textFeatures()
         {"$ pIsLocked=C | IntSwissKnife C Formula=1", "camera", wrote},
         {"$ pIsLocked=C | IntReg C Address=0x9000 Length=4", "camera", wrote},
         {"$ pIsLocked=C | Integer C pValue=C", "camera", wrote},
+        {"Integer DeviceUserID Value=1", missing, missing},
+        {"StringReg DeviceUserId Address=0x1000 Length=16", missing, missing},
+    };
+}
+
+std::vector<TextFeature> brokenFeatures()
+{
+    const auto broken = [](const char* brief, const QString& why) {
+        const QString result =
+            "failure: The feature 'DeviceUserID' cannot be used: in the camera's description, node '" + why;
+        return TextFeature{brief, result, result};
+    };
+    return {
         broken("@ Length=16", "DeviceUserID' has no address"),
         broken("@ Address=0", "DeviceUserID' has no place"),
         broken("@ Address=0x Length=16", "DeviceUserID' has '0x' for"),
@@ -345,31 +221,174 @@ void TestNodeMap::textFeatures()
                "DeviceUserID' does not lie"),
         broken("String DeviceUserID pValue=I | Integer I Value=1", "I' is no text"),
         broken("String DeviceUserID pValue=DeviceUserID", "DeviceUserID' refers to too many"),
-        {"Integer DeviceUserID Value=1", missing, missing},
-        {"StringReg DeviceUserId Address=0x1000 Length=16", missing, missing},
     };
+}
+
+void checkTextFeature(const TextFeature& row)
+{
+    FakePort port;
+    const QByteArray xml = describe(*row.nodes == '<' ? QByteArray(row.nodes) : nodes(row.nodes));
+    const QByteArray url = "Local:a.xml;10000;" + QByteArray::number(xml.size(), 16);
+    port.put(gvcp::Register::FirstUrl, url.leftJustified(gvcp::Register::UrlSize, '\0'));
+    port.put(0x10000, xml);
+    port.put(0x1000, QByteArray("camera").leftJustified(16, '\0'));
+    port.put(0x2000,
+             QByteArray::fromHex("00001000 00100000 FF000000 5A10005A 5A00105A5A5A5A5A 00000000 80000000"));
+    const auto map = gige::makeNodeMap(port);
+    port.reads = 0;
+    const auto name = [&map] { return GenApi::CPointer<GenApi::IString>(map->GetNode("DeviceUserID")); };
+    QVERIFY(name() || row.read.contains("NULL pointer"));
+    QCOMPARE(port.reads, 0);
+    const QString read = resultOf([&] { return std::string(name()->GetValue(true).view()); });
+    QVERIFY2(fits(read, row.read), qPrintable(row.nodes + (" reads " + read)));
+    const QString written = resultOf([&] {
+        name()->SetValue("new");
+        return port.written.toStdString();
+    });
+    QVERIFY2(fits(written, row.written), qPrintable(row.nodes + (" writes " + written)));
+    QCOMPARE(port.written.isEmpty(), !row.written.startsWith("1000"));
+}
+
+} // namespace
+
+class TestNodeMap : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void urlNamesAPlaceInTheCameraOrNothing();
+    void zipGivesItsXmlAndBelievesNoSize();
+    void descriptionComesFromTheFirstUsableUrl();
+    void textFeatures();
+    void theStandardNameRegister();
+};
+
+void TestNodeMap::urlNamesAPlaceInTheCameraOrNothing()
+{
+    const auto rows = std::to_array<std::pair<QByteArray, const char*>>({
+        {"Local:cam.xml;1000;2F0", "cam.xml 1000 2f0"},
+        {"LOCAL:///Cam.ZIP;0x1000;0X2f0?SchemaVersion=1.1.0", "Cam.ZIP 1000 2f0 zipped"},
+        {" local: my cam.zip ; 00001000 ; 2F0 \r\n", "my cam.zip 1000 2f0 zipped"},
+        {QByteArray("Local:cam.xml;FFFFFFFF;1\0;rest", 30), "cam.xml ffffffff 1"},
+        {"Local:cam.xml;FFFFFFFF;2", "useless: 'Local:cam.xml;FFFFFFFF;2' names no place"},
+        {"Local:cam.xml;0;100000000", "useless: 'Local:cam.xml;0;100000000' names no place"},
+        {"Local:cam.xml;11111111111111111;10", "useless: '11111111111111111' is no"},
+        {"Local:cam.xml;1000;0", "useless: 'Local:cam.xml;1000;0' names no place"},
+        {"Local:cam.xml;-1;10", "useless: '-1' is no"},
+        {"Local:cam.xml;10g;10", "useless: '10g' is no"},
+        {"Local:cam.xml;1000", "useless: '' is no"},
+        {"Local:cam.xml;1000;10;10", "useless: '10;10' is no"},
+        {"Local:///;1000;10", "useless: 'Local:///;1000;10' names no place"},
+        {"File:C:\\cam.xml", "useless: 'File:C:\\cam.xml' is not in the camera"},
+        {"http://192.168.0.9/cam.xml", "useless: 'http://192.168.0.9/cam.xml' is not in the camera"},
+        {"cam.xml", "useless: 'cam.xml' is not in the camera"},
+        {QByteArray("\0Local:cam.xml;0;1", 18), "useless: the URL is empty"},
+    });
+    for (const auto& [url, expected] : rows) {
+        const QString result = resultOf([text = url.toStdString()] {
+            const gige::DescriptionUrl parsed = gige::parseDescriptionUrl(text);
+            return parsed.fileName + " " + QByteArray::number(parsed.address, 16).toStdString() + " " +
+                   QByteArray::number(parsed.length, 16).toStdString() + (parsed.zipped ? " zipped" : "");
+        });
+        QVERIFY2(fits(result, expected), qPrintable(url + " gives " + result));
+    }
+}
+
+void TestNodeMap::zipGivesItsXmlAndBelievesNoSize()
+{
+    const QByteArray good = Zip{.content = "<x/>"}.bytes();
+    const QByteArray large(5000, 'x');
+    const QString unusable = "useless: the zip archive cannot be used: ";
+    const QString tooLarge = unusable + "its file has more than 5000 bytes";
+    const auto rows = std::to_array<std::pair<QByteArray, QString>>({
+        {good, "<x/>"},
+        {Zip{.content = "<x/>", .method = 0}.bytes(), "<x/>"},
+        {good + QByteArray(3, '\0'), "<x/>"},
+        {Zip{.name = "other", .content = "<x/>"}.bytes(), "<x/>"},
+        {Zip{.content = large, .claimedSize = 4}.bytes(), large},
+        {Zip{.content = large + 'x'}.bytes(), tooLarge},
+        {Zip{.content = QByteArray(1'000'000, 'x'), .claimedSize = 4}.bytes(), tooLarge},
+        {Zip{.content = "<x/>", .crcError = 1}.bytes(), unusable + "CRC"},
+        {Zip{.method = 14}.bytes(), unusable + "its file is neither stored nor deflated"},
+        {good.chopped(30), unusable + "Not a zip"},
+        {"<x/>", unusable + "Not a zip"},
+        {"", unusable},
+    });
+    for (const auto& [archive, expected] : rows) {
+        const std::vector<std::uint8_t> bytes(archive.begin(), archive.end());
+        const QString result = resultOf([&bytes] { return gige::unzipDescription(bytes, 5000); });
+        QVERIFY2(fits(result, expected), qPrintable(expected + " but is " + result.left(200)));
+    }
+}
+
+void TestNodeMap::descriptionComesFromTheFirstUsableUrl()
+{
+    // At A000 is a plain description, at B000 a zipped one, at C000 other XML, at D000 no XML, at E000
+    // nothing.
+    const QByteArray plain = describe(nodes("@ Address=0 Length=24")) + QByteArray(3, '\0');
+    const QByteArray good = "Local:a.xml;A000;" + QByteArray::number(plain.size(), 16);
+    const QByteArray zipped = "Local:b.zip;B000;" + QByteArray::number(Zip{}.bytes().size(), 16);
+    struct Row
+    {
+        QByteArray first;
+        QByteArray second;
+        QString length; // of DeviceUserID, or what is said instead
+        QString trace;
+        std::uint32_t faultAt = 0;
+        void (*fault)() = nullptr;
+        QByteArray capability = QByteArray("\x80\0\0\0", 4);
+    };
+    const QByteArray none;
+    const auto rows = std::to_array<Row>({
+        {good, none, "24", ""},
+        {zipped, good, "16", ""},
+        {"http://a/b.xml", good, "24", ""},
+        {"Local:a.zip;A000;100", good, "24", ""},
+        {"Local:c.xml;C000;b", good, "24", ""},
+        {"Local:c.xml;D000;4", good, "24", ""},
+        {"Local:c.xml;A000;800001", good, "24", ""},
+        {"Local:c.xml;E000;10", good, "24", ""},
+        {none, none, "16", "first URL: the URL is empty; second URL: the URL is empty"},
+        {"Local:c.xml;C000;b", none, "16", "first URL: the XML is no register description"},
+        {"Local:c.xml;D000;4", none, "16", "first URL: the XML is malformed at byte"},
+        {none, good, "16", "second URL: no such register", 0x400, raise<gige::RefusalException>},
+        {none, good, "16", "second URL: no such register", 0x400, raise<GenICam::AccessException>},
+        {none, none, "none", "no standard name register", 0, nullptr, "\x7F\xFF\xFF\xFF"},
+        {none, none, "none", "no standard name register", 0x934, raise<gige::RefusalException>},
+        {good, none, "failure: no such register", "", 0x200, raise<GenICam::TimeoutException>},
+        {good, none, "failure: no such register", "", 0xA000, raise<GenICam::RuntimeException>},
+    });
     for (const Row& row : rows) {
         FakePort port;
-        const QByteArray xml = describe(*row.nodes == '<' ? QByteArray(row.nodes) : nodes(row.nodes));
-        const QByteArray url = "Local:a.xml;10000;" + QByteArray::number(xml.size(), 16);
-        port.put(gvcp::Register::FirstUrl, url.leftJustified(gvcp::Register::UrlSize, '\0'));
-        port.put(0x10000, xml);
-        port.put(0x1000, QByteArray("camera").leftJustified(16, '\0'));
-        port.put(0x2000, QByteArray::fromHex(
-                             "00001000 00100000 FF000000 5A10005A 5A00105A5A5A5A5A 00000000 80000000"));
-        const auto map = gige::makeNodeMap(port);
-        port.reads = 0;
-        const auto name = [&map] { return GenApi::CPointer<GenApi::IString>(map->GetNode("DeviceUserID")); };
-        QVERIFY(name() || row.read == missing);
-        QCOMPARE(port.reads, 0);
-        const QString read = resultOf([&] { return std::string(name()->GetValue(true).view()); });
-        QVERIFY2(fits(read, row.read), qPrintable(row.nodes + (" reads " + read)));
-        const QString written = resultOf([&] {
-            name()->SetValue("new");
-            return port.written.toStdString();
+        port.put(gvcp::Register::FirstUrl, row.first.leftJustified(gvcp::Register::UrlSize, '\0'));
+        port.put(gvcp::Register::SecondUrl, row.second.leftJustified(gvcp::Register::UrlSize, '\0'));
+        port.put(gvcp::Register::Capability, row.capability);
+        port.put(0xA000, plain);
+        port.put(0xB000, Zip{}.bytes());
+        port.put(0xC000, "<svg></svg>");
+        port.put(0xD000, "<a<b");
+        port.faultAt = row.faultAt;
+        port.fault = row.fault;
+        const TraceCapture trace;
+        const QString length = resultOf([&port] {
+            const auto map = gige::makeNodeMap(port);
+            const GenApi::CPointer<GenApi::IString> name(map->GetNode("DeviceUserID"));
+            return name ? std::to_string(name->GetMaxLength()) : "none";
         });
-        QVERIFY2(fits(written, row.written), qPrintable(row.nodes + (" writes " + written)));
-        QCOMPARE(port.written.isEmpty(), !row.written.startsWith("1000"));
+        QCOMPARE(length, row.length);
+        const auto lines = trace.lines("Lanvic.Camera.NodeMap");
+        QCOMPARE(lines.size(), row.trace.isEmpty() ? 0 : 1);
+        QVERIFY2(lines.isEmpty() || (lines[0].level == QtWarningMsg && lines[0].text.contains(row.trace)),
+                 qPrintable(row.trace));
+    }
+}
+
+void TestNodeMap::textFeatures()
+{
+    for (const auto& rows : {resolvedFeatures(), brokenFeatures()}) {
+        for (const TextFeature& row : rows) {
+            checkTextFeature(row);
+        }
     }
 }
 

@@ -13,7 +13,7 @@ GenericException::GenericException(const char* description, const char* sourceFi
              std::to_string(sourceLine) + ")")
 {}
 
-std::string formatMessage(const char* format, va_list arguments)
+__attribute__((format(printf, 1, 0))) std::string formatMessage(const char* format, va_list arguments)
 {
     va_list measuring;
     va_copy(measuring, arguments);

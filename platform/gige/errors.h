@@ -4,7 +4,6 @@
 #include "gige/gvcp.h"
 #include "gige/registerport.h"
 
-#include <source_location>
 #include <string>
 
 namespace gige {
@@ -33,13 +32,13 @@ inline constexpr const char* exceptionName<RefusalException> = "RefusalException
 template <>
 inline constexpr const char* exceptionName<SocketException> = "SocketException";
 
-/// Throws an E that says where it was thrown.
+/// Throws an E that says where it was thrown. Not by std::source_location, which clang 14 does not know.
 template <typename E>
-[[noreturn]] void raise(const std::string& text, std::source_location where = std::source_location::current())
+[[noreturn]] void raise(const std::string& text, const char* file = __builtin_FILE(),
+                        unsigned int line = __builtin_LINE())
 {
     static_assert(exceptionName<E> != nullptr);
-    throw GenICam::ExceptionReporter<E>(where.file_name(), where.line(), exceptionName<E>)
-        .Report("%s", text.c_str());
+    throw GenICam::ExceptionReporter<E>(file, line, exceptionName<E>).Report("%s", text.c_str());
 }
 
 /// The operating system's words for an errno value.

@@ -1,5 +1,6 @@
 #include "gige/stringnode.h"
 
+#include "gige/errors.h"
 #include "gige/gvcp.h"
 #include "gige/registerport.h"
 #include "gige/xmldescription.h"
@@ -14,8 +15,7 @@ namespace {
 
 [[noreturn]] void denyAccess(const std::string& name, const char* verb)
 {
-    throw GenICam::ExceptionReporter<GenICam::AccessException>(__FILE__, __LINE__, "AccessException")
-        .Report("The feature '%s' cannot be %s at present.", name.c_str(), verb);
+    raise<GenICam::AccessException>("The feature '" + name + "' cannot be " + verb + " at present.");
 }
 
 } // namespace
@@ -30,10 +30,9 @@ std::string StringRegister::read() const
 void StringRegister::write(std::string_view text) const
 {
     if (text.size() > m_range.length || text.find('\0') != std::string_view::npos) {
-        throw GenICam::ExceptionReporter<GenICam::InvalidArgumentException>(__FILE__, __LINE__,
-                                                                            "InvalidArgumentException")
-            .Report("A text of %zu bytes was given; the camera takes up to %u bytes other than NUL.",
-                    text.size(), m_range.length);
+        raise<GenICam::InvalidArgumentException>("A text of " + std::to_string(text.size()) +
+                                                 " bytes was given; the camera takes up to " +
+                                                 std::to_string(m_range.length) + " bytes other than NUL.");
     }
     constexpr std::size_t Word = 4;
     const std::size_t before = m_range.address % Word;
@@ -120,9 +119,8 @@ try {
         }
     }
 } catch (const Unresolvable& reason) {
-    throw GenICam::ExceptionReporter<GenICam::RuntimeException>(__FILE__, __LINE__, "RuntimeException")
-        .Report("The feature '%s' cannot be used: in the camera's description, %s.", name().c_str(),
-                reason.what());
+    raise<GenICam::RuntimeException>("The feature '" + name() +
+                                     "' cannot be used: in the camera's description, " + reason.what() + ".");
 }
 
 void XmlStringNode::SetValue(const GenICam::gcstring& value, bool verify)
