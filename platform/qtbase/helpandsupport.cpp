@@ -20,9 +20,9 @@
 
 namespace {
 
-constexpr char supportAddress[] = "support@orvik.example";
-constexpr char feedbackUrl[] = "https://www.orvik.example/feedback";
-constexpr char makerUrl[] = "https://www.orvik.example/";
+constexpr QLatin1String supportAddress("support@orvik.example");
+constexpr QLatin1String feedbackUrl("https://www.orvik.example/feedback");
+constexpr QLatin1String makerUrl("https://www.orvik.example/");
 constexpr int pictureSize = 96;             // px
 constexpr int mailHandlerQueryLimit = 3000; // ms
 
@@ -107,10 +107,9 @@ bool ShowHelpFile(EShowHelpFileFlags /*flags*/, QWidget* /*parent*/, const QStri
 
 void OpenFeedbackUrl()
 {
-    if (!QDesktopServices::openUrl(QUrl(QLatin1String(feedbackUrl)))) {
-        showWarningMessage(
-            Texts::tr("Submit Feedback"), Texts::tr("No browser could be started."),
-            Texts::tr("Please open this address yourself:\n%1").arg(QLatin1String(feedbackUrl)), nullptr);
+    if (!QDesktopServices::openUrl(QUrl(feedbackUrl))) {
+        showWarningMessage(Texts::tr("Submit Feedback"), Texts::tr("No browser could be started."),
+                           Texts::tr("Please open this address yourself:\n%1").arg(feedbackUrl), nullptr);
     }
 }
 
@@ -124,15 +123,15 @@ bool ContactOrvikSupport()
     const auto encoded = [](QString text) {
         return QUrl::toPercentEncoding(text.replace(QLatin1Char('\n'), QLatin1String("\r\n")));
     };
-    const QByteArray mail =
-        QByteArray("mailto:") + supportAddress + "?subject=" + encoded(subject) + "&body=" + encoded(body);
+    const QByteArray mail = QByteArray("mailto:") + supportAddress.data() + "?subject=" + encoded(subject) +
+                            "&body=" + encoded(body);
     return QDesktopServices::openUrl(QUrl::fromEncoded(mail));
 }
 
 QString GetOrvikSupportInfo(bool withAdapters)
 {
     QStringList lines{
-        Texts::tr("E-mail: %1").arg(QLatin1String(supportAddress)),
+        Texts::tr("E-mail: %1").arg(supportAddress),
         QString(),
         Texts::tr("Program: %1 %2 (%3)")
             .arg(QGuiApplication::applicationDisplayName(), QLatin1String(LANVIC_VERSION),
@@ -181,7 +180,7 @@ AboutDialog::AboutDialog(QWidget* parent) : QDialog(parent)
                "shows what is the matter with each and gives it the right address."),
             Qt::PlainText);
     m_copyright = addText(layout, 3, QString(), Qt::PlainText);
-    addText(layout, 4, QStringLiteral("<a href=\"%1\">%1</a>").arg(QLatin1String(makerUrl)), Qt::RichText);
+    addText(layout, 4, QStringLiteral("<a href=\"%1\">%1</a>").arg(makerUrl), Qt::RichText);
 
     auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Close);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);

@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr char makerPrefix[] = "02-5E-41-";
+constexpr QLatin1String makerPrefix("02-5E-41-");
 
 /// Lets only characters pass that the field can hold; blanks, which come with pasted text, are dropped.
 class CharacterFilter : public QValidator
@@ -114,8 +114,7 @@ void IpAddressWidget::setDefaultGateway(const QString& text)
 void IpAddressWidget::setMacAddress(const QString& text)
 {
     const std::string mac = text.toStdString();
-    setText(ui->editMacAddress,
-            net::parseMac(mac) ? formatMACAddress(mac.c_str(), "-") : QLatin1String(makerPrefix));
+    setText(ui->editMacAddress, net::parseMac(mac) ? formatMACAddress(mac.c_str(), "-") : makerPrefix);
 }
 
 QString IpAddressWidget::ipAddress() const

@@ -19,8 +19,7 @@ class IpAddressWidget : public QDialog
 
 public:
     explicit IpAddressWidget(QWidget* parent = nullptr);
-    IpAddressWidget(const IpAddressWidget&) = delete;
-    IpAddressWidget& operator=(const IpAddressWidget&) = delete;
+    Q_DISABLE_COPY_MOVE(IpAddressWidget)
     ~IpAddressWidget() override;
 
     /// Rich text, or plain text with line breaks, at the top of the dialog.

@@ -11,7 +11,7 @@ TraceCapture* s_innermost = nullptr;
 
 } // namespace
 
-TraceCapture::TraceCapture() : m_outer(nullptr), m_previous(qInstallMessageHandler(&TraceCapture::keep))
+TraceCapture::TraceCapture() : m_previous(qInstallMessageHandler(&TraceCapture::keep))
 {
     const std::scoped_lock lock(s_mutex);
     m_outer = std::exchange(s_innermost, this);

@@ -19,8 +19,7 @@ public:
     };
 
     TraceCapture();
-    TraceCapture(const TraceCapture&) = delete;
-    TraceCapture& operator=(const TraceCapture&) = delete;
+    Q_DISABLE_COPY_MOVE(TraceCapture)
     ~TraceCapture();
 
     [[nodiscard]] QList<Line> lines() const;
@@ -32,7 +31,7 @@ public:
 private:
     static void keep(QtMsgType level, const QMessageLogContext& context, const QString& text);
 
-    TraceCapture* m_outer;
+    TraceCapture* m_outer = nullptr;
     QtMessageHandler m_previous;
     QList<Line> m_lines;
 };
