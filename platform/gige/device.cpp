@@ -78,8 +78,8 @@ net::Ipv4 addressOf(const Tessal::CDeviceInfo& info)
 
 } // namespace
 
-Device::Device(const Tessal::CDeviceInfo& info, BeforeOpening beforeOpening)
-    : m_info(info), m_beforeOpening(std::move(beforeOpening))
+Device::Device(Tessal::CDeviceInfo info, BeforeOpening beforeOpening)
+    : m_info(std::move(info)), m_beforeOpening(std::move(beforeOpening))
 {}
 
 Device::~Device()

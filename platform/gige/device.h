@@ -18,9 +18,11 @@ public:
     /// Called before an opening speaks to the camera; throws when the address must not be used.
     using BeforeOpening = std::function<void(net::Ipv4)>;
 
-    Device(const Tessal::CDeviceInfo& info, BeforeOpening beforeOpening);
+    Device(Tessal::CDeviceInfo info, BeforeOpening beforeOpening);
     Device(const Device&) = delete;
     Device& operator=(const Device&) = delete;
+    Device(Device&&) = delete;
+    Device& operator=(Device&&) = delete;
     /// Gives control back if the device is open; a camera that has dropped us is only traced.
     ~Device() override;
 

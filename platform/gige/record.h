@@ -5,7 +5,7 @@
 
 namespace gige {
 
-inline constexpr char deviceClass[] = "OrvikGigE";
+inline constexpr const char* deviceClass = "OrvikGigE";
 
 /// The record of a camera that the host address `heardBy` heard.
 [[nodiscard]] Tessal::CDeviceInfo makeRecord(const gvcp::Identity& camera, net::Ipv4 heardBy);

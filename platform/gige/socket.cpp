@@ -2,6 +2,7 @@
 
 #include "gige/errors.h"
 
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <utility>
@@ -46,13 +47,13 @@ void switchOn(int descriptor, int level, int option, const char* name)
 /// Control messages of one IP_PKTINFO, aligned as the kernel wants them.
 union PacketInfoBuffer {
     cmsghdr alignment;
-    char bytes[CMSG_SPACE(sizeof(in_pktinfo))];
+    std::array<char, CMSG_SPACE(sizeof(in_pktinfo))> bytes;
 };
 
 void putPacketInfo(msghdr& message, PacketInfoBuffer& buffer, const Origin& origin)
 {
-    message.msg_control = buffer.bytes;
-    message.msg_controllen = sizeof buffer.bytes;
+    message.msg_control = buffer.bytes.data();
+    message.msg_controllen = buffer.bytes.size();
     cmsghdr* header = CMSG_FIRSTHDR(&message);
     header->cmsg_level = IPPROTO_IP;
     header->cmsg_type = IP_PKTINFO;
@@ -131,12 +132,12 @@ UdpSocket::~UdpSocket()
     }
 }
 
-void UdpSocket::allowBroadcast()
+void UdpSocket::allowBroadcast() const
 {
     switchOn(m_descriptor, SOL_SOCKET, SO_BROADCAST, "SO_BROADCAST");
 }
 
-void UdpSocket::connect(const Endpoint& peer)
+void UdpSocket::connect(const Endpoint& peer) const
 {
     const sockaddr_in address = toSockaddr(peer);
     if (::connect(m_descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
@@ -155,7 +156,7 @@ net::Ipv4 UdpSocket::localAddress() const
     return fromSockaddr(address).address;
 }
 
-int UdpSocket::send(gvcp::Bytes bytes)
+int UdpSocket::send(gvcp::Bytes bytes) const
 {
     iovec data = readOnly(bytes);
     msghdr message{};
@@ -164,7 +165,7 @@ int UdpSocket::send(gvcp::Bytes bytes)
     return sendMessage(m_descriptor, message);
 }
 
-int UdpSocket::sendTo(gvcp::Bytes bytes, const Endpoint& to, std::optional<Origin> from)
+int UdpSocket::sendTo(gvcp::Bytes bytes, const Endpoint& to, std::optional<Origin> from) const
 {
     sockaddr_in address = toSockaddr(to);
     iovec data = readOnly(bytes);
@@ -180,7 +181,7 @@ int UdpSocket::sendTo(gvcp::Bytes bytes, const Endpoint& to, std::optional<Origi
     return sendMessage(m_descriptor, message);
 }
 
-std::optional<Datagram> UdpSocket::receive(std::span<std::uint8_t> buffer, int* error)
+std::optional<Datagram> UdpSocket::receive(std::span<std::uint8_t> buffer, int* error) const
 {
     sockaddr_in source{};
     iovec data{.iov_base = buffer.data(), .iov_len = buffer.size()};
@@ -190,8 +191,8 @@ std::optional<Datagram> UdpSocket::receive(std::span<std::uint8_t> buffer, int* 
     message.msg_namelen = sizeof source;
     message.msg_iov = &data;
     message.msg_iovlen = 1;
-    message.msg_control = control.bytes;
-    message.msg_controllen = sizeof control.bytes;
+    message.msg_control = control.bytes.data();
+    message.msg_controllen = control.bytes.size();
     ssize_t length = 0;
     do {
         length = ::recvmsg(m_descriptor, &message, MSG_DONTWAIT);

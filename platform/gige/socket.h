@@ -49,22 +49,22 @@ public:
     ~UdpSocket();
 
     /// Throws SocketException.
-    void allowBroadcast();
+    void allowBroadcast() const;
     /// From here on hears only this peer. Throws SocketException when no adapter's network holds it.
-    void connect(const Endpoint& peer);
+    void connect(const Endpoint& peer) const;
     /// The host address that a connected peer sees.
     [[nodiscard]] net::Ipv4 localAddress() const;
     [[nodiscard]] int descriptor() const { return m_descriptor; }
 
     /// Both return 0 or the errno value.
-    [[nodiscard]] int send(gvcp::Bytes bytes);
+    [[nodiscard]] int send(gvcp::Bytes bytes) const;
     [[nodiscard]] int sendTo(gvcp::Bytes bytes, const Endpoint& to,
-                             std::optional<Origin> from = std::nullopt);
+                             std::optional<Origin> from = std::nullopt) const;
 
     /// The next datagram, or nullopt when none waits or the socket reports an error of an earlier packet; the
     /// errno value is then in `*error`, if given. A datagram longer than the buffer counts as none of ours
     /// and is given with no bytes.
-    [[nodiscard]] std::optional<Datagram> receive(std::span<std::uint8_t> buffer, int* error = nullptr);
+    [[nodiscard]] std::optional<Datagram> receive(std::span<std::uint8_t> buffer, int* error = nullptr) const;
 
 private:
     int m_descriptor = -1;

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace gige {
 
@@ -16,7 +17,13 @@ using namespace std::chrono_literals;
 constexpr auto repeatInterval = 50ms;
 constexpr auto openAtLeast = 350ms; // a camera may take 300 ms to answer
 constexpr auto fullSocketPause = 5ms;
+// A thousand questions at once, with an address resolution before each, would overrun the queues on their
+// way; and the kernel repeats a lost resolution only after a second.
+constexpr std::size_t maxUnderWay = 128;
 constexpr std::size_t maxQuestions = 4096;
+
+constexpr UnicastProbe::Answer notReachable{.heard = false,
+                                            .accessibility = Tessal::Accessibility::NotReachable};
 
 bool isUnicast(net::Ipv4 address)
 {
@@ -67,45 +74,70 @@ void UnicastProbe::ask(const net::MacAddress& mac, net::Ipv4 address, int adapte
     m_byCamera.emplace(std::pair(mac, address), index);
     m_byRequestId.emplace(question.requestId, index);
     m_questions.push_back(std::move(question));
-    m_turns.emplace(now, index);
+    m_waiting.push_back(index);
     sendDue(now);
 }
 
 void UnicastProbe::sendDue(Clock::time_point now)
 {
-    while (now >= m_pausedUntil && !m_turns.empty() && m_turns.top().first <= now) {
-        const std::size_t index = m_turns.top().second;
-        m_turns.pop();
-        send(index, now);
+    while (!m_sent.empty() && m_sent.front().repeatAt <= now) {
+        const std::size_t index = m_sent.front().question;
+        m_sent.pop_front();
+        if (!m_questions[index].settled) {
+            m_questions[index].underWay = false;
+            --m_underWay;
+            m_waiting.push_back(index);
+        }
+    }
+    while (!m_waiting.empty() && m_underWay < maxUnderWay && now >= m_pausedUntil) {
+        const std::size_t index = m_waiting.front();
+        m_waiting.pop_front();
+        if (m_questions[index].repeating && now < m_questions[index].openUntil) {
+            send(index, now);
+        }
     }
 }
 
 void UnicastProbe::send(std::size_t index, Clock::time_point now)
 {
     Question& question = m_questions[index];
-    if (question.settled || !question.repeating || now >= question.openUntil) {
+    if (!m_room.admits(question.address)) {
+        if (!std::exchange(m_roomEnded, true)) {
+            trace::search(
+                ozlog::LogLevel::Warning,
+                "The kernel's neighbour table (net.ipv4.neigh.default.gc_thresh3) has no room to ask "
+                "all cameras; the others count as not reachable.");
+        }
+        settle(question, notReachable);
         return;
     }
     const gvcp::Packet packet =
         gvcp::encodeReadReg(question.requestId, gvcp::Register::ControlChannelPrivilege);
     const int error = m_socket.sendTo(packet, {question.address, gvcp::Port});
-    if (error != 0 && !isTransientSendError(error)) {
-        settle(question, {.heard = false, .accessibility = Tessal::Accessibility::NotReachable});
-        return;
-    }
-    if (error != 0) {
+    if (isTransientSendError(error)) {
+        m_waiting.push_front(index);
         m_pausedUntil = now + fullSocketPause;
+    } else if (error != 0) {
+        settle(question, notReachable);
+    } else {
+        m_room.enter(question.address);
+        question.underWay = true;
+        ++m_underWay;
+        m_sent.push_back({now + repeatInterval, index});
     }
-    m_turns.emplace(error == 0 ? now + repeatInterval : now, index);
 }
 
 void UnicastProbe::settle(Question& question, Answer answer)
 {
     question.answer = answer;
-    if (!question.settled && question.openUntil > m_windowEnd) {
+    question.settled = true;
+    if (question.underWay) {
+        question.underWay = false;
+        --m_underWay;
+    }
+    if (question.openUntil > m_windowEnd) {
         --m_lateOpen;
     }
-    question.settled = true;
 }
 
 void UnicastProbe::receive(std::size_t limit)
@@ -159,7 +191,9 @@ void UnicastProbe::handle(Question& question, const gvcp::Acknowledge& acknowled
 
 Clock::time_point UnicastProbe::nextSend() const
 {
-    return m_turns.empty() ? m_deadline : std::max(m_turns.top().first, m_pausedUntil);
+    const auto repeat = m_sent.empty() ? m_deadline : m_sent.front().repeatAt;
+    const bool blocked = m_waiting.empty() || m_underWay >= maxUnderWay;
+    return blocked ? repeat : std::min(repeat, m_pausedUntil);
 }
 
 Clock::time_point UnicastProbe::end() const
@@ -171,7 +205,7 @@ UnicastProbe::Answer UnicastProbe::answerOf(const net::MacAddress& mac, net::Ipv
 {
     const auto found = m_byCamera.find({mac, address});
     if (found == m_byCamera.end() || !m_questions[found->second].answer.heard) {
-        return {.heard = false, .accessibility = Tessal::Accessibility::NotReachable};
+        return notReachable;
     }
     return m_questions[found->second].answer;
 }

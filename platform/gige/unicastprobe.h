@@ -1,11 +1,12 @@
 #pragma once
 
 #include "gige/codec.h"
+#include "gige/neighbours.h"
 #include "gige/socket.h"
 
 #include <cstdint>
+#include <deque>
 #include <map>
-#include <queue>
 #include <unordered_map>
 #include <vector>
 
@@ -50,11 +51,16 @@ private:
         net::Ipv4 address;
         std::vector<int> adapters;
         Clock::time_point openUntil;
+        bool underWay = false; // sent, and neither answered nor due for its repeat
         bool settled = false;  // answered, or there is no way to the camera
         bool repeating = true; // until the camera says that it has heard and needs time
         Answer answer;
     };
-    using Turn = std::pair<Clock::time_point, std::size_t>; // when, and the question's index
+    struct Sent
+    {
+        Clock::time_point repeatAt;
+        std::size_t question = 0;
+    };
 
     void send(std::size_t index, Clock::time_point now);
     void settle(Question& question, Answer answer);
@@ -62,13 +68,17 @@ private:
     void handle(Question& question, const gvcp::Acknowledge& acknowledge);
 
     UdpSocket m_socket;
+    NeighbourRoom m_room;
+    bool m_roomEnded = false;
     Clock::time_point m_windowEnd;
     Clock::time_point m_deadline;
     Clock::time_point m_lastOpenUntil;
     Clock::time_point m_pausedUntil; // the socket took no more
     std::size_t m_lateOpen = 0;      // unsettled questions that stay open beyond the window
     std::vector<Question> m_questions;
-    std::priority_queue<Turn, std::vector<Turn>, std::greater<>> m_turns;
+    std::deque<std::size_t> m_waiting; // indices of questions to be sent
+    std::deque<Sent> m_sent;           // in the order of their repeats
+    std::size_t m_underWay = 0;
     std::map<std::pair<net::MacAddress, net::Ipv4>, std::size_t> m_byCamera;
     std::unordered_map<std::uint16_t, std::size_t> m_byRequestId;
 };
