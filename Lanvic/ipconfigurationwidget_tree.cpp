@@ -193,6 +193,7 @@ void IpConfigurationWidget::announceSearch()
     setSelectionInfoText(tr("Searching for devices..."));
     QWidget* const tree = ui.treeWidget;
     tree->update(tree->visibleRegion());
+    ui.treeWidget->viewport()->update(); // where the rows are; the region above leaves it out
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
 }
 
