@@ -142,7 +142,7 @@ void Camera::execute(const CommandMessage& command, const Request& request, Inst
         acknowledge(command, outcome, fromOldAddress ? before : addressing(),
                     isSlow ? faults.pendingAck : Duration::zero(), effects);
     }
-    if (changesSomething(command)) {
+    if (changesSomething(command) && outcome.status == Status::Success) {
         m_lastExecuted = {request.from, {request.bytes.begin(), request.bytes.end()}, {}, now};
         if (effects.answers.size() > answersBefore) {
             m_lastExecuted->answer = effects.answers.back();

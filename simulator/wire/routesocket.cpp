@@ -225,6 +225,7 @@ void RouteSocket::addAddress(int index, net::Ipv4 address, unsigned prefixLength
     info.ifa_family = AF_INET;
     info.ifa_prefixlen = static_cast<unsigned char>(prefixLength);
     info.ifa_index = static_cast<unsigned>(index);
+    info.ifa_scope = address.value >> 16 == 0xA9FE ? RT_SCOPE_LINK : RT_SCOPE_UNIVERSE;
     const auto hostPart = static_cast<std::uint32_t>((1ULL << (32 - prefixLength)) - 1);
     const auto inWireOrder = [](std::uint32_t value) {
         return std::array{
