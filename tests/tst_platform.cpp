@@ -331,7 +331,7 @@ void PlatformTest::dialogIsFilledByKeys()
 
     const auto fill = [&](bool withMac, const char* keys) {
         dialog.setShowMacAddress(withMac);
-        QTimer::singleShot(0, &dialog, [=, &dialog] {
+        QTimer::singleShot(0, [=, &dialog] {
             QCOMPARE(mac->isVisible(), withMac);
             QCOMPARE(dialog.findChild<QLabel*>("labelMacAddress")->isVisible(), withMac);
             QTest::keyClicks(dialog.focusWidget(), keys);
@@ -348,7 +348,7 @@ void PlatformTest::dialogIsFilledByKeys()
     QCOMPARE(dialog.defaultGateway(), "0.0.0.0");
     QCOMPARE(dialog.macAddress(), "02-5E-41-0a-0B:0c");
 
-    QTimer::singleShot(0, &dialog, [&] { QTest::keyClick(ip, Qt::Key_Escape); });
+    QTimer::singleShot(0, [&] { QTest::keyClick(ip, Qt::Key_Escape); });
     QCOMPARE(dialog.exec(), int(QDialog::Rejected));
 }
 
