@@ -27,6 +27,7 @@ Clock::time_point Attempts::nextEvent() const
 
 void Attempts::extend(std::chrono::milliseconds more, Clock::time_point now)
 {
+    m_extended = true;
     m_sent = m_plan.sendAt.size();
     m_deadline = std::min(std::max(m_deadline, now + more + transitTime), m_start + MaxWait);
 }

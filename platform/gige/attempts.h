@@ -26,6 +26,7 @@ public:
     [[nodiscard]] bool isOver(Clock::time_point now) const { return now >= m_deadline; }
     /// When isSendDue() or isOver() next changes.
     [[nodiscard]] Clock::time_point nextEvent() const;
+    [[nodiscard]] bool wasExtended() const { return m_extended; }
     /// The camera asked for more time: waits longer, but for no request more than MaxWait, and sends no more.
     void extend(std::chrono::milliseconds more, Clock::time_point now);
 
@@ -36,6 +37,7 @@ private:
     Clock::time_point m_start;
     Clock::time_point m_deadline;
     std::size_t m_sent = 0;
+    bool m_extended = false;
 };
 
 /// A request id, never 0 and none that was used lately.

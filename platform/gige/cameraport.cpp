@@ -155,6 +155,7 @@ void CameraPort::exchange(std::uint16_t requestId, const gvcp::Packet& packet, g
     const auto waited = std::chrono::duration_cast<std::chrono::milliseconds>(now - start).count();
     raise<GenICam::TimeoutException>(
         prefix(what) + "no answer within " + std::to_string(waited) + " ms" +
+        (attempts.wasExtended() ? ", though the camera had asked for more time" : "") +
         (m_misfits > 0 ? " (" + std::to_string(m_misfits) + " packets came that were no answer to this)"
                        : ""));
 }

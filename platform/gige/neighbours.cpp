@@ -43,7 +43,7 @@ bool dump(std::uint16_t request, const std::function<void(const nlmsghdr*)>& han
     message.family.rtgen_family = AF_INET;
     bool more = ::send(descriptor, &message, sizeof message, 0) == static_cast<ssize_t>(sizeof message);
     bool complete = false;
-    alignas(nlmsghdr) static std::array<char, answerSize> buffer;
+    alignas(nlmsghdr) std::array<char, answerSize> buffer{};
     while (more) {
         const ssize_t received = ::recv(descriptor, buffer.data(), buffer.size(), 0);
         auto left = static_cast<unsigned>(received > 0 ? received : 0);

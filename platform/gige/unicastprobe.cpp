@@ -15,7 +15,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto repeatInterval = 50ms;
-constexpr auto openAtLeast = 350ms; // a camera may take 300 ms to answer
+constexpr auto openAtLeast = 400ms; // a camera may take 300 ms to answer, and the first question be lost
 constexpr auto fullSocketPause = 5ms;
 // A thousand questions at once, with an address resolution before each, would overrun the queues on their
 // way; and the kernel repeats a lost resolution only after a second.
