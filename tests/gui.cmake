@@ -1,0 +1,14 @@
+# Tests of the real widgets against a scripted SDK. They link no platform_gige and so cannot send a packet; they run in
+# the lab because they make themselves adapters with known addresses.
+add_library(gui_support OBJECT support/scriptedsdk.cpp support/gui.cpp support/guiadapter.cpp support/sleep.cpp)
+target_include_directories(gui_support PUBLIC ${CMAKE_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
+target_link_libraries(gui_support PUBLIC lanvic test_support platform_net Qt6::Test)
+
+foreach(name IN ITEMS window startup discovery tree editor saving connection closing)
+    lanvic_test(tst_${name} SOURCES tst_${name}.cpp support/onlyinlab.cpp LIBS gui_support lanvic LAUNCHER
+                ${CMAKE_SOURCE_DIR}/scripts/lab)
+    set_tests_properties(tst_${name} PROPERTIES LABELS gui SKIP_RETURN_CODE 77)
+endforeach()
+
+# The window asks for the help file through a name of ours, so that it can be there or missing as the test wants.
+target_link_options(tst_window PRIVATE "LINKER:--wrap=_Z15GetHelpFilePathv")

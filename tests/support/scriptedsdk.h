@@ -1,0 +1,61 @@
+#pragma once
+
+#include "tessal/transportlayer.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+/// The camera SDK as a play: cameras in memory that obey, refuse and restart like real ones, and a journal of
+/// what was asked of them. Nothing here knows a socket.
+namespace sdk {
+
+enum class UserIdNode { Text, OtherKind, Missing };
+
+/// A camera as one host address hears it; the same MAC may stand in the world more than once. It is reachable
+/// while it shares the /24 network of that host address.
+struct Camera
+{
+    Tessal::COrvikGigEDeviceInfo record;           // what discovery reports
+    int accessibility = Tessal::Accessibility::Ok; // what a query reports
+    bool knowsBroadcast = true;                    // the manufacturer's broadcast command
+    bool comesBack = true;                         // is heard again after a restart or a forced address
+    bool isGigE = true;
+    bool hasNodeMap = true;
+    UserIdNode userId = UserIdNode::Text;
+
+    bool silent = false;       // away since a restart, because it does not come back
+    unsigned int mode = 0;     // what the next restart puts in force, in the bits of IpConfigCurrent
+    std::string persistent[3]; // address, mask, gateway
+};
+
+/// A camera with that model, MAC and static address, heard by the host address `interface`.
+[[nodiscard]] Camera camera(const char* model, const char* mac, const char* ip,
+                            const char* interface = "192.168.1.5");
+void set(Camera& camera, const char* key, const char* value);
+/// The property, or "-" when the record lacks it.
+[[nodiscard]] QString get(const Tessal::IProperties& record, const char* key);
+
+struct World
+{
+    std::vector<Camera> cameras;
+    /// Runs when the call of that name arrives, after it was written down and before it has an effect; may
+    /// throw. "sleep" is the program's own sleep.
+    std::map<std::string, std::function<void()>> at;
+    bool makesTransportLayer = true;
+    bool makesDevices = true;
+    QStringList journal; // every call with its arguments, in order
+
+    /// The journal since the last call, without what discovery asks unless `all`.
+    QStringList take(bool all = false);
+};
+
+[[nodiscard]] World& world();
+/// Writes a call down and lets the world's script act.
+void call(const std::string& name, const QStringList& arguments = {});
+
+} // namespace sdk

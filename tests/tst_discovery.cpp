@@ -1,0 +1,241 @@
+#include "Lanvic/DeviceLister.h"
+#include "Lanvic/NetworkAdapter.h"
+#include "support/gui.h"
+
+using sdk::camera;
+
+/// What the lister makes of what the SDK reports.
+class DiscoveryTest : public gui::GuiTest
+{
+    Q_OBJECT
+
+    struct Merge
+    {
+        const char* name;
+        QStringList heard; // "MAC interface"
+        QStringList expected;
+    };
+    struct Question
+    {
+        const char* name;
+        int reported;
+        const char* address;
+        const char* expected;
+    };
+
+    /// Every record as "MAC interface adapter accessibility".
+    static QStringList records(const DeviceLister& lister)
+    {
+        QStringList lines;
+        for (const Tessal::COrvikGigEDeviceInfo& record : lister.m_devices) {
+            lines << sdk::get(record, "MacAddress") + ' ' + sdk::get(record, "Interface") + ' ' +
+                         sdk::get(record, "IF_~_Name") + ' ' + sdk::get(record, "DEV_~_Accessible");
+        }
+        return lines;
+    }
+
+private slots:
+    void adaptersAreThoseThatRun()
+    {
+        const auto names = [] {
+            QStringList found;
+            for (const CNetworkAdapter& adapter : CNetworkAdapter::allNetworkAdapters(
+                     QNetworkInterface::IsUp | QNetworkInterface::IsRunning, QNetworkInterface::IsLoopBack)) {
+                found << adapter.m_name + ' ' + adapter.m_hardwareAddress;
+            }
+            return found;
+        };
+        QCOMPARE(names(), (QStringList{"lan0 02:00:00:00:01:05", "lan1 02:00:00:00:00:01"}));
+        const GuiAdapter withoutAddress("lan2", {}, "02:00:00:00:00:02");
+        QCOMPARE(names().size(), 2);
+
+        const QList<CNetworkAdapter> all = CNetworkAdapter::allNetworkAdapters({}, {});
+        QCOMPARE(all.first().m_name, "lo");
+        const auto owner = [&](const char* address) {
+            const CNetworkAdapter* const found =
+                CNetworkAdapter::findByIpAddress(all, QHostAddress(QString(address)));
+            return found != nullptr ? found->m_name : QString();
+        };
+        QCOMPARE(owner("172.16.3.4"), "lan1");
+        QCOMPARE(owner("192.168.1.6"), QString());
+    }
+
+    void duplicatesAreDroppedAndMerged_data()
+    {
+        gui::rows<Merge>({
+            {"identical", {"A1 192.168.1.5", "A1 192.168.1.5"}, {"A1 192.168.1.5 lan0 1"}},
+            {"two addresses of an adapter",
+             {"A1 10.0.0.1", "B2 10.0.0.1", "A1 172.16.3.4"},
+             {"A1 10.0.0.1;172.16.3.4 lan1 1", "B2 10.0.0.1 lan1 1"}},
+            {"two adapters",
+             {"A1 192.168.1.5", "A1 10.0.0.1"},
+             {"A1 192.168.1.5 lan0 1", "A1 10.0.0.1 lan1 1"}},
+            {"MACs are compared exactly",
+             {"A1 10.0.0.1", "a1 172.16.3.4"},
+             {"A1 10.0.0.1 lan1 1", "a1 172.16.3.4 lan1 1"}},
+            {"no adapter has the address, so nothing is merged",
+             {"A1 9.9.9.9", "A1 8.8.8.8", "A1 127.0.0.1"},
+             {"A1 9.9.9.9 - 1", "A1 8.8.8.8 - 1", "A1 127.0.0.1 - 1"}},
+            {"shorthand is no address", {"A1 10.1"}, {"A1 10.1 - 4"}},
+            {"without a MAC", {" 192.168.1.5"}, {}},
+        });
+    }
+    void duplicatesAreDroppedAndMerged()
+    {
+        QFETCH(const Merge, row);
+        for (const QString& line : row.heard) {
+            const QByteArray interface = line.section(' ', 1).toLatin1();
+            m_world.cameras.push_back(camera("km-1", "025E41000001", interface, interface));
+            sdk::set(m_world.cameras.back(), "MacAddress", line.section(' ', 0, 0).toLatin1());
+        }
+        DeviceLister lister;
+        lister.discoverAllDevices();
+        QCOMPARE(records(lister), row.expected);
+    }
+
+    void aCameraIsAskedForItsAccessibility_data()
+    {
+        gui::rows<Question>({
+            {"free", 1, "192.168.1.9", "1"},
+            {"free, but not among the reachable", 1, "10.9.9.9", "4"},
+            {"controlled", 2, "192.168.1.9", "2"},
+            {"controlled and not reachable", 2, "10.9.9.9", "2"},
+            {"controlled exclusively", 3, "10.9.9.9", "3"},
+            {"no answer", 4, "192.168.1.9", "4"},
+            {"nothing reported", 0, "192.168.1.9", "0"},
+        });
+    }
+    void aCameraIsAskedForItsAccessibility()
+    {
+        QFETCH(const Question, row);
+        m_world.cameras = {camera("km-1", "025E41000001", row.address)};
+        m_world.cameras[0].accessibility = row.reported;
+        DeviceLister lister;
+        lister.discoverAllDevices();
+        QCOMPARE(records(lister), QStringList{QString("025E41000001 192.168.1.5 lan0 ") + row.expected});
+    }
+
+    void callsComeInOrder()
+    {
+        {
+            DeviceLister lister;
+            QCOMPARE(m_world.take(true), QStringList());
+            lister.discoverAllDevices(); // nobody there: one enumeration only
+            m_world.cameras = {camera("km-1", "025E41000001", "192.168.1.9")};
+            lister.discoverAllDevices();
+        }
+        QCOMPARE(m_world.take(true),
+                 (QStringList{"CreateTl(OrvikGigE)", "EnumerateDevicesAnySubnet(false)",
+                              "EnumerateDevicesAnySubnet(false)", "EnumerateDevices(false)",
+                              "QueryDeviceAccessibility(025E41000001, 1)", "ReleaseTl()"}));
+    }
+
+    void failuresReachTheCaller()
+    {
+        m_world.cameras = {camera("km-1", "025E41000001", "192.168.1.9")};
+        m_world.makesTransportLayer = false;
+        DeviceLister lister;
+        try {
+            lister.discoverAllDevices();
+            QFAIL("no transport layer, and nobody says so");
+        } catch (const GenICam::RuntimeException& error) {
+            QCOMPARE(error.GetDescription(), "Failed to create transport layer object");
+        }
+        QVERIFY(DeviceLister::s_pTl == nullptr);
+
+        m_world.makesTransportLayer = true;
+        lister.discoverAllDevices();
+        for (const char* const name :
+             {"EnumerateDevicesAnySubnet", "EnumerateDevices", "QueryDeviceAccessibility"}) {
+            m_world.at = {{name, [] { throw std::runtime_error("cable"); }}};
+            QVERIFY_THROWS_EXCEPTION(std::runtime_error, lister.discoverAllDevices());
+        }
+        m_world.at.clear();
+        lister.discoverAllDevices();
+        QCOMPARE(records(lister).size(), 1);
+    }
+
+    void lastListerGivesTheTransportLayerBack()
+    {
+        for (int round = 0; round < 2; ++round) {
+            auto lister = std::make_unique<DeviceLister>();
+            lister->discoverAllDevices();
+            {
+                DeviceLister shortLived;
+                shortLived.discoverAllDevices();
+            }
+            QCOMPARE(m_world.take(), QStringList{"CreateTl(OrvikGigE)"});
+            lister.reset();
+            QCOMPARE(m_world.take(), QStringList{"ReleaseTl()"});
+            QVERIFY(DeviceLister::s_pTl == nullptr);
+        }
+    }
+
+    void recordsArePatched()
+    {
+        m_world.cameras = {camera("km-1", "025E41000001", "192.168.1.9"),
+                           camera("km-1", "025E41000001", "192.168.1.9", "10.0.0.1"),
+                           camera("km-2", "025E41000002", "192.168.1.10")};
+        DeviceLister lister;
+        lister.discoverAllDevices();
+        m_world.take(true);
+        const auto values = [&](std::size_t index) {
+            const Tessal::COrvikGigEDeviceInfo& record = lister.m_devices.at(index);
+            return sdk::get(record, "IpConfigCurrent") + ' ' + sdk::get(record, "Address") + ' ' +
+                   sdk::get(record, "SubnetMask") + ' ' + sdk::get(record, "DefaultGateway");
+        };
+        const char* const mac = "025E41000001";
+        QCOMPARE(lister.updateDeviceInfo(nullptr, "6", nullptr, nullptr, nullptr, true), 0);
+        QCOMPARE(lister.updateDeviceInfo(mac, nullptr, nullptr, nullptr, nullptr, true), 0);
+        QCOMPARE(lister.updateDeviceInfo("025e41000001x", "6", nullptr, nullptr, nullptr, true), 0);
+        QCOMPARE(m_world.take(true), QStringList());
+
+        QCOMPARE(lister.updateDeviceInfo(mac, "6", nullptr, nullptr, nullptr, false), 2);
+        QCOMPARE(values(1), "6 192.168.1.9:3956 255.255.255.0 0.0.0.0");
+        m_world.cameras[0].accessibility = m_world.cameras[1].accessibility = 3;
+        QCOMPARE(lister.updateDeviceInfo(mac, nullptr, "10.0.0.7", "255.0.0.0", "10.0.0.254", true), 2);
+        QCOMPARE(values(0), "6 10.0.0.7:3956 255.0.0.0 10.0.0.254");
+        QCOMPARE(values(1), values(0));
+        QCOMPARE(values(2), "5 192.168.1.10:3956 255.255.255.0 0.0.0.0");
+        QCOMPARE(m_world.take(true), QStringList{"QueryDeviceAccessibility(025E41000001, 1)"});
+        QCOMPARE(records(lister).first().right(2), " 3");
+        QCOMPARE(records(lister).at(1).right(2), " 1");
+    }
+
+    void propertiesAreMerged()
+    {
+        const auto holds = &DeviceLister::ValExistsInMultipartPropertyValue;
+        QVERIFY(holds("1.1.1.1;2.2.2.2", "2.2.2.2", ";"));
+        QVERIFY(holds("11.1.1.1", "1.1.1.1", ";")); // the end of a part counts
+        QVERIFY(!holds("1.1.1.11", "1.1.1.1", ";"));
+        QVERIFY(!holds("a;b", "a;b", ";"));
+        QVERIFY(!holds("a", "a", "") && !holds("a", "a", nullptr) && !holds("", "a", ";") &&
+                !holds("a", "", ";"));
+
+        Tessal::CDeviceInfo target;
+        Tessal::CDeviceInfo source;
+        target.SetPropertyValue("same", "1");
+        target.SetPropertyValue("other", "1");
+        target.SetPropertyValue("mine", "1");
+        source.SetPropertyValue("same", "1");
+        source.SetPropertyValue("other", "2");
+        source.SetPropertyValue("new", "3");
+        const auto values = [&] {
+            return sdk::get(target, "same") + ' ' + sdk::get(target, "other") + ' ' +
+                   sdk::get(target, "new") + ' ' + sdk::get(target, "mine");
+        };
+        QCOMPARE(DeviceLister::mergeProperties(target, source, ";", {"same", "other", "new", "none"}, false),
+                 2);
+        QCOMPARE(values(), "1 1;2 3 1");
+        QCOMPARE(DeviceLister::mergeProperties(target, source, ",", true), 3);
+        QCOMPARE(values(), "1,1 1;2,2 3,3 1");
+    }
+};
+
+int main(int argc, char** argv)
+{
+    DiscoveryTest test;
+    return gui::run(test, argc, argv);
+}
+
+#include "tst_discovery.moc"
