@@ -16,15 +16,14 @@ public:
     /// Runs the first discovery before it returns.
     explicit MainWnd(QWidget* parent = nullptr, Qt::WindowFlags flags = {});
 
-private slots:
-    void on_actionRefresh_triggered();
-    void on_actionViewHelp_triggered();
-    void on_actionAbout_triggered();
-    void on_actionFeedback_triggered();
-    void on_actionContact_Orvik_Support_triggered();
-    void closeEvent(QCloseEvent* event) override;
-
 private:
+    Q_SLOT void on_actionRefresh_triggered();
+    Q_SLOT void on_actionViewHelp_triggered();
+    Q_SLOT void on_actionAbout_triggered();
+    Q_SLOT void on_actionFeedback_triggered();
+    Q_SLOT void on_actionContact_Orvik_Support_triggered();
+    Q_SLOT void closeEvent(QCloseEvent* event) override;
+
     void restoreGeometryFromSettings();
 
     Ui_MainWnd ui{};
