@@ -18,9 +18,9 @@ namespace gige {
 
 namespace {
 
-constexpr std::size_t reserve = 64;           // for the rest of the system
-constexpr std::size_t usualTableSize = 1024;  // entries
-constexpr std::size_t answerSize = 32 * 1024; // bytes; what the kernel sends at most in one piece
+constexpr std::size_t reserve = 64;          // for the rest of the system
+constexpr std::size_t usualTableSize = 1024; // entries
+constexpr std::size_t answerSize = 32768;    // bytes; what the kernel sends at most in one piece
 
 using Attributes = std::function<void(std::uint16_t type, std::string_view value)>;
 
@@ -83,7 +83,7 @@ std::optional<T> valueOf(std::string_view bytes)
     if (bytes.size() < sizeof(T)) {
         return std::nullopt;
     }
-    T value;
+    T value{};
     std::memcpy(&value, bytes.data(), sizeof value);
     return value;
 }
