@@ -1,11 +1,12 @@
 #include "ipconfigurationwidget.h"
 
 #include "DeviceLister.h"
+#include "WaitBox.h"
 #include "trace.h"
 
 #include "qtbase/messages.h"
 
-#include <QApplication>
+#include <QCoreApplication>
 #include <QMessageBox>
 
 #include <algorithm>
@@ -15,16 +16,6 @@
 #include <vector>
 
 namespace {
-
-/// Shows the wait cursor while it lives.
-class WaitCursor
-{
-public:
-    WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
-    WaitCursor(const WaitCursor&) = delete;
-    WaitCursor& operator=(const WaitCursor&) = delete;
-    ~WaitCursor() { QApplication::restoreOverrideCursor(); }
-};
 
 struct DIPtrAndIndexPair
 {
