@@ -5,24 +5,12 @@
 #include <QCoreApplication>
 #include <QStringList>
 
-#include <charconv>
-#include <string_view>
-
 namespace {
 
 struct Texts
 {
     Q_DECLARE_TR_FUNCTIONS(Formatting)
 };
-
-/// 0, which is no mode, for a text that is no number.
-unsigned int ipConfigBits(std::string_view text)
-{
-    unsigned int bits = 0;
-    const char* const end = text.data() + text.size();
-    const auto [parsedTo, error] = std::from_chars(text.data(), end, bits);
-    return error == std::errc{} && parsedTo == end ? bits : 0;
-}
 
 } // namespace
 
@@ -50,7 +38,7 @@ QString formatMACAddress(const char* mac, const char* separator)
 
 QString formatIPConfiguration(const char* ipConfigCurrent, unsigned int flags)
 {
-    const unsigned int bits = ipConfigBits(ipConfigCurrent != nullptr ? ipConfigCurrent : "");
+    const unsigned int bits = Tessal::IpConfig::fromText(ipConfigCurrent != nullptr ? ipConfigCurrent : "");
     QStringList modes;
     if ((bits & Tessal::IpConfig::Persistent) != 0) {
         modes += Texts::tr("Static IP");

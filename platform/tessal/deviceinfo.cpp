@@ -5,18 +5,6 @@
 
 namespace Tessal {
 
-namespace {
-
-bool hasIpConfigBit(const GenICam::gcstring& decimal, unsigned int bit)
-{
-    unsigned int bits = 0;
-    const std::string_view text = decimal.view();
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), bits);
-    return error == std::errc{} && end == text.data() + text.size() && (bits & bit) != 0;
-}
-
-} // namespace
-
 void CInfoBase::GetPropertyNames(GenICam::gcstring_vector& names) const
 {
     names.clear();
@@ -69,19 +57,27 @@ GenICam::gcstring CInfoBase::valueOf(const char* name) const
     return value;
 }
 
+unsigned int IpConfig::fromText(std::string_view decimal)
+{
+    unsigned int bits = 0;
+    const char* const end = decimal.data() + decimal.size();
+    const auto [parsedTo, error] = std::from_chars(decimal.data(), end, bits);
+    return error == std::errc{} && parsedTo == end ? bits : 0;
+}
+
 bool COrvikGigEDeviceInfo::IsPersistentIpActive() const
 {
-    return hasIpConfigBit(GetIpConfigCurrent(), IpConfig::Persistent);
+    return (IpConfig::fromText(GetIpConfigCurrent().view()) & IpConfig::Persistent) != 0;
 }
 
 bool COrvikGigEDeviceInfo::IsDhcpActive() const
 {
-    return hasIpConfigBit(GetIpConfigCurrent(), IpConfig::Dhcp);
+    return (IpConfig::fromText(GetIpConfigCurrent().view()) & IpConfig::Dhcp) != 0;
 }
 
 bool COrvikGigEDeviceInfo::IsAutoIpActive() const
 {
-    return hasIpConfigBit(GetIpConfigCurrent(), IpConfig::LinkLocal);
+    return (IpConfig::fromText(GetIpConfigCurrent().view()) & IpConfig::LinkLocal) != 0;
 }
 
 bool IsSupportedDevice(const CDeviceInfo& info, bool)

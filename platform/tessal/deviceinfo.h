@@ -3,6 +3,7 @@
 #include "genicam/gcstring.h"
 
 #include <map>
+#include <string_view>
 #include <vector>
 
 namespace Tessal {
@@ -120,6 +121,9 @@ namespace IpConfig {
 inline constexpr unsigned int Persistent = 1;
 inline constexpr unsigned int Dhcp = 2;
 inline constexpr unsigned int LinkLocal = 4;
+
+/// The bit set from its decimal text; 0, which is no mode, for a text that is no number.
+[[nodiscard]] unsigned int fromText(std::string_view decimal);
 } // namespace IpConfig
 
 /// What a TList<T> stores for each element: T, unless a more derived type is named here.
