@@ -23,7 +23,8 @@ public:
     ~DeviceLister() override;
 
     /// Replaces m_devices by a fresh discovery. Throws GenICam::RuntimeException when there is no transport
-    /// layer, and whatever the enumerations throw; m_devices is then empty or partly filled.
+    /// layer, and whatever the enumerations and the accessibility query throw. m_devices is as before when
+    /// the first enumeration did not return; later it is empty or partly filled.
     void discoverAllDevices();
 
     /// Makes the shared transport layer if there is none. Throws GenICam::RuntimeException when that fails.

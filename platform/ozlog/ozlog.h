@@ -64,9 +64,9 @@ void formatDoesNotMatchArguments();
 
 } // namespace detail
 
-/// A printf-like format that the compiler has checked against its arguments: "%hs" (and "%s") take an 8-bit
-/// string,
-/// "%i" and "%d" a signed and "%u" an unsigned integer, "%%" is a percent sign. Nothing else is accepted.
+/// A printf-like format that the compiler has checked against its arguments: "%hs" and "%s" take an 8-bit
+/// string, "%i" and "%d" a signed and "%u" an unsigned integer, "%%" is a percent sign; nothing else is
+/// accepted.
 template <typename... Args>
 class Format
 {
