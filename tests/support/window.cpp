@@ -200,7 +200,9 @@ QStringList WindowTest::takeTrace(const QString& category)
     static const char* const levels[] = {"debug", "warning", "error", "fatal", "info"};
     QStringList lines;
     for (const TraceCapture::Line& line : m_messages->lines(category)) {
-        lines << QString::fromLatin1(levels[line.level]) + ' ' + line.text;
+        if (!line.text.contains("propagateSizeHints")) { // the offscreen platform says so of every window
+            lines << QString::fromLatin1(levels[line.level]) + ' ' + line.text;
+        }
     }
     m_messages->clear();
     return lines;
