@@ -70,6 +70,10 @@ void MainWnd::closeEvent(QCloseEvent* event)
     settings.beginGroup(SettingsKey::Group);
     settings.setValue(SettingsKey::Position, pos());
     settings.setValue(SettingsKey::Size, size());
+    settings.sync();
+    if (settings.status() != QSettings::NoError) {
+        qWarning("The layout of the window could not be stored in %s", qUtf8Printable(settings.fileName()));
+    }
 }
 
 void MainWnd::on_actionRefresh_triggered()

@@ -7,11 +7,15 @@
 
 #include <QApplication>
 #include <QIcon>
+#include <QLoggingCategory>
 
 namespace {
 
 int runEventLoop(int argc, char** argv)
 {
+    // Qt takes every slot that is named on_object_signal for one to connect by name and would complain on
+    // each start of the one that is connected by hand.
+    QLoggingCategory::setFilterRules(QStringLiteral("qt.core.qmetaobject.connectslotsbyname.warning=false"));
     QApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("Tessal Lanvic"));
     QCoreApplication::setOrganizationName(QStringLiteral("Orvik"));
