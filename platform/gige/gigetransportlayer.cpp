@@ -221,6 +221,14 @@ void GigETransportLayer::RestartIpConfig(const GenICam::gcstring& mac)
     assign({.mac = macArgument(mac), .ip = {}, .mask = {}, .gateway = {}}, "restarting its IP configuration");
 }
 
+bool GigETransportLayer::knowsBroadcastConfiguration(const net::MacAddress& mac) const
+{
+    return std::ranges::any_of(m_found, [&](const FoundCamera& camera) {
+        return camera.identity.mac == mac &&
+               Tessal::IsSupportedDevice(makeRecord(camera.identity, camera.heardBy.address), false);
+    });
+}
+
 bool GigETransportLayer::BroadcastIpConfig(const GenICam::gcstring& mac, bool enablePersistentIp,
                                            bool enableDhcp, const GenICam::gcstring& ipAddress,
                                            const GenICam::gcstring& subnetMask,
@@ -228,20 +236,21 @@ bool GigETransportLayer::BroadcastIpConfig(const GenICam::gcstring& mac, bool en
                                            const GenICam::gcstring& userDefinedName)
 {
     using namespace gvcp::IpConfig;
-    const gvcp::StoredConfiguration configuration{
-        .mac = macArgument(mac),
-        .ipConfig = LinkLocal | (enablePersistentIp ? Persistent : 0) | (enableDhcp ? Dhcp : 0),
-        .ip = addressArgument(ipAddress, "IP address"),
-        .mask = addressArgument(subnetMask, "subnet mask"),
-        .gateway = addressArgument(defaultGateway, "default gateway"),
-        .userDefinedName = nameArgument(userDefinedName)};
-    const bool knowsCommand = std::ranges::any_of(m_found, [&](const FoundCamera& camera) {
-        return camera.identity.mac == configuration.mac &&
-               Tessal::IsSupportedDevice(makeRecord(camera.identity, camera.heardBy.address), false);
-    });
-    if (!knowsCommand) {
+    const net::MacAddress camera = macArgument(mac);
+    if (!knowsBroadcastConfiguration(camera)) {
         return false;
     }
+    const auto address = [enablePersistentIp](const GenICam::gcstring& text, const char* what) {
+        return enablePersistentIp ? addressArgument(text, what)
+                                  : net::parseIpv4(text.view()).value_or(net::Ipv4{});
+    };
+    const gvcp::StoredConfiguration configuration{
+        .mac = camera,
+        .ipConfig = LinkLocal | (enablePersistentIp ? Persistent : 0) | (enableDhcp ? Dhcp : 0),
+        .ip = address(ipAddress, "IP address"),
+        .mask = address(subnetMask, "subnet mask"),
+        .gateway = address(defaultGateway, "default gateway"),
+        .userDefinedName = nameArgument(userDefinedName)};
     forgetFreshness();
     const std::uint16_t id = nextRequestId();
     const auto status = broadcastCommand(id, gvcp::encodeBroadcastIpConfig(id, configuration),

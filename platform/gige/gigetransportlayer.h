@@ -42,6 +42,8 @@ private:
     /// Lists what the latest search found, all of it or what answers over unicast. Returns how many.
     int list(Tessal::DeviceInfoList& list, bool append, bool onlyUnicast) const;
     [[nodiscard]] const FoundCamera* findFresh(const Tessal::CDeviceInfo& info) const;
+    /// Whether the latest search reported it as the maker's.
+    [[nodiscard]] bool knowsBroadcastConfiguration(const net::MacAddress& mac) const;
     [[nodiscard]] std::vector<net::Ipv4> knownAddresses(const net::MacAddress& mac) const;
     /// Throws RuntimeException when two cameras claimed the address in the latest search.
     void checkUncontested(net::Ipv4 address) const;

@@ -129,7 +129,8 @@ public:
     virtual void RestartIpConfig(const GenICam::gcstring& mac) = 0;
     /// Stores mode, address and name on a camera that knows the manufacturer's broadcast command; true when
     /// the camera acknowledged it. False, without a packet, for a camera that the latest search did not
-    /// report as the maker's; false also when the camera refused or did not answer.
+    /// report as the maker's; false also when the camera refused or did not answer. Without the static mode
+    /// an address that is no dotted quad counts as 0.0.0.0, since an editor may hold half of one.
     virtual bool BroadcastIpConfig(const GenICam::gcstring& mac, bool enablePersistentIp, bool enableDhcp,
                                    const GenICam::gcstring& ipAddress, const GenICam::gcstring& subnetMask,
                                    const GenICam::gcstring& defaultGateway,
