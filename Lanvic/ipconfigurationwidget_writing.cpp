@@ -7,7 +7,7 @@
 #include "ozlog/ozlog.h"
 #include "qtbase/messages.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QMessageBox>
 
 #include <algorithm>
@@ -58,10 +58,21 @@ bool lists(const Tessal::DeviceInfoList& cameras, const QString& mac)
     });
 }
 
+/// Whether another command is waiting for a camera or asking the user.
+bool isBusy()
+{
+    return QApplication::overrideCursor() != nullptr || QApplication::activeModalWidget() != nullptr;
+}
+
 } // namespace
 
 void IpConfigurationWidget::on_btnWriteConfiguration_clicked()
 {
+    // After Ctrl+S the button looks pressed for a moment before it acts. Until then the user may have moved
+    // on to another camera, which must not get what was typed for the first one.
+    if (isBusy() || !ui.btnWriteConfiguration->isEnabled()) {
+        return;
+    }
     try {
         const Tessal::COrvikGigEDeviceInfo* record = GetSelectedDeviceInfo();
         if (record == nullptr) {
