@@ -62,6 +62,10 @@ public slots:
     /// itself.
     void refresh();
 
+protected:
+    /// Enter saves while Save is the default button.
+    void keyPressEvent(QKeyEvent* event) override;
+
 private:
     // construction
     void createHiddenAction(const QString& objectName, const QString& shortcut,

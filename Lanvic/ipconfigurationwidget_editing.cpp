@@ -8,6 +8,7 @@
 
 #include <QCloseEvent>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QMessageBox>
 #include <QSettings>
 
@@ -106,8 +107,12 @@ void IpConfigurationWidget::on_editNetmask_editingFinished()
     }
     QString normalised = ui.editNetmask->text();
     validator->fixup(normalised);
-    if (normalised != ui.editNetmask->text()) {
+    const bool isNormalised = normalised == ui.editNetmask->text();
+    if (!isNormalised) {
         ui.editNetmask->setText(normalised);
+    }
+    // Where the validator refused the text, the field has normalised it before this and told nobody.
+    if (!isNormalised || m_netmaskEditedByUser) {
         ui.btnWriteConfiguration->setDefault(true);
         updateUiState(nullptr);
     }
@@ -135,6 +140,18 @@ void IpConfigurationWidget::on_editCustomName_editingFinished()
             ui.editCustomName->text() != GetUtf8Property(record, Tessal::Key::UserDefinedName);
     }
     updateUiState(nullptr);
+}
+
+void IpConfigurationWidget::keyPressEvent(QKeyEvent* event)
+{
+    // Qt gives Enter to a default button in dialogs only.
+    const bool isEnter = (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) &&
+                         (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+    if (isEnter && ui.btnWriteConfiguration->isDefault() && !ui.btnRefresh->hasFocus()) {
+        ui.btnWriteConfiguration->click(); // nothing while it is disabled
+        return;
+    }
+    QWidget::keyPressEvent(event);
 }
 
 bool IpConfigurationWidget::checkSaveChanges() const
