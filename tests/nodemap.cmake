@@ -1,1 +1,2 @@
-lanvic_test(tst_nodemap SOURCES tst_nodemap.cpp LIBS platform_gige platform_ozlog)
+find_package(ZLIB REQUIRED) # comes with libzip
+lanvic_test(tst_nodemap SOURCES tst_nodemap.cpp LIBS platform_gige platform_ozlog ZLIB::ZLIB)
