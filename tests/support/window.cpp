@@ -167,6 +167,7 @@ QTreeWidgetItem& WindowTest::row(const QString& text)
 
 void WindowTest::select(QTreeWidgetItem& item)
 {
+    tree().scrollToItem(&item);
     const QRect place = tree().visualItemRect(&item);
     QTest::mouseClick(tree().viewport(), Qt::LeftButton, {}, place.center());
 }

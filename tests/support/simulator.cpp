@@ -1,0 +1,90 @@
+#include "support/simulator.h"
+
+#include <QDeadlineTimer>
+#include <QRegularExpression>
+
+#include <csignal>
+
+Simulator::Simulator(const QString& scene)
+{
+    m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    m_process.start(qEnvironmentVariable("GIGE_SIMULATOR"), {SCENES "/" + scene + ".json"});
+    if (!await("ready ")) {
+        qFatal("the simulator does not start with %s", qPrintable(scene));
+    }
+    m_events.clear();
+}
+
+Simulator::~Simulator()
+{
+    m_process.terminate();
+    m_process.waitForFinished();
+}
+
+bool Simulator::await(const QString& beginning)
+{
+    for (const QDeadlineTimer deadline(10'000); !deadline.hasExpired();) {
+        if (!m_process.canReadLine()) {
+            m_process.waitForReadyRead(static_cast<int>(deadline.remainingTime()));
+            continue;
+        }
+        const QString line = QString::fromUtf8(m_process.readLine()).trimmed();
+        if (line.startsWith("state ")) {
+            m_states[line.section(' ', 1, 1).section('=', 1)] = line;
+        } else if (!line.startsWith("found ") && line != "end") {
+            m_events << line;
+        }
+        if (line.startsWith(beginning)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void Simulator::readState()
+{
+    ::kill(static_cast<pid_t>(m_process.processId()), SIGUSR1);
+    if (!await("end")) {
+        qFatal("the simulator does not tell its state");
+    }
+}
+
+QStringList Simulator::takeEvents()
+{
+    readState();
+    return std::exchange(m_events, {});
+}
+
+QString Simulator::state(const QString& camera, const QString& key)
+{
+    readState();
+    const QRegularExpression pair(' ' + key + "=(\"[^\"]*\"|\\S+)");
+    return pair.match(m_states.value(camera)).captured(1).remove('"');
+}
+
+QStringList Simulator::controlled()
+{
+    readState();
+    QStringList cameras;
+    for (auto state = m_states.cbegin(); state != m_states.cend(); ++state) {
+        if (!state->endsWith(" control=none")) {
+            cameras << state.key();
+        }
+    }
+    return cameras;
+}
+
+OtherProgram::OtherProgram()
+{
+    m_socket.bind(QHostAddress::AnyIPv4);
+}
+
+QByteArray OtherProgram::ask(const QString& camera, const QByteArray& request)
+{
+    constexpr quint16 controlPort = 3956;
+    m_socket.writeDatagram(QByteArray::fromHex(request), QHostAddress(camera), controlPort);
+    QByteArray answer(1500, '\0');
+    const bool isAnswered = m_socket.waitForReadyRead(3000);
+    answer.truncate(isAnswered ? m_socket.readDatagram(answer.data(), answer.size()) : 0);
+    return answer.toHex();
+}

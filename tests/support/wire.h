@@ -1,0 +1,32 @@
+#pragma once
+
+#include "support/simulator.h"
+#include "support/window.h"
+
+/// Base of the tests of the real window on simulated cameras, over the real camera layer.
+class WireTest : public gui::WindowTest
+{
+    Q_OBJECT
+
+protected:
+    /// Starts a scene and opens the window on it.
+    void start(const QString& scene);
+    [[nodiscard]] Simulator& simulator() { return *m_simulator; }
+
+    /// Instead of sleeping, the program waits for these events, one at each of its sleeps; after the last it
+    /// goes on at once.
+    void sleepUntil(const QStringList& events) { m_awaited = events; }
+    [[nodiscard]] int takeSleeps() { return std::exchange(m_sleeps, 0); }
+
+    /// Cameras that others control, or that vanished while we did; no other may be controlled when a test
+    /// ends.
+    QStringList m_controlled;
+
+protected slots:
+    void cleanup();
+
+private:
+    std::unique_ptr<Simulator> m_simulator;
+    QStringList m_awaited;
+    int m_sleeps = 0;
+};

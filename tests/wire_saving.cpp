@@ -1,0 +1,191 @@
+#include "support/wire.h"
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QRegularExpression>
+
+namespace {
+
+const QString notSaved = "|The configuration could not be saved.|Close|Close";
+const QString forceIpDialog = "Assign Temporary IP Address (Force IP)";
+
+} // namespace
+
+/// A save, from the keyboard to the camera's registers and back into the tree.
+class WireSavingTest : public WireTest
+{
+    Q_OBJECT
+
+    bool canSave() { return child<QPushButton>("btnWriteConfiguration").isEnabled(); }
+    void choose(const char* mode) { QTest::mouseClick(&child<QRadioButton>(mode), Qt::LeftButton); }
+    void edit(const QString& model)
+    {
+        start("test-saving");
+        select(model);
+        takeTrace();
+    }
+
+private slots:
+    void aTypedAddressReachesTheCameraByBroadcast()
+    {
+        edit("km-1");
+        enter("editIpAddress", "192.168.010.031");
+        type("editCustomName", "Förderband");
+        sleepUntil({"restarted camera=belt"});
+        save();
+        QCOMPARE(takeSleeps(), 1);
+        QStringList events = simulator().takeEvents();
+        events.removeDuplicates(); // the command goes to two broadcast addresses
+        QCOMPARE(events, (QStringList{"configured camera=belt by=broadcast what=all mode=static+lla "
+                                      "persistent-ip=192.168.10.31 persistent-mask=255.255.255.0 "
+                                      "persistent-gateway=192.168.10.1 name=\"Förderband\"",
+                                      "restarted camera=belt mode=static ip=192.168.10.31 mask=255.255.255.0 "
+                                      "gateway=192.168.10.1"}));
+        QCOMPARE(takeTrace(),
+                 (QStringList{
+                     "info Trying broadcast ip config for MAC=025E41000001 setting static IP "
+                     "(NewIP=192.168.10.31; NewNetmask=255.255.255.0; NewGateway=192.168.10.1;).",
+                     "info Successfully changed IP configuration via broadcast for MAC=025E41000001.",
+                     "info Restarting IP configuration and waiting for rediscovery for MAC=025E41000001.",
+                     "info Successfully rediscovered MAC=025E41000001.",
+                 }));
+        // what another program hears: the address (of READREG), the name (of READMEM), and silence where it
+        // was
+        OtherProgram other;
+        QCOMPARE(other.ask("192.168.10.31", "420100800004000100000024"), "0000008100040001c0a80a1f");
+        QCOMPARE(other.ask("192.168.10.31", "4201008400080002000000e800000010"),
+                 "0000008500140002000000e846c3b672646572"
+                 "62616e640000000000");
+        QCOMPARE(other.ask("192.168.10.21", "420100800004000300000024"), "");
+        QCOMPARE(tree().currentItem(), &row("km-1"));
+        QVERIFY(rows().contains(
+            "  km-1|Förderband|1|02:5E:41:00:00:01|OK|Static IP|192.168.10.31|255.255.255.0"));
+        QVERIFY(!canSave());
+    }
+
+    void halfAnAddressDoesNotHinderAutoIp()
+    {
+        edit("km-1");
+        type("editIpAddress", "192.168.");
+        choose("btnUseAutoIp");
+        sleepUntil({"restarted camera=belt"});
+        save();
+        QCOMPARE(takeSleeps(), 1);
+        QCOMPARE(m_dialogs.take(), QStringList());
+        QVERIFY(row("km-1").text(6).startsWith("169.254."));
+    }
+
+    void aCameraThatNeverReturnsIsGivenUp()
+    {
+        edit("km-2");
+        enter("editIpAddress", "192.168.10.32");
+        sleepUntil({"vanished camera=lost"});
+        m_dialogs.expect(gui::press(Qt::Key_Escape));
+        m_dialogs.expect(gui::press(Qt::Key_Escape)); // no temporary address
+        m_dialogs.expect(gui::click(QMessageBox::Close));
+        save();
+        QCOMPARE(m_dialogs.take(), (QStringList{gui::report("Failed to discover reconfigured device"),
+                                                forceIpDialog, notSaved}));
+        QCOMPARE(takeSleeps(), 30);
+        QCOMPARE(
+            takeTrace().mid(3),
+            (QStringList{
+                "warning Failed to rediscover the device with MAC=025E41000002.",
+                "info Trying open device with old IP=192.168.10.32 to change IP configuration via unicast.",
+                "info Forcing IP of device with MAC=025E41000002.",
+                "info Forcing IP of device with MAC=025E41000002 has been canceled by user.",
+                "error Could not open device with old IP=192.168.10.32 to change IP configuration via "
+                "unicast."}));
+        QCOMPARE(gui::cursorDepth(), 0);
+    }
+
+    void anotherMakersCameraIsConfiguredByUnicast()
+    {
+        edit("BX-3");
+        choose("btnUsePersistentIp");
+        enter("editIpAddress", "192.168.10.33");
+        type("editCustomName", "gate");
+        sleepUntil({"restarted camera=other"});
+        save();
+        QCOMPARE(takeSleeps(), 1);
+        QStringList events = simulator().takeEvents();
+        events.replaceInStrings(QRegularExpression(" camera=other| by=\\S+| mode=.*| reason=.*"), "");
+        QCOMPARE(events,
+                 (QStringList{"controlled privilege=control", "configured what=name", "configured what=mode",
+                              "configured what=address", "configured what=address", "configured what=address",
+                              "controlled privilege=none", "restarted"}));
+        const QString row = "  BX-3|gate|3|02:A3:17:00:00:03|OK|Static IP|192.168.10.33|255.255.255.0";
+        QVERIFY2(rows().contains(row), qPrintable(rows().join('\n')));
+        QVERIFY(!canSave());
+    }
+
+    void aCameraOfAForeignSubnetIsReachedByATemporaryAddress()
+    {
+        edit("BX-4");
+        enter("editIpAddress", "192.168.10.34");
+        type("editCustomName", "gate");
+        QString header;
+        m_dialogs.expect([&](QWidget& dialog) {
+            header = gui::child<QLabel>(dialog, "labelHeader").text();
+            gui::fill({{"editIpAddress", "192.168.10.134"}})(dialog);
+        });
+        sleepUntil({"forced camera=foreign", "restarted camera=foreign"});
+        save();
+        QVERIFY2(header.endsWith("<p>Valid addresses are:<br>192.168.10.1 - 192.168.10.254<br></p>"),
+                 qPrintable(header));
+        QCOMPARE(m_dialogs.take(), QStringList{forceIpDialog});
+        QCOMPARE(takeSleeps(), 2);
+        QCOMPARE(simulator().state("foreign", "ip"), "192.168.10.34");
+        QCOMPARE(simulator().state("foreign", "mode"), "static");
+        QCOMPARE(simulator().state("foreign", "name"), "gate");
+        QVERIFY(rows().contains("  BX-4|gate|4|02:A3:17:00:00:04|OK|Static IP|192.168.10.34|255.255.255.0"));
+    }
+
+    void aCameraThatAnotherProgramTookMeanwhileIsLeftAlone()
+    {
+        edit("BX-5");
+        OtherProgram other;
+        QCOMPARE(other.ask("192.168.10.25", "420100820008000100000a0000000002"), "000000830004000100000001");
+        type("editCustomName", "mine");
+        m_dialogs.expect(gui::press(Qt::Key_Escape));
+        m_dialogs.expect(gui::click(QMessageBox::Close));
+        save();
+        QCOMPARE(
+            m_dialogs.take(),
+            (QStringList{"Connection failed|Access denied\nThe device is controlled by another application."
+                         "\nClose the connection before changing the IP configuration.|OK|",
+                         notSaved}));
+        QCOMPARE(simulator().takeEvents().filter("configured"), QStringList());
+        QVERIFY(text("editCustomName") == "mine" && canSave());
+        m_controlled = {"contested"};
+    }
+
+    void aCameraThatVanishesWhileItIsWrittenKeepsTheEdits()
+    {
+        edit("BX-6");
+        choose("btnUseDhcp");
+        m_dialogs.expect(gui::press(Qt::Key_Escape));
+        m_dialogs.expect(gui::click(QMessageBox::Close));
+        save();
+        const QStringList shown = m_dialogs.take();
+        QVERIFY2(
+            QRegularExpression("^Tessal Lanvic\\|Camera 192.168.10.26, READREG of 0x0014: no answer within "
+                               "\\d+ ms\\|")
+                .match(shown.first())
+                .hasMatch(),
+            qPrintable(shown.first()));
+        QCOMPARE(shown.mid(1), QStringList{notSaved});
+        QVERIFY(child<QRadioButton>("btnUseDhcp").isChecked() && canSave());
+        m_controlled = {"fading"};
+    }
+};
+
+int main(int argc, char** argv)
+{
+    WireSavingTest test;
+    return gui::run(test, argc, argv);
+}
+
+#include "wire_saving.moc"
