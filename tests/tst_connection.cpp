@@ -1,5 +1,6 @@
 #include "support/gui.h"
 
+#include <QAction>
 #include <QLabel>
 #include <QLineEdit>
 
@@ -33,19 +34,13 @@ class ConnectionTest : public gui::GuiTest
 {
     Q_OBJECT
 
-    sdk::Camera& cam() { return m_world.cameras.front(); }
-    /// A window on one camera without the broadcast command, selected, with an edited name.
-    void edit(const char* ip = "192.168.1.9", const char* interface = "192.168.1.5")
+    /// Edits the name of one camera that does not know the broadcast command.
+    void edit(const char* ip = "192.168.1.9")
     {
-        m_world.cameras = {camera("km-1", "025E41000001", ip, interface)};
+        openOnCamera(camera("km-1", "025E41000001", ip));
         cam().knowsBroadcast = false;
-        openWindow();
-        select("km-1");
         type("editCustomName", "belt");
-        m_world.take();
-        takeTrace();
     }
-
     void saveAndFail()
     {
         m_dialogs.expect(gui::click(QMessageBox::Close));
@@ -57,6 +52,8 @@ class ConnectionTest : public gui::GuiTest
     void assign(const QString& camera, const gui::Answer& answer)
     {
         m_dialogs.expect([](QWidget& menu) {
+            QCOMPARE(menu.actions().size(), 1);
+            QCOMPARE(menu.actions().first()->text(), "&Assign Temporary IP Address...");
             QTest::keyClick(&menu, Qt::Key_Down);
             QTest::keyClick(&menu, Qt::Key_Return);
         });
@@ -87,23 +84,18 @@ private slots:
         QCOMPARE(text("editCustomName"), "belt");
     }
 
-    void whatIsNoGigECameraIsRefused_data()
-    {
-        QTest::addColumn<bool>("isThere");
-        QTest::newRow("another kind of camera") << true;
-        QTest::newRow("none at all") << false;
-    }
-
     void whatIsNoGigECameraIsRefused()
     {
-        QFETCH(const bool, isThere);
         edit();
         cam().isGigE = false;
-        m_world.makesDevices = isThere;
-        m_dialogs.expect(gui::press(Qt::Key_Escape));
-        saveAndFail();
-        QCOMPARE(m_dialogs.take(), (QStringList{gui::report("The device must be a GEV Camera."), notSaved}));
-        QCOMPARE(m_world.take().last(), "CreateDevice(192.168.1.9)");
+        for (const bool isMade : {true, false}) { // another kind of device, or none at all
+            m_world.makesDevices = isMade;
+            m_dialogs.expect(gui::press(Qt::Key_Escape));
+            saveAndFail();
+            QCOMPARE(m_dialogs.take(),
+                     (QStringList{gui::report("The device must be a GEV Camera."), notSaved}));
+            QCOMPARE(m_world.take().last(), "CreateDevice(192.168.1.9)");
+        }
     }
 
     void aFailureOfAnotherKindIsShownByTheSave()
@@ -198,37 +190,26 @@ private slots:
         QCOMPARE(traced.last(), "info Forcing IP of device with MAC=025E41000001 has been canceled by user.");
     }
 
-    void aFailedForceIpIsReportedOnce_data()
-    {
-        QTest::addColumn<bool>("isStandard");
-        QTest::addColumn<QString>("shown");
-        QTest::addColumn<QString>("traced");
-        QTest::newRow("refused") << true << "refused"
-                                 << "error Failed to force IP for MAC=025E41000001. Err='refused'";
-        QTest::newRow("of no known kind") << false << "Unknown exception occurred"
-                                          << "error Failed to force IP for MAC=025E41000001.";
-    }
-
     void aFailedForceIpIsReportedOnce()
     {
-        QFETCH(const bool, isStandard);
-        QFETCH(const QString, shown);
-        QFETCH(const QString, traced);
         edit("10.9.9.9");
-        m_world.at["ForceIp"] = [isStandard] {
-            if (isStandard) {
-                throw std::runtime_error("refused");
-            }
-            throw 7;
-        };
-        m_dialogs.expect(gui::fill({{"editIpAddress", "192.168.1.50"}}));
-        m_dialogs.expect(gui::press(Qt::Key_Escape));
-        saveAndFail();
-        QCOMPARE(m_dialogs.take(), (QStringList{forceIpDialog, gui::report(shown), notSaved}));
-        const QStringList trace = takeTrace();
-        QCOMPARE(trace.filter("Failed to force IP"), QStringList{traced});
-        QVERIFY(trace.contains("info Now forcing IP for MAC=025E41000001. Retries remaining=0."));
-        QVERIFY(!m_world.take().contains("sleep(2)"));
+        for (const bool isStandard : {true, false}) {
+            m_world.at["ForceIp"] = [isStandard] {
+                if (isStandard) {
+                    throw std::runtime_error("refused");
+                }
+                throw 7;
+            };
+            m_dialogs.expect(gui::fill({{"editIpAddress", "192.168.1.50"}}));
+            m_dialogs.expect(gui::press(Qt::Key_Escape));
+            saveAndFail();
+            const QString shown = isStandard ? "refused" : "Unknown exception occurred";
+            QCOMPARE(m_dialogs.take(), (QStringList{forceIpDialog, gui::report(shown), notSaved}));
+            QCOMPARE(takeTrace().filter("force IP").last(),
+                     QString("error Failed to force IP for MAC=025E41000001.") +
+                         (isStandard ? " Err='refused'" : ""));
+            QVERIFY(!m_world.take().contains("sleep(2)"));
+        }
     }
 
     void aHeldCameraIsGivenBackFirst()
@@ -274,37 +255,27 @@ private slots:
                          "info Successfully forced IP for MAC=025E41000001."}));
     }
 
-    void theDialogKnowsTheAdapter_data()
-    {
-        QTest::addColumn<QString>("interface");
-        QTest::addColumn<QStringList>("expected");
-        const QString header =
-            "Please specify a temporary IP address.<br>This address will be valid until the device "
-            "resets.";
-        QTest::newRow("two networks")
-            << "172.16.3.4"
-            << QStringList{header + "<p>Valid addresses are:<br>10.0.0.1 - "
-                                    "10.0.255.254<br>172.16.0.1 - 172.16.15.254<br></p>",
-                           "10.0.", "255.255.0.0", "0.0.0.0", "-"};
-        QTest::newRow("no adapter above")
-            << "9.9.9.9" << QStringList{header, "192.168.0.202", "255.255.255.0", "0.0.0.0", "-"};
-    }
-
     void theDialogKnowsTheAdapter()
     {
-        QFETCH(const QString, interface);
-        QFETCH(const QStringList, expected);
-        m_world.cameras = {camera("km-1", "025E41000001", "10.9.9.9", interface.toLatin1())};
+        m_world.cameras = {camera("km-1", "025E41000001", "10.9.9.9", "10.0.0.1"),
+                           camera("km-2", "025E41000002", "10.9.9.9", "9.9.9.9")};
         openWindow();
-        select("km-1");
         const QStringList before = rows();
         m_world.take();
         QStringList asked;
-        assign("km-1", [&](QWidget& dialog) {
+        const auto look = [&](QWidget& dialog) {
             asked = read(dialog);
             QTest::keyClick(&dialog, Qt::Key_Escape);
-        });
-        QCOMPARE(asked, expected);
+        };
+        const QString header =
+            "Please specify a temporary IP address.<br>This address will be valid until the device resets.";
+        assign("km-1", look);
+        QCOMPARE(asked,
+                 (QStringList{header + "<p>Valid addresses are:<br>172.16.0.1 - 172.16.15.254<br>10.0.0.1 - "
+                                       "10.0.255.254<br></p>",
+                              "172.16.", "255.255.240.0", "0.0.0.0", "-"}));
+        assign("km-2", look); // stands under no adapter
+        QCOMPARE(asked, (QStringList{header, "192.168.0.202", "255.255.255.0", "0.0.0.0", "-"}));
         QCOMPARE(m_world.take(), QStringList());
         QCOMPARE(rows(), before);
     }
@@ -316,6 +287,8 @@ private slots:
         openWindow();
         select("km-1");
         m_world.take();
+        emit tree().customContextMenuRequested(tree().visualItemRect(&row("lan0")).center());
+        QCOMPARE(m_dialogs.take(), QStringList()); // only cameras have a menu
         assign("km-2", gui::fill({{"editIpAddress", "192.168.1.50"}}));
         QCOMPARE(m_world.take().first(), "ForceIp(025E41000002, 192.168.1.50, 255.255.255.0, 0.0.0.0)");
     }
@@ -356,9 +329,12 @@ private slots:
         m_world.cameras = {camera("km-1", "025E41000001", "192.168.1.9")};
         openWindow();
         m_world.take();
-        m_dialogs.expect(gui::fill({{"editMacAddress", "02-5E-41-FF-FF-FF"}}));
+        m_dialogs.expect(gui::fill({{"editIpAddress", "127.0.0.2"},
+                                    {"editSubnetMask", "255.0.0.0"},
+                                    {"editDefaultGateway", ""},
+                                    {"editMacAddress", "02-5E-41-FF-FF-FF"}}));
         forceByMac();
-        QCOMPARE(m_world.take(), QStringList{"ForceIp(025E41FFFFFF, 192.168.0.202, 255.255.255.0, 0.0.0.0)"} +
+        QCOMPARE(m_world.take(), QStringList{"ForceIp(025E41FFFFFF, 127.0.0.2, 255.0.0.0, 0.0.0.0)"} +
                                      QStringList(30, "sleep(2)"));
         QCOMPARE(m_dialogs.take(), QStringList{forceIpDialog});
     }

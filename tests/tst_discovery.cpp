@@ -9,20 +9,6 @@ class DiscoveryTest : public gui::GuiTest
 {
     Q_OBJECT
 
-    struct Merge
-    {
-        const char* name;
-        QStringList heard; // "MAC interface"
-        QStringList expected;
-    };
-    struct Question
-    {
-        const char* name;
-        int reported;
-        const char* address;
-        const char* expected;
-    };
-
     /// Every record as "MAC interface adapter accessibility".
     static QStringList records(const DeviceLister& lister)
     {
@@ -60,59 +46,51 @@ private slots:
         QCOMPARE(owner("192.168.1.6"), QString());
     }
 
-    void duplicatesAreDroppedAndMerged_data()
-    {
-        gui::rows<Merge>({
-            {"identical", {"A1 192.168.1.5", "A1 192.168.1.5"}, {"A1 192.168.1.5 lan0 1"}},
-            {"two addresses of an adapter",
-             {"A1 10.0.0.1", "B2 10.0.0.1", "A1 172.16.3.4"},
-             {"A1 10.0.0.1;172.16.3.4 lan1 1", "B2 10.0.0.1 lan1 1"}},
-            {"two adapters",
-             {"A1 192.168.1.5", "A1 10.0.0.1"},
-             {"A1 192.168.1.5 lan0 1", "A1 10.0.0.1 lan1 1"}},
-            {"MACs are compared exactly",
-             {"A1 10.0.0.1", "a1 172.16.3.4"},
-             {"A1 10.0.0.1 lan1 1", "a1 172.16.3.4 lan1 1"}},
-            {"no adapter has the address, so nothing is merged",
-             {"A1 9.9.9.9", "A1 8.8.8.8", "A1 127.0.0.1"},
-             {"A1 9.9.9.9 - 1", "A1 8.8.8.8 - 1", "A1 127.0.0.1 - 1"}},
-            {"shorthand is no address", {"A1 10.1"}, {"A1 10.1 - 4"}},
-            {"without a MAC", {" 192.168.1.5"}, {}},
-        });
-    }
     void duplicatesAreDroppedAndMerged()
     {
-        QFETCH(const Merge, row);
-        for (const QString& line : row.heard) {
-            const QByteArray interface = line.section(' ', 1).toLatin1();
-            m_world.cameras.push_back(camera("km-1", "025E41000001", interface, interface));
-            sdk::set(m_world.cameras.back(), "MacAddress", line.section(' ', 0, 0).toLatin1());
+        const std::pair<QStringList, QStringList> cases[] = {
+            // "MAC interface"
+            {{"A1 192.168.1.5", "A1 192.168.1.5"}, {"A1 192.168.1.5 lan0 1"}},
+            {{"A1 10.0.0.1", "B2 10.0.0.1", "A1 172.16.3.4"},
+             {"A1 10.0.0.1;172.16.3.4 lan1 1", "B2 10.0.0.1 lan1 1"}},
+            {{"A1 192.168.1.5", "A1 10.0.0.1"}, {"A1 192.168.1.5 lan0 1", "A1 10.0.0.1 lan1 1"}},
+            {{"A1 10.0.0.1", "a1 172.16.3.4"}, {"A1 10.0.0.1 lan1 1", "a1 172.16.3.4 lan1 1"}},
+            {{"A1 9.9.9.9", "A1 8.8.8.8", "A1 127.0.0.1"}, // of no adapter, so nothing is merged
+             {"A1 9.9.9.9 - 1", "A1 8.8.8.8 - 1", "A1 127.0.0.1 - 1"}},
+            {{"A1 10.1"}, {"A1 10.1 - 4"}}, // shorthand is no address
+            {{" 192.168.1.5"}, {}},
+        };
+        for (const auto& [heard, expected] : cases) {
+            m_world.cameras.clear();
+            for (const QString& line : heard) {
+                const QByteArray interface = line.section(' ', 1).toLatin1();
+                const QByteArray mac = line.section(' ', 0, 0).toLatin1();
+                m_world.cameras.push_back(camera("km-1", mac, interface, interface));
+            }
+            DeviceLister lister;
+            lister.discoverAllDevices();
+            QCOMPARE(records(lister), expected);
         }
-        DeviceLister lister;
-        lister.discoverAllDevices();
-        QCOMPARE(records(lister), row.expected);
     }
 
-    void aCameraIsAskedForItsAccessibility_data()
-    {
-        gui::rows<Question>({
-            {"free", 1, "192.168.1.9", "1"},
-            {"free, but not among the reachable", 1, "10.9.9.9", "4"},
-            {"controlled", 2, "192.168.1.9", "2"},
-            {"controlled and not reachable", 2, "10.9.9.9", "2"},
-            {"controlled exclusively", 3, "10.9.9.9", "3"},
-            {"no answer", 4, "192.168.1.9", "4"},
-            {"nothing reported", 0, "192.168.1.9", "0"},
-        });
-    }
     void aCameraIsAskedForItsAccessibility()
     {
-        QFETCH(const Question, row);
-        m_world.cameras = {camera("km-1", "025E41000001", row.address)};
-        m_world.cameras[0].accessibility = row.reported;
-        DeviceLister lister;
-        lister.discoverAllDevices();
-        QCOMPARE(records(lister), QStringList{QString("025E41000001 192.168.1.5 lan0 ") + row.expected});
+        struct Case
+        {
+            int reported;
+            const char* address;
+            QString expected;
+        };
+        for (const auto& [reported, address, expected] :
+             {Case{1, "192.168.1.9", "1"}, Case{1, "10.9.9.9", "4"}, Case{2, "192.168.1.9", "2"},
+              Case{2, "10.9.9.9", "2"}, Case{3, "10.9.9.9", "3"}, Case{4, "192.168.1.9", "4"},
+              Case{0, "192.168.1.9", "0"}}) {
+            m_world.cameras = {camera("km-1", "025E41000001", address)};
+            cam().accessibility = reported;
+            DeviceLister lister;
+            lister.discoverAllDevices();
+            QCOMPARE(records(lister), QStringList{"025E41000001 192.168.1.5 lan0 " + expected});
+        }
     }
 
     void callsComeInOrder()
@@ -121,7 +99,7 @@ private slots:
             DeviceLister lister;
             QCOMPARE(m_world.take(true), QStringList());
             lister.discoverAllDevices(); // nobody there: one enumeration only
-            m_world.cameras = {camera("km-1", "025E41000001", "192.168.1.9")};
+            m_world.cameras = {camera()};
             lister.discoverAllDevices();
         }
         QCOMPARE(m_world.take(true),
@@ -132,7 +110,7 @@ private slots:
 
     void failuresReachTheCaller()
     {
-        m_world.cameras = {camera("km-1", "025E41000001", "192.168.1.9")};
+        m_world.cameras = {camera()};
         m_world.makesTransportLayer = false;
         DeviceLister lister;
         try {
@@ -173,8 +151,7 @@ private slots:
 
     void recordsArePatched()
     {
-        m_world.cameras = {camera("km-1", "025E41000001", "192.168.1.9"),
-                           camera("km-1", "025E41000001", "192.168.1.9", "10.0.0.1"),
+        m_world.cameras = {camera(), camera("km-1", "025E41000001", "192.168.1.9", "10.0.0.1"),
                            camera("km-2", "025E41000002", "192.168.1.10")};
         DeviceLister lister;
         lister.discoverAllDevices();

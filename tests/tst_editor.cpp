@@ -5,43 +5,24 @@
 #include <QRadioButton>
 
 using sdk::camera;
+using sdk::with;
 
 /// What the editor offers, proposes, corrects and accepts while one camera is edited.
 class EditorTest : public gui::GuiTest
 {
     Q_OBJECT
 
-    struct Offer
+    /// Edits one camera in that mode, in bits as the record gives it.
+    void edit(const char* mode, const char* interface = "192.168.1.5")
     {
-        const char* name;
-        int accessibility;
-        const char* mode;
-        int enabled; // how many of the editor's fields
-    };
-    struct Proposal
-    {
-        const char* name;
-        const char* interface;
-        const char* fields;
-    };
-    struct Typed
-    {
-        const char* name;
-        QString typed;
-        QString kept;
-    };
-
-    /// Opens the window with one camera and selects it. Mode in bits, as the record gives it.
-    void edit(const char* mode, const char* interface = "192.168.1.5", int accessibility = 1)
-    {
-        m_world.cameras = {camera("km-1", "025E41000001", "192.168.1.9", interface)};
-        m_world.cameras[0].accessibility = accessibility;
-        change("IpConfigCurrent", mode);
-        openWindow();
-        select("km-1");
-        m_world.take();
+        openOnCamera(
+            with(camera("km-1", "025E41000001", "192.168.1.9", interface), {{"IpConfigCurrent", mode}}));
     }
-    void change(const char* key, const char* value) { sdk::set(m_world.cameras[0], key, value); }
+    void change(const char* key, const char* value)
+    {
+        sdk::set(cam(), key, value);
+        press(QKeySequence("F5"));
+    }
     QStringList enabled()
     {
         QStringList names;
@@ -51,9 +32,7 @@ class EditorTest : public gui::GuiTest
         }
         return names;
     }
-    bool canSave() { return child<QPushButton>("btnWriteConfiguration").isEnabled(); }
     bool isSaveDefault() { return child<QPushButton>("btnWriteConfiguration").isDefault(); }
-    void choose(const char* mode) { QTest::mouseClick(&child<QRadioButton>(mode), Qt::LeftButton); }
     void key(const char* name, Qt::Key key) { QTest::keyClick(&child<QLineEdit>(name), key); }
     /// Address, mask and gateway in the editor.
     QString addresses()
@@ -63,29 +42,32 @@ class EditorTest : public gui::GuiTest
     QString sent() { return m_world.take().value(0); }
 
 private slots:
-    void enablingFollowsAccessibility_data()
-    {
-        gui::rows<Offer>({
-            {"accessible, static", 1, "5", 7},
-            {"accessible, DHCP", 1, "6", 4},
-            {"accessible, Auto IP", 1, "4", 4},
-            {"not reachable", 4, "5", 7},
-            {"unknown", 0, "5", 0},
-            {"controlled", 2, "5", 0},
-            {"controlled exclusively", 3, "5", 0},
-        });
-    }
     void enablingFollowsAccessibility()
     {
-        QFETCH(const Offer, row);
-        edit(row.mode, "192.168.1.5", row.accessibility);
-        QCOMPARE(enabled().size(), row.enabled);
-        QCOMPARE(enabled().filter("edit").size(), row.enabled == 7 ? 4 : row.enabled == 4 ? 1 : 0);
-        QVERIFY(!canSave());
-        QTest::keyClick(&tree(), Qt::Key_Up); // to the adapter
-        QCOMPARE(enabled(), QStringList());
-        QVERIFY(child<QRadioButton>("btnUseAutoIp").isChecked());
-        QCOMPARE(addresses(), "  ");
+        struct Case
+        {
+            int accessibility;
+            const char* mode;
+            int expected; // enabled fields
+        };
+        for (const auto& [accessibility, mode, expected] : {Case{1, "5", 7},
+                                                            {1, "6", 4},
+                                                            {1, "4", 4},
+                                                            {4, "5", 7},
+                                                            {0, "5", 0},
+                                                            {2, "5", 0},
+                                                            {3, "5", 0}}) {
+            sdk::Camera made = with(camera(), {{"IpConfigCurrent", mode}});
+            made.accessibility = accessibility;
+            openOnCamera(made);
+            QCOMPARE(enabled().size(), expected);
+            QCOMPARE(enabled().filter("edit").size(), expected == 7 ? 4 : expected == 4 ? 1 : 0);
+            QVERIFY(!canSave());
+            select("lan0");
+            QCOMPARE(enabled(), QStringList());
+            QVERIFY(child<QRadioButton>("btnUseAutoIp").isChecked());
+            QCOMPARE(addresses(), "  ");
+        }
     }
 
     void theEditorShowsTheCamera()
@@ -94,11 +76,9 @@ private slots:
         QVERIFY(child<QRadioButton>("btnUsePersistentIp").isChecked()); // static before DHCP
         QCOMPARE(addresses(), "192.168.1.9 255.255.255.0 0.0.0.0");
         change("IpConfigCurrent", "6");
-        press(QKeySequence("F5"));
         QVERIFY(child<QRadioButton>("btnUseDhcp").isChecked());
         QCOMPARE(addresses(), "  ");
         change("IpConfigCurrent", "4");
-        press(QKeySequence("F5"));
         QVERIFY(child<QRadioButton>("btnUseAutoIp").isChecked());
     }
 
@@ -113,9 +93,9 @@ private slots:
         QVERIFY(canSave() && isSaveDefault());
         type("editDefaultGateway", "192.168.1.");
         QVERIFY(!canSave());
-        choose("btnUseDhcp"); // what the address fields hold no longer matters
+        clickOn("btnUseDhcp"); // what the address fields hold no longer matters
         QVERIFY(canSave() && isSaveDefault());
-        choose("btnUsePersistentIp");
+        clickOn("btnUsePersistentIp");
         QVERIFY(!canSave());
         type("editDefaultGateway", "");
         QVERIFY(canSave());
@@ -138,32 +118,28 @@ private slots:
         QVERIFY(!canSave());
     }
 
-    void staticModeProposesTheNetwork_data()
-    {
-        gui::rows<Proposal>({
-            {"class C", "192.168.1.5", "192.168.1. 255.255.255.0 "},
-            {"first address of the adapter", "172.16.3.4", "10.0. 255.255.0.0 "},
-            {"no adapter above", "9.9.9.9", "  "},
-        });
-    }
     void staticModeProposesTheNetwork()
     {
-        QFETCH(const Proposal, row);
-        edit("6", row.interface);
-        choose("btnUsePersistentIp");
-        QCOMPARE(addresses(), row.fields);
-        QVERIFY(!canSave());
-        type("editNetmask", "");
-        type("editIpAddress", "10.");
-        choose("btnUseDhcp");
-        choose("btnUsePersistentIp"); // nothing is proposed over what is there
-        QCOMPARE(addresses(), "10.  ");
+        for (const auto& [interface, proposal] :
+             {std::pair{"192.168.1.5", "192.168.1. 255.255.255.0 "},
+              {"10.0.0.1", "172.16. 255.255.240.0 "}, // its adapter's first
+              {"9.9.9.9", "  "}}) {
+            edit("6", interface);
+            clickOn("btnUsePersistentIp");
+            QCOMPARE(addresses(), proposal);
+            QVERIFY(!canSave());
+            type("editNetmask", "");
+            type("editIpAddress", "10.");
+            clickOn("btnUseDhcp");
+            clickOn("btnUsePersistentIp"); // nothing is proposed over what is there
+            QCOMPARE(addresses(), "10.  ");
+        }
     }
 
     void aTypedAddressBringsItsMask()
     {
         edit("6", "9.9.9.9");
-        choose("btnUsePersistentIp");
+        clickOn("btnUsePersistentIp");
         enter("editIpAddress", "10.0.");
         QCOMPARE(addresses(), "10.0.  ");
         enter("editIpAddress", "10.0.0.77");
@@ -182,7 +158,6 @@ private slots:
         key("editIpAddress", Qt::Key_Return);
         QVERIFY(!canSave());
         change("DefaultGateway", "");
-        press(QKeySequence("F5"));
         key("editIpAddress", Qt::Key_Return);
         QVERIFY(canSave() && !isSaveDefault());
         save();
@@ -190,41 +165,36 @@ private slots:
                  "BroadcastIpConfig(025E41000001, true, false, 192.168.1.9, 255.255.255.0, 0.0.0.0, )");
     }
 
-    void theMaskIsNormalised_data()
-    {
-        gui::rows<Typed>({
-            {"length", "24", "255.255.255.0"},
-            {"length with slash", "/20", "255.255.240.0"},
-            {"leading zeros", "255.255.000.000", "255.255.0.0"},
-            {"not contiguous", "255.0.255.0", "255.0.255.0"},
-        });
-    }
     void theMaskIsNormalised()
     {
-        QFETCH(const Typed, row);
         edit("5");
-        enter("editNetmask", row.typed);
-        QCOMPARE(text("editNetmask"), row.kept);
+        for (const auto& [typed, kept] : {std::pair{"24", "255.255.255.0"},
+                                          {"/20", "255.255.240.0"},
+                                          {"255.255.000.000", "255.255.0.0"},
+                                          {"255.0.255.0", "255.0.255.0"}}) {
+            enter("editNetmask", typed);
+            QCOMPARE(text("editNetmask"), kept);
+            QCOMPARE(canSave() && isSaveDefault(), typed != QString("255.0.255.0"));
+        }
+        type("editNetmask", "20");
+        key("editNetmask", Qt::Key_Return);
+        QVERIFY(sent().contains("192.168.1.9, 255.255.240.0"));
     }
 
-    void theNameHasSixteenBytes_data()
-    {
-        gui::rows<Typed>({
-            {"17 letters", "0123456789abcdefg", "0123456789abcdef"},
-            {"18 bytes", "äääääääää", "ääääääää"},
-            {"the letter that still fits", "0123456789abcdeäf", "0123456789abcdef"},
-            {"markup", "<b>&amp;", "<b>&amp;"},
-        });
-    }
     void theNameHasSixteenBytes()
     {
-        QFETCH(const Typed, row);
         edit("5");
-        type("editCustomName", row.typed);
-        QCOMPARE(text("editCustomName"), row.kept);
-        save();
-        QVERIFY(sent().endsWith(", " + row.kept + ')'));
-        QCOMPARE(this->row("km-1").text(1), row.kept);
+        for (const QString typed : {"0123456789abcdefg", "äääääääää", "0123456789abcdeäf", "<b>&amp;"}) {
+            QString kept; // a letter that does not fit is refused, a later one that does is taken
+            for (const QChar letter : typed) {
+                kept += (kept + letter).toUtf8().size() <= 16 ? QString(letter) : QString();
+            }
+            type("editCustomName", typed);
+            QCOMPARE(text("editCustomName"), kept);
+            save();
+            QVERIFY(sent().endsWith(", " + kept + ')'));
+            QCOMPARE(row("km-1").text(1), kept);
+        }
     }
 
     void theOldNameIsNoChange()
@@ -236,6 +206,21 @@ private slots:
         QVERIFY(canSave()); // not judged while the user is still typing
         key("editCustomName", Qt::Key_Tab);
         QVERIFY(!canSave());
+    }
+
+    void tabGoesFromFieldToField()
+    {
+        edit("5");
+        type("editCustomName", "new");
+        tree().setFocus();
+        QStringList visited;
+        for (int i = 0; i < 7; ++i) {
+            QTest::keyClick(m_window->focusWidget(), Qt::Key_Tab);
+            visited << m_window->focusWidget()->objectName();
+        }
+        QCOMPARE(visited,
+                 (QStringList{"btnUsePersistentIp", "editIpAddress", "editNetmask", "editDefaultGateway",
+                              "editCustomName", "btnWriteConfiguration", "btnRefresh"}));
     }
 
     void whatIsTypedIsPutRight()

@@ -14,57 +14,23 @@ class SavingTest : public gui::GuiTest
 {
     Q_OBJECT
 
-    struct Mode
-    {
-        const char* name;
-        const char* before; // in bits
-        const char* button;
-        const char* arguments;
-        const char* traced;
-        const char* after;
-    };
-    struct Edit
-    {
-        const char* name;
-        const char* mode;
-        const char* field; // or button
-        const char* typed;
-        QStringList writes;
-    };
-    struct Failure
-    {
-        const char* name;
-        const char* call; // at which it happens
-        bool isStandard;
-    };
-    struct UnicastFailure
-    {
-        const char* name;
-        std::function<void(SavingTest&)> breakIt;
-        QString address;
-        QString lastCall;
-        QString shown = {};  // before "could not be saved"
-        QString traced = {}; // beginning of the one error line
-    };
-
     inline static const QString notSaved = "|The configuration could not be saved.|Close|Close";
     inline static const QString notFound = gui::report("Failed to discover reconfigured device");
-    inline static const QString nothing = "";
 
-    sdk::Camera& cam() { return m_world.cameras.front(); }
-    /// A window on one camera at 192.168.1.9, selected. Mode in bits.
+    /// Edits one camera in that mode, in bits as the record gives it.
     void edit(const char* mode = "5", bool knowsBroadcast = true)
     {
-        m_world.cameras = {camera("km-1", "025E41000001", "192.168.1.9")};
-        sdk::set(cam(), "IpConfigCurrent", mode);
+        openOnCamera(sdk::with(camera(), {{"IpConfigCurrent", mode}}));
         cam().knowsBroadcast = knowsBroadcast;
-        openWindow();
-        select("km-1");
         m_world.take(true);
-        takeTrace();
     }
-    void choose(const char* mode) { QTest::mouseClick(&child<QRadioButton>(mode), Qt::LeftButton); }
-    bool canSave() { return child<QPushButton>("btnWriteConfiguration").isEnabled(); }
+    /// Edits a camera's name and saves it with Ctrl+S.
+    void saveName(const QString& name)
+    {
+        type("editCustomName", name);
+        save();
+    }
+    QStringList errors() { return takeTrace().filter(QRegularExpression("^error")); }
     /// Makes the nth call of that name fail.
     void failAt(const char* call, int nth = 1, bool isStandard = true)
     {
@@ -84,8 +50,7 @@ private slots:
         edit();
         type("editIpAddress", "192.168.1.20");
         type("editDefaultGateway", "192.168.1.1");
-        type("editCustomName", "belt");
-        save();
+        saveName("belt");
         const QStringList search{"EnumerateDevicesAnySubnet(false)", "EnumerateDevices(false)",
                                  "QueryDeviceAccessibility(025E41000001, 1)"};
         QCOMPARE(m_world.take(true),
@@ -106,27 +71,29 @@ private slots:
         QVERIFY(row("km-1").isSelected() && !canSave());
     }
 
-    void broadcastSendsEverythingInEveryMode_data()
-    {
-        gui::rows<Mode>({
-            {"static to DHCP", "5", "btnUseDhcp", "false, true, 192.168.1.9, 255.255.255.0, 0.0.0.0, ",
-             "DHCP.", "6"},
-            {"static to Auto IP", "5", "btnUseAutoIp", "false, false, 192.168.1.9, 255.255.255.0, 0.0.0.0, ",
-             "AutoIP/LLA.", "4"},
-            {"DHCP to Auto IP", "6", "btnUseAutoIp", "false, false, 0.0.0.0, 0.0.0.0, 0.0.0.0, ",
-             "AutoIP/LLA.", "4"},
-        });
-    }
     void broadcastSendsEverythingInEveryMode()
     {
-        QFETCH(const Mode, row);
-        edit(row.before);
-        choose(row.button);
-        save();
-        QCOMPARE(m_world.take().first(), QString("BroadcastIpConfig(025E41000001, %1)").arg(row.arguments));
-        QCOMPARE(takeTrace().first(),
-                 QString("info Trying broadcast ip config for MAC=025E41000001 setting ") + row.traced);
-        QCOMPARE(sdk::get(cam().record, "IpConfigCurrent"), row.after);
+        struct Case
+        {
+            const char* before;
+            const char* button;
+            QString arguments;
+            QString traced;
+            QString after;
+        };
+        const QString address = "192.168.1.9, 255.255.255.0, 0.0.0.0, ";
+        for (const Case& mode :
+             {Case{"5", "btnUseDhcp", "false, true, " + address, "DHCP.", "6"},
+              Case{"5", "btnUseAutoIp", "false, false, " + address, "AutoIP/LLA.", "4"},
+              Case{"6", "btnUseAutoIp", "false, false, 0.0.0.0, 0.0.0.0, 0.0.0.0, ", "AutoIP/LLA.", "4"}}) {
+            edit(mode.before);
+            clickOn(mode.button);
+            save();
+            QCOMPARE(m_world.take().first(), "BroadcastIpConfig(025E41000001, " + mode.arguments + ')');
+            QCOMPARE(takeTrace().first(),
+                     "info Trying broadcast ip config for MAC=025E41000001 setting " + mode.traced);
+            QCOMPARE(sdk::get(cam().record, "IpConfigCurrent"), mode.after);
+        }
     }
 
     void theCursorWaitsWithTheProgram()
@@ -143,7 +110,7 @@ private slots:
                               .arg(name)
                               .arg(gui::cursorDepth())
                               .arg(isTold ? message->property("text").toString().section(' ', 0, 2)
-                                          : nothing);
+                                          : QString());
             };
         }
         save();
@@ -157,8 +124,7 @@ private slots:
     void aRefusedBroadcastFallsBackToUnicast()
     {
         edit("5", false);
-        type("editCustomName", "  belt ");
-        save();
+        saveName("  belt ");
         QCOMPARE(
             m_world.take(),
             (QStringList{
@@ -170,8 +136,7 @@ private slots:
         QCOMPARE(takeTrace()[1], "warning Failed to change IP configuration via broadcast for "
                                  "MAC=025E41000001. This is not an error. "
                                  "The device may not support broadcast ip configuration.");
-        type("editCustomName", "x");
-        save();
+        saveName("x");
         QCOMPARE(takeDebug().last(), "debug Broadcast Configuration failed! Trying unicast configuration.");
     }
 
@@ -203,27 +168,20 @@ private slots:
         QCOMPARE(m_world.take().count("sleep(2)"), 1);
     }
 
-    void broadcastFailuresAreShown_data()
-    {
-        gui::rows<Failure>({
-            {"command", "BroadcastIpConfig", true},
-            {"command, of no known kind", "BroadcastIpConfig", false},
-            {"restart", "RestartIpConfig", true},
-            {"restart, of no known kind", "RestartIpConfig", false},
-        });
-    }
     void broadcastFailuresAreShown()
     {
-        QFETCH(const Failure, row);
-        edit();
-        type("editCustomName", "belt");
-        failAt(row.call, 1, row.isStandard);
-        m_dialogs.expect(gui::press(Qt::Key_Escape));
-        save(); // the unicast route then does it
-        QCOMPARE(m_dialogs.take(),
-                 QStringList{gui::report(row.isStandard ? "cable" : "Unknown exception occurred")});
-        QVERIFY(m_world.take().contains("Close()"));
-        QCOMPARE(this->row("km-1").text(1), "belt");
+        for (const char* const call : {"BroadcastIpConfig", "RestartIpConfig"}) {
+            for (const bool isStandard : {true, false}) {
+                edit();
+                failAt(call, 1, isStandard);
+                m_dialogs.expect(gui::press(Qt::Key_Escape));
+                saveName("belt"); // the unicast route then does it
+                QCOMPARE(m_dialogs.take(),
+                         QStringList{gui::report(isStandard ? "cable" : "Unknown exception occurred")});
+                QVERIFY(m_world.take().contains("Close()"));
+                QCOMPARE(row("km-1").text(1), "belt");
+            }
+        }
     }
 
     void aFailedWaitIsNotRepeated()
@@ -242,7 +200,7 @@ private slots:
     void withoutAModeNothingIsSent()
     {
         edit();
-        choose("btnUseDhcp");
+        clickOn("btnUseDhcp");
         for (const char* const mode : {"btnUsePersistentIp", "btnUseDhcp", "btnUseAutoIp"}) {
             child<QWidget>(mode).setEnabled(false); // checked, but disabled: not chosen
         }
@@ -250,65 +208,53 @@ private slots:
         save();
         QCOMPARE(m_world.take().last(), "GetNodeMap()");
         QCOMPARE(
-            takeTrace().filter(QRegularExpression("^error")),
+            errors(),
             (QStringList{
                 "error Invalid addresstype for MAC=025E41000001! Don't know which addressing to use.",
                 "error Invalid addresstype for old IP=192.168.1.9! Don't know which addressing to use."}));
         QCOMPARE(m_dialogs.take(), QStringList{notSaved});
     }
 
-    void unicastWritesWhatWasEdited_data()
-    {
-        gui::rows<Edit>({
-            {"name", "5", "editCustomName", "belt", {"GetNode(DeviceUserID)", "SetValue(belt, true)"}},
-            {"to DHCP", "5", "btnUseDhcp", "", {"SetIpConfigMode(false, true)"}},
-            {"to Auto IP", "6", "btnUseAutoIp", "", {"SetIpConfigMode(false, false)"}},
-            {"address",
-             "5",
-             "editIpAddress",
-             "192.168.1.20",
-             {"SetPersistentIp(192.168.1.20, 255.255.255.0, 0.0.0.0)"}},
-            {"mask",
-             "5",
-             "editNetmask",
-             "255.255.0.0",
-             {"SetPersistentIp(192.168.1.9, 255.255.0.0, 0.0.0.0)"}},
-            {"gateway",
-             "5",
-             "editDefaultGateway",
-             "192.168.001.001",
-             {"SetPersistentIp(192.168.1.9, 255.255.255.0, 192.168.1.1)"}},
-            {"no gateway",
-             "5",
-             "editDefaultGateway",
-             "",
-             {"SetPersistentIp(192.168.1.9, 255.255.255.0, 0.0.0.0)"}},
-        });
-    }
     void unicastWritesWhatWasEdited()
     {
-        QFETCH(const Edit, row);
-        edit(row.mode, false);
-        if (QByteArray(row.field).startsWith("btn")) {
-            choose(row.field);
-        } else {
-            type(row.field, row.typed);
+        struct Case
+        {
+            const char* mode;
+            const char* field; // or button
+            const char* typed;
+            QString write;
+        };
+        for (const Case& that :
+             {Case{"5", "editCustomName", "belt", "SetValue(belt, true)"},
+              Case{"5", "btnUseDhcp", "", "SetIpConfigMode(false, true)"},
+              Case{"6", "btnUseAutoIp", "", "SetIpConfigMode(false, false)"},
+              Case{"5", "editIpAddress", "192.168.1.20",
+                   "SetPersistentIp(192.168.1.20, 255.255.255.0, 0.0.0.0)"},
+              Case{"5", "editNetmask", "255.255.0.0", "SetPersistentIp(192.168.1.9, 255.255.0.0, 0.0.0.0)"},
+              Case{"5", "editDefaultGateway", "192.168.001.001",
+                   "SetPersistentIp(192.168.1.9, 255.255.255.0, 192.168.1.1)"},
+              Case{"5", "editDefaultGateway", "", "SetPersistentIp(192.168.1.9, 255.255.255.0, 0.0.0.0)"}}) {
+            edit(that.mode, false);
+            if (QString(that.field).startsWith("btn")) {
+                clickOn(that.field);
+            } else {
+                type(that.field, that.typed);
+            }
+            save();
+            const QStringList calls = m_world.take();
+            QCOMPARE(calls.filter("Set"), QStringList{that.write});
+            QCOMPARE(calls.last(4), (QStringList{"Close()", "RestartIpConfig(025E41000001)", "sleep(2)",
+                                                 "DestroyDevice()"}));
+            QVERIFY(!canSave());
         }
-        save();
-        const QStringList calls = m_world.take();
-        QCOMPARE(calls.mid(calls.indexOf("GetNodeMap()") + 1),
-                 (row.writes +
-                  QStringList{"Close()", "RestartIpConfig(025E41000001)", "sleep(2)", "DestroyDevice()"}));
-        QVERIFY(!canSave());
     }
 
     void unicastTellsEachStep()
     {
         edit("6", false);
-        choose("btnUsePersistentIp");
+        clickOn("btnUsePersistentIp");
         type("editIpAddress", "192.168.1.20");
-        type("editCustomName", "belt");
-        save();
+        saveName("belt");
         QStringList expected{
             "Trying open device with old IP=192.168.1.9 to change IP configuration via unicast.",
             "Successfully opened device with old IP=192.168.1.9; Netmask=255.255.255.0; Gateway=0.0.0.0; "
@@ -327,59 +273,62 @@ private slots:
                               "SetPersistentIp(192.168.1.20, 255.255.255.0, 0.0.0.0)"}));
     }
 
-    void unicastFailuresKeepTheEdits_data()
-    {
-        const QString fine = "192.168.1.20";
-        const QString nameFailed = "Could not update DeviceUserID.";
-        const QString nameTraced =
-            "error Error setting DeviceUserID of device with old IP=192.168.1.9. Err='";
-        const QString forbidden =
-            "Invalid IP address. IP addresses 224.0.0.0 to 255.255.255.255 and 127.0.0.1 are not allowed.";
-        const QString mode = "SetIpConfigMode(true, false)";
-        using Self = SavingTest&;
-        gui::rows<UnicastFailure>({
-            {"no node map", [](Self test) { test.cam().hasNodeMap = false; }, fine, "GetNodeMap()"},
-            {"no name", [](Self test) { test.cam().userId = sdk::UserIdNode::Missing; }, fine,
-             "GetNode(DeviceUserID)", nameFailed, nameTraced},
-            {"name is no text", [](Self test) { test.cam().userId = sdk::UserIdNode::OtherKind; }, fine,
-             "GetNode(DeviceUserID)", nameFailed, nameTraced},
-            {"name refused", [](Self test) { test.failAt("SetValue"); }, fine, "SetValue(belt, true)",
-             nameFailed, nameTraced + "cable'"},
-            {"mode refused", [](Self test) { test.failAt("SetIpConfigMode"); }, fine, mode, "cable"},
-            {"loopback", [](Self) {}, "127.0.0.1", mode, forbidden,
-             "error Invalid new IP address '127.0.0.1' for device with old IP=192.168.1.9!"},
-            {"multicast", [](Self) {}, "224.0.0.1", mode, forbidden,
-             "error Invalid new IP address '224.0.0.1' for device with old IP=192.168.1.9!"},
-            {"address refused, of no known kind", [](Self test) { test.failAt("SetPersistentIp", 1, false); },
-             fine, "SetPersistentIp(192.168.1.20, 255.255.255.0, 0.0.0.0)", "Unknown exception occurred"},
-        });
-    }
     void unicastFailuresKeepTheEdits()
     {
-        QFETCH(const UnicastFailure, row);
-        edit("6", false);
-        row.breakIt(*this);
-        choose("btnUsePersistentIp");
-        type("editIpAddress", row.address);
-        type("editCustomName", "belt");
-        QStringList expected{notSaved};
-        if (!row.shown.isEmpty()) {
-            expected.prepend(gui::report(row.shown));
-            m_dialogs.expect(gui::press(Qt::Key_Escape));
+        struct Case
+        {
+            std::function<void()> breakIt;
+            QString address;
+            QString lastCall;
+            QString shown = {};  // before "could not be saved"
+            QString traced = {}; // pattern of the one error line
+        };
+        const QString fine = "192.168.1.20";
+        const QString nameFailed = "Could not update DeviceUserID.";
+        const QString nameTraced = "error Error setting DeviceUserID of device with old IP=192.168.1.9. "
+                                   "Err='.*NULL pointer dereferenced.*'";
+        const QString notAllowed =
+            "Invalid IP address. IP addresses 224.0.0.0 to 255.255.255.255 and 127.0.0.1 are not allowed.";
+        const QString notAllowedTraced =
+            "error Invalid new IP address '%1' for device with old IP=192.168.1.9!";
+        const QString mode = "SetIpConfigMode(true, false)";
+        for (const Case& that : {
+                 Case{[&] { cam().hasNodeMap = false; }, fine, "GetNodeMap()"},
+                 Case{[&] { cam().userId = sdk::UserIdNode::Missing; }, fine, "GetNode(DeviceUserID)",
+                      nameFailed, nameTraced},
+                 Case{[&] { cam().userId = sdk::UserIdNode::OtherKind; }, fine, "GetNode(DeviceUserID)",
+                      nameFailed, nameTraced},
+                 Case{[&] { failAt("SetValue"); }, fine, "SetValue(belt, true)", nameFailed, ".*Err='cable'"},
+                 Case{[&] { failAt("SetIpConfigMode"); }, fine, mode, "cable"},
+                 Case{[] {}, "127.0.0.1", mode, notAllowed, notAllowedTraced.arg("127.0.0.1")},
+                 Case{[] {}, "224.0.0.1", mode, notAllowed, notAllowedTraced.arg("224.0.0.1")},
+                 Case{[&] { failAt("SetPersistentIp", 1, false); }, fine,
+                      "SetPersistentIp(192.168.1.20, 255.255.255.0, 0.0.0.0)", "Unknown exception occurred"},
+             }) {
+            m_world.at.clear();
+            edit("6", false);
+            that.breakIt();
+            clickOn("btnUsePersistentIp");
+            type("editIpAddress", that.address);
+            QStringList expected{notSaved};
+            if (!that.shown.isEmpty()) {
+                expected.prepend(gui::report(that.shown));
+                m_dialogs.expect(gui::press(Qt::Key_Escape));
+            }
+            m_dialogs.expect(gui::click(QMessageBox::Close));
+            saveName("belt");
+            QCOMPARE(m_dialogs.take(), expected);
+            QCOMPARE(m_world.take().last(), that.lastCall); // neither closed nor restarted
+            const QString traced = errors().join('\n');
+            const QRegularExpression pattern(QRegularExpression::anchoredPattern(that.traced));
+            QVERIFY2(pattern.match(traced).hasMatch(), qPrintable(traced));
+            QCOMPARE(text("editIpAddress") + ' ' + text("editCustomName"), that.address + " belt");
+            QVERIFY(canSave());
+            m_dialogs.expect(gui::click(QMessageBox::No));
+            select("lan0"); // only now is the camera let go
+            QCOMPARE(m_world.take(), QStringList{"Close()"});
+            m_dialogs.take();
         }
-        m_dialogs.expect(gui::click(QMessageBox::Close));
-        save();
-        QCOMPARE(m_dialogs.take(), expected);
-        QCOMPARE(m_world.take().last(), row.lastCall); // neither closed nor restarted
-        const QStringList errors = takeTrace().filter(QRegularExpression("^error"));
-        QCOMPARE(errors.size(), row.traced.isEmpty() ? 0 : 1);
-        QCOMPARE(errors.join("").left(row.traced.size()), row.traced);
-        QCOMPARE(errors.join("").contains("NULL pointer dereferenced"), row.lastCall.startsWith("GetNode(D"));
-        QCOMPARE(text("editIpAddress") + ' ' + text("editCustomName"), row.address + " belt");
-        QVERIFY(canSave());
-        m_dialogs.expect(gui::click(QMessageBox::No));
-        select("lan0"); // only now is the camera let go
-        QCOMPARE(m_world.take(), QStringList{"Close()"});
     }
 
     void aCameraThatCannotBeClosedIsStillRestarted()
@@ -388,7 +337,7 @@ private slots:
         type("editCustomName", "belt");
         m_world.at["Close"] = [] { throw GenICam::RuntimeException("stuck", "device.cpp", 7); };
         save();
-        QCOMPARE(takeDebug().filter("warning"),
+        QCOMPARE(takeDebug().filter(QRegularExpression("^warning (Failed|close)")),
                  (QStringList{"warning Failed to close device",
                               "warning closeDevice :  Exception occurred:\n stuck \n device.cpp : 7 \n"}));
         QVERIFY(m_world.take().contains("RestartIpConfig(025E41000001)"));

@@ -36,14 +36,6 @@ public slots:
     void keepUrl(const QUrl& url) { m_urls << url; }
 
 private:
-    struct Geometry
-    {
-        const char* name;
-        QVariant pos;
-        QVariant size;
-        bool isRestored;
-    };
-
     QStringList menu(const char* name)
     {
         QStringList entries;
@@ -112,34 +104,38 @@ private slots:
         QCOMPARE(m_urls, QList<QUrl>());
     }
 
-    void geometryIsRestoredWhereItCanBeSeen_data()
-    {
-        const QSize size(760, 600);
-        gui::rows<Geometry>({
-            // The platform's one screen goes from 0, 0 to 799, 799.
-            {"inside", QPoint(20, 30), size, true},
-            {"last column on screen", QPoint(-751, 30), size, true},
-            {"just left of the screen", QPoint(-752, 30), size, false},
-            {"last row on screen", QPoint(20, 815), size, true},
-            {"just below the screen", QPoint(20, 816), size, false},
-            {"on a screen that is gone", QPoint(3000, 30), size, false},
-            {"no position", {}, size, false},
-            {"no size", QPoint(20, 30), {}, false},
-        });
-    }
     void geometryIsRestoredWhereItCanBeSeen()
     {
-        QFETCH(const Geometry, row);
+        struct Case
+        {
+            QVariant pos;
+            QVariant size;
+            bool isRestored;
+        };
+        const QSize size(760, 600);
         const MainWnd first;
-        if (row.pos.isValid()) {
-            QSettings().setValue("MainWindow/pos", row.pos);
+        for (const auto& [pos, saved, isRestored] : {
+                 // The platform's one screen goes from 0, 0 to 799, 799.
+                 Case{QPoint(20, 30), size, true},
+                 Case{QPoint(-751, 30), size, true}, // shows its last column
+                 Case{QPoint(-752, 30), size, false},
+                 Case{QPoint(20, 815), size, true}, // its first row
+                 Case{QPoint(20, 816), size, false},
+                 Case{QPoint(3000, 30), size, false},
+                 Case{{}, size, false},
+                 Case{QPoint(20, 30), {}, false},
+             }) {
+            QSettings settings;
+            settings.clear();
+            for (const auto& [key, value] : {std::pair{"MainWindow/pos", pos}, {"MainWindow/size", saved}}) {
+                if (value.isValid()) {
+                    settings.setValue(key, value);
+                }
+            }
+            const MainWnd window;
+            QCOMPARE(window.size(), isRestored ? size : first.size());
+            QCOMPARE(window.pos(), isRestored ? pos.toPoint() : first.pos());
         }
-        if (row.size.isValid()) {
-            QSettings().setValue("MainWindow/size", row.size);
-        }
-        const MainWnd window;
-        QCOMPARE(window.size(), row.isRestored ? row.size.toSize() : first.size());
-        QCOMPARE(window.pos(), row.isRestored ? row.pos.toPoint() : first.pos());
     }
 
     void geometryIsStoredAtClosing()
@@ -161,7 +157,7 @@ private slots:
         QCOMPARE(takeDebug().filter("could not be stored in /proc/nowhere").size(), 1);
     }
 
-    void aboutTellsTheVersion()
+    void aboutAndFeedback()
     {
         openWindow();
         QStringList said;
@@ -174,6 +170,8 @@ private slots:
         trigger("actionAbout");
         QVERIFY2(said.contains("Version 4.0.0.62 64-Bit"), qPrintable(said.join('\n')));
         QCOMPARE(said.filter(QRegularExpression("20\\d\\d-20\\d\\d")).size(), 1);
+        trigger("actionFeedback");
+        QVERIFY(m_urls.takeFirst().host().endsWith("orvik.example"));
     }
 
     void supportIsOfferedByMail()
@@ -232,14 +230,6 @@ private slots:
         QCOMPARE(m_dialogs.take().last(),
                  "Contact Orvik Support|E-Mail information copied to clipboard successfully.|OK|OK");
         QCOMPARE(m_urls, QList<QUrl>());
-    }
-
-    void feedbackOpensTheMakersPage()
-    {
-        openWindow();
-        trigger("actionFeedback");
-        QCOMPARE(m_urls.size(), 1);
-        QVERIFY(m_urls.takeFirst().host().endsWith("orvik.example"));
     }
 };
 

@@ -1,239 +1,36 @@
 #include "support/gui.h"
 
-#include <QAbstractButton>
-#include <QApplication>
-#include <QKeyEvent>
-#include <QLineEdit>
-#include <QMenu>
 #include <QPushButton>
-#include <QSettings>
-#include <QTemporaryDir>
-
-#include <cstdio>
-#include <stdexcept>
 
 namespace gui {
-
-namespace {
-
-QString describe(QWidget& shown)
-{
-    QStringList parts{shown.windowTitle()};
-    if (const auto* const box = qobject_cast<QMessageBox*>(&shown)) {
-        QStringList buttons;
-        for (const QAbstractButton* const button : box->buttons()) {
-            buttons << button->text().remove('&');
-        }
-        buttons.sort();
-        const QAbstractButton* const standard = box->defaultButton();
-        parts << box->text() << buttons.join(',') << (standard ? standard->text().remove('&') : QString());
-    }
-    if (const int depth = cursorDepth(); depth > 0) {
-        parts << "wait cursor " + QString::number(depth);
-    }
-    return parts.join('|');
-}
-
-} // namespace
-
-int cursorDepth()
-{
-    QList<QCursor> stack;
-    for (; QGuiApplication::overrideCursor() != nullptr; QGuiApplication::restoreOverrideCursor()) {
-        stack.prepend(*QGuiApplication::overrideCursor());
-    }
-    for (const QCursor& cursor : stack) {
-        QGuiApplication::setOverrideCursor(cursor);
-    }
-    return static_cast<int>(stack.size());
-}
-
-void type(QWidget& parent, const char* name, const QString& text)
-{
-    auto& edit = child<QLineEdit>(parent, name);
-    QTest::mouseClick(&edit, Qt::LeftButton);
-    QTest::keySequence(&edit, QKeySequence::SelectAll);
-    QTest::keyClick(&edit, Qt::Key_Delete);
-    for (const QChar character : text) { // QTest's own keys end with ASCII
-        QKeyEvent key(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, QString(character));
-        QApplication::sendEvent(&edit, &key);
-    }
-}
-
-Answer press(Qt::Key key)
-{
-    return [key](QWidget& shown) { QTest::keyClick(&shown, key); };
-}
-
-Answer click(QMessageBox::StandardButton button)
-{
-    return [button](QWidget& shown) {
-        auto* const box = qobject_cast<QMessageBox*>(&shown);
-        if (box == nullptr || box->button(button) == nullptr) {
-            qFatal("no box with that button: %s", qPrintable(describe(shown)));
-        }
-        QTest::mouseClick(box->button(button), Qt::LeftButton);
-    };
-}
-
-Answer fill(const QList<std::pair<const char*, QString>>& fields)
-{
-    return [fields](QWidget& shown) {
-        for (const auto& [name, text] : fields) {
-            type(shown, name, text);
-        }
-        QTest::keyClick(&shown, Qt::Key_Return);
-    };
-}
-
-bool Dialogs::eventFilter(QObject* watched, QEvent* event)
-{
-    if (event->type() == QEvent::Show &&
-        (qobject_cast<QDialog*>(watched) != nullptr || qobject_cast<QMenu*>(watched) != nullptr)) {
-        auto* const shown = static_cast<QWidget*>(watched);
-        m_shown << describe(*shown);
-        QMetaObject::invokeMethod(
-            shown, [this, shown] { answer(*shown); }, Qt::QueuedConnection);
-    }
-    return false;
-}
-
-void Dialogs::answer(QWidget& shown)
-{
-    if (m_answers.isEmpty()) {
-        m_failures << "unexpected: " + describe(shown);
-        shown.close();
-    } else {
-        m_answers.takeFirst()(shown);
-    }
-}
-
-QString Dialogs::takeFailures()
-{
-    for (; !m_answers.isEmpty(); m_answers.removeFirst()) {
-        m_failures << "a dialog did not come";
-    }
-    return std::exchange(m_failures, {}).join('\n');
-}
 
 void GuiTest::connectAdapters()
 {
     m_adapters.push_back(
         std::make_unique<GuiAdapter>("lan0", QStringList{"192.168.1.5/24"}, "02:00:00:00:01:05"));
-    m_adapters.push_back(std::make_unique<GuiAdapter>("lan1", QStringList{"10.0.0.1/16", "172.16.3.4/20"},
+    m_adapters.push_back(std::make_unique<GuiAdapter>("lan1", QStringList{"172.16.3.4/20", "10.0.0.1/16"},
                                                       "02:00:00:00:00:01"));
-}
-
-void GuiTest::initTestCase()
-{
-    connectAdapters();
-    qApp->installEventFilter(&m_dialogs);
 }
 
 void GuiTest::init()
 {
     m_world = {};
-    m_messages.emplace();
-    QSettings().clear();
+    WindowTest::init();
 }
 
-void GuiTest::cleanup()
+void GuiTest::openOnCamera(const sdk::Camera& camera)
 {
     m_window.reset();
-    m_dialogs.take();
-    QCOMPARE(m_dialogs.takeFailures(), QString());
-    QCOMPARE(cursorDepth(), 0);
-    m_messages.reset();
+    m_world.cameras = {camera};
+    openWindow();
+    select("km-1");
+    m_world.take();
+    takeTrace();
 }
 
-void GuiTest::openWindow()
+bool GuiTest::canSave()
 {
-    m_window = std::make_unique<MainWnd>();
-    m_window->show();
-    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
-}
-
-QStringList GuiTest::rows()
-{
-    QStringList lines;
-    for (QTreeWidgetItemIterator item(&tree()); *item != nullptr; ++item) {
-        QStringList columns;
-        for (int column = 0; column < tree().columnCount(); ++column) {
-            columns << (*item)->text(column);
-        }
-        const bool isAdapter = (*item)->data(0, Qt::UserRole).toInt() == 1;
-        lines << ((*item)->parent() != nullptr ? "  " : "") + (isAdapter ? columns[0] : columns.join('|'));
-    }
-    return lines;
-}
-
-QTreeWidgetItem& GuiTest::row(const QString& text)
-{
-    for (QTreeWidgetItemIterator item(&tree()); *item != nullptr; ++item) {
-        if ((*item)->text(0) == text || (*item)->text(3) == text) {
-            return **item;
-        }
-    }
-    qFatal("there is no row %s", qPrintable(text));
-}
-
-void GuiTest::select(QTreeWidgetItem& item)
-{
-    const QRect place = tree().visualItemRect(&item);
-    QTest::mouseClick(tree().viewport(), Qt::LeftButton, {}, place.center());
-}
-
-void GuiTest::press(const QKeySequence& keys)
-{
-    m_window->activateWindow(); // a dialog may have been the active one
-    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
-    QTest::keySequence(m_window.get(), keys);
-}
-
-void GuiTest::save()
-{
-    press(QKeySequence("Ctrl+S"));
-    QTRY_VERIFY(!child<QPushButton>("btnWriteConfiguration").isDown());
-}
-
-void GuiTest::enter(const char* name, const QString& text)
-{
-    type(name, text);
-    QTest::keyClick(&child<QLineEdit>(name), Qt::Key_Tab);
-}
-
-QString GuiTest::text(const char* name)
-{
-    return child<QWidget>(name).property("text").toString();
-}
-
-QStringList GuiTest::takeTrace(const QString& category)
-{
-    static const char* const levels[] = {"debug", "warning", "error", "fatal", "info"};
-    QStringList lines;
-    for (const TraceCapture::Line& line : m_messages->lines(category)) {
-        if (!line.text.contains("propagateSizeHints")) { // the offscreen platform says so of every window
-            lines << QString::fromLatin1(levels[line.level]) + ' ' + line.text;
-        }
-    }
-    m_messages->clear();
-    return lines;
-}
-
-int run(GuiTest& test, int argc, char** argv)
-{
-    try {
-        const GuiAdapter probe("lan0", {}, "02:00:00:00:01:05");
-    } catch (const std::runtime_error& error) {
-        std::fprintf(stderr, "%s\n", error.what());
-        return 77;
-    }
-    QCoreApplication::setApplicationName("Tessal Lanvic");
-    QCoreApplication::setOrganizationName("Orvik");
-    const QTemporaryDir settings;
-    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
-    const QApplication application(argc, argv);
-    return QTest::qExec(&test, argc, argv);
+    return child<QPushButton>("btnWriteConfiguration").isEnabled();
 }
 
 } // namespace gui

@@ -1,135 +1,38 @@
 #pragma once
 
-#include "Lanvic/MainWnd.h"
 #include "support/guiadapter.h"
 #include "support/scriptedsdk.h"
-#include "support/trace.h"
+#include "support/window.h"
 
-#include <QMessageBox>
-#include <QTest>
-#include <QTreeWidget>
-
-#include <functional>
 #include <memory>
-#include <optional>
+#include <vector>
 
 namespace gui {
 
-/// How many override cursors are set.
-[[nodiscard]] int cursorDepth();
-
-/// The child of that object name; ends the test program when there is none.
-template <typename T>
-T& child(QWidget& parent, const char* name)
-{
-    T* const found = parent.findChild<T*>(name);
-    if (found == nullptr) {
-        qFatal("there is no %s", name);
-    }
-    return *found;
-}
-
-/// Replaces the text of a line edit by keys, as a user would.
-void type(QWidget& parent, const char* name, const QString& text);
-
-/// Fills the table of a test with rows that have a `name`; the test fetches each as "row".
-template <typename Row>
-void rows(std::initializer_list<Row> table)
-{
-    QTest::addColumn<Row>("row");
-    for (const Row& row : table) {
-        QTest::newRow(row.name) << row;
-    }
-}
-
-/// What a user does with a dialog or menu that came up.
-using Answer = std::function<void(QWidget&)>;
-[[nodiscard]] Answer press(Qt::Key key);
-[[nodiscard]] Answer click(QMessageBox::StandardButton button);
-/// Types into fields, by object name, and confirms with Enter.
-[[nodiscard]] Answer fill(const QList<std::pair<const char*, QString>>& fields);
-
-/// Answers modal dialogs and menus in the order given. One that nobody expected is dismissed and fails the
-/// test, as does an answer to which no dialog came.
-class Dialogs : public QObject
-{
-public:
-    void expect(Answer answer) { m_answers << std::move(answer); }
-    /// What came up since the last call: "title|text|buttons|default button", with "|wait cursor N" behind it
-    /// when N cursors were set at that moment.
-    QStringList take() { return std::exchange(m_shown, {}); }
-    /// Empty, or what went otherwise than expected since the last call.
-    QString takeFailures();
-
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
-
-private:
-    void answer(QWidget& shown);
-
-    QList<Answer> m_answers;
-    QStringList m_shown;
-    QStringList m_failures;
-};
-
-/// Base of the tests of the window: two adapters, an empty world, private settings, one window at a time.
-/// lan0 has 192.168.1.5/24; lan1 has 10.0.0.1/16 and 172.16.3.4/20.
-class GuiTest : public QObject
+/// Base of the tests of the window against the scripted SDK: an empty world and two adapters. lan0 has
+/// 192.168.1.5/24; lan1 has 172.16.3.4/20 and 10.0.0.1/16.
+class GuiTest : public WindowTest
 {
     Q_OBJECT
 
 protected:
-    void openWindow();
     void connectAdapters();
     void disconnectAdapters() { m_adapters.clear(); }
-
-    template <typename T>
-    T& child(const char* name)
-    {
-        return gui::child<T>(*m_window, name);
-    }
-    QTreeWidget& tree() { return child<QTreeWidget>("treeWidget"); }
-    /// Every row in order: an adapter by its name, a camera by its columns joined with "|".
-    QStringList rows();
-    /// The row with that text in its first column, or in its MAC column.
-    QTreeWidgetItem& row(const QString& text);
-    void select(QTreeWidgetItem& item);
-    void select(const QString& text) { select(row(text)); }
-    void type(const char* name, const QString& text) { gui::type(*m_window, name, text); }
-    /// Types and leaves the field by Tab.
-    void enter(const char* name, const QString& text);
-    QString text(const char* name);
-    void press(const QKeySequence& keys);
-    /// Saves by Ctrl+S. The button shows for a moment that it was pressed before it acts.
-    void save();
-
-    /// What was written to the trace log, or to Qt's debug output, since the last call: "level text".
-    QStringList takeTrace(const QString& category = "Lanvic.Base");
-    QStringList takeDebug() { return takeTrace("default"); }
+    /// The world's one or first camera, which the tests of a save are about.
+    sdk::Camera& cam() { return m_world.cameras.front(); }
+    /// Opens the window on one camera, the "km-1" with MAC 025E41000001 at 192.168.1.9, and selects it.
+    void openOnCamera(const sdk::Camera& camera);
+    bool canSave();
+    void clickOn(const char* name) { QTest::mouseClick(&child<QWidget>(name), Qt::LeftButton); }
 
     sdk::World& m_world = sdk::world();
-    Dialogs m_dialogs;
-    std::unique_ptr<MainWnd> m_window;
 
 protected slots:
-    void initTestCase();
-
-private slots:
+    void initTestCase() { connectAdapters(); }
     void init();
-    void cleanup();
 
 private:
     std::vector<std::unique_ptr<GuiAdapter>> m_adapters;
-    std::optional<TraceCapture> m_messages;
 };
-
-/// The line of showException() and its kin among the dialogs shown.
-[[nodiscard]] inline QString report(const QString& text)
-{
-    return "Tessal Lanvic|" + text + "|OK,Show Details...|";
-}
-
-/// Prepares the process and runs the test; 77 where the host grants no adapters of our own.
-[[nodiscard]] int run(GuiTest& test, int argc, char** argv);
 
 } // namespace gui

@@ -19,6 +19,12 @@ QString text(bool value)
     return value ? QStringLiteral("true") : QStringLiteral("false");
 }
 
+template <typename... Arguments>
+void note(const char* name, const Arguments&... arguments)
+{
+    call(name, {text(arguments)...});
+}
+
 bool isReachable(const Camera& camera)
 {
     GenICam::gcstring interface;
@@ -85,7 +91,7 @@ public:
     GenICam::gcstring GetName() const override { return "DeviceUserID"; }
     void SetValue(const GenICam::gcstring& value, bool verify) override
     {
-        call("SetValue", {text(value), text(verify)});
+        note("SetValue", value, verify);
         forMac(m_mac, [&](Camera& camera) { set(camera, Tessal::Key::UserDefinedName, value); });
     }
     GenICam::gcstring GetValue(bool) override { return {}; }
@@ -108,7 +114,7 @@ public:
 
     GenApi::INode* GetNode(const GenICam::gcstring& name) const override
     {
-        call("GetNode", {text(name)});
+        note("GetNode", name);
         if (name == "DeviceUserID" && m_kind == UserIdNode::Text) {
             return &m_text;
         }
@@ -185,13 +191,13 @@ public:
 
     void SetIpConfigMode(bool persistent, bool dhcp) override
     {
-        call("SetIpConfigMode", {text(persistent), text(dhcp)});
+        note("SetIpConfigMode", persistent, dhcp);
         forMac(m_record.GetMacAddress(), [&](Camera& camera) { storeMode(camera, persistent, dhcp); });
     }
     void SetPersistentIp(const GenICam::gcstring& ip, const GenICam::gcstring& mask,
                          const GenICam::gcstring& gateway) override
     {
-        call("SetPersistentIp", {text(ip), text(mask), text(gateway)});
+        note("SetPersistentIp", ip, mask, gateway);
         forMac(m_record.GetMacAddress(), [&](Camera& camera) { storeAddress(camera, ip, mask, gateway); });
     }
 };
@@ -201,12 +207,12 @@ class TransportLayer final : public Tessal::IGigETransportLayer
 public:
     int EnumerateDevicesAnySubnet(Tessal::DeviceInfoList& list, bool append) override
     {
-        call("EnumerateDevicesAnySubnet", {text(append)});
+        note("EnumerateDevicesAnySubnet", append);
         return enumerate(list, [](const Camera& camera) { return !camera.silent; });
     }
     int EnumerateDevices(Tessal::DeviceInfoList& list, bool append) override
     {
-        call("EnumerateDevices", {text(append)});
+        note("EnumerateDevices", append);
         return enumerate(list, isReachable);
     }
     bool QueryDeviceAccessibility(const Tessal::CDeviceInfo& info, const Tessal::AccessModeSet& modes,
@@ -226,7 +232,7 @@ public:
     Tessal::ITessalDevice* CreateDevice(const Tessal::CDeviceInfo& info) override
     {
         const Tessal::COrvikGigEDeviceInfo record(info);
-        call("CreateDevice", {text(record.GetIpAddress())});
+        note("CreateDevice", record.GetIpAddress());
         const auto found = std::ranges::find_if(world().cameras, [&](const Camera& camera) {
             return camera.record.GetIpAddress() == record.GetIpAddress();
         });
@@ -249,20 +255,19 @@ public:
     void ForceIp(const GenICam::gcstring& mac, const GenICam::gcstring& ip, const GenICam::gcstring& mask,
                  const GenICam::gcstring& gateway) override
     {
-        call("ForceIp", {text(mac), text(ip), text(mask), text(gateway)});
+        note("ForceIp", mac, ip, mask, gateway);
         forMac(mac, [&](Camera& camera) { move(camera, ip.c_str(), mask.c_str(), gateway.c_str()); });
     }
     void RestartIpConfig(const GenICam::gcstring& mac) override
     {
-        call("RestartIpConfig", {text(mac)});
+        note("RestartIpConfig", mac);
         forMac(mac, restart);
     }
     bool BroadcastIpConfig(const GenICam::gcstring& mac, bool persistent, bool dhcp,
                            const GenICam::gcstring& ip, const GenICam::gcstring& mask,
                            const GenICam::gcstring& gateway, const GenICam::gcstring& name) override
     {
-        call("BroadcastIpConfig",
-             {text(mac), text(persistent), text(dhcp), text(ip), text(mask), text(gateway), text(name)});
+        note("BroadcastIpConfig", mac, persistent, dhcp, ip, mask, gateway, name);
         bool taken = false;
         forMac(mac, [&](Camera& camera) {
             if (!camera.knowsBroadcast) {
@@ -334,19 +339,26 @@ QString get(const Tessal::IProperties& record, const char* key)
     return text(value);
 }
 
+Camera with(Camera camera, std::initializer_list<std::pair<const char*, const char*>> properties)
+{
+    for (const auto& [key, value] : properties) {
+        set(camera, key, value);
+    }
+    return camera;
+}
+
 Camera camera(const char* model, const char* mac, const char* ip, const char* interface)
 {
-    Camera made;
-    const std::pair<const char*, const char*> properties[] = {
-        {Tessal::Key::DeviceClass, "OrvikGigE"}, {Tessal::Key::VendorName, "Orvik"},
-        {Tessal::Key::ModelName, model},         {Tessal::Key::MacAddress, mac},
-        {Tessal::Key::SerialNumber, mac + 6},    {Tessal::Key::FriendlyName, model},
-        {Tessal::Key::Interface, interface},     {Tessal::Key::PortNr, "3956"},
-        {Tessal::Key::UserDefinedName, ""},      {Tessal::Key::IpConfigCurrent, "5"},
-    };
-    for (const auto& [key, value] : properties) {
-        set(made, key, value);
-    }
+    Camera made = with({}, {{Tessal::Key::DeviceClass, "OrvikGigE"},
+                            {Tessal::Key::VendorName, "Orvik"},
+                            {Tessal::Key::ModelName, model},
+                            {Tessal::Key::MacAddress, mac},
+                            {Tessal::Key::SerialNumber, "000001"},
+                            {Tessal::Key::FriendlyName, model},
+                            {Tessal::Key::Interface, interface},
+                            {Tessal::Key::PortNr, "3956"},
+                            {Tessal::Key::UserDefinedName, ""},
+                            {Tessal::Key::IpConfigCurrent, "5"}});
     move(made, ip, "255.255.255.0", "0.0.0.0");
     storeMode(made, true, false);
     storeAddress(made, ip, "255.255.255.0", "0.0.0.0");

@@ -6,8 +6,10 @@
 #include <QStringList>
 
 #include <functional>
+#include <initializer_list>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 /// The camera SDK as a play: cameras in memory that obey, refuse and restart like real ones, and a journal of
@@ -33,9 +35,12 @@ struct Camera
     std::string persistent[3]; // address, mask, gateway
 };
 
-/// A camera with that model, MAC and static address, heard by the host address `interface`.
-[[nodiscard]] Camera camera(const char* model, const char* mac, const char* ip,
-                            const char* interface = "192.168.1.5");
+/// A camera in static mode with that model, MAC and address, heard by the host address `interface`.
+[[nodiscard]] Camera camera(const char* model = "km-1", const char* mac = "025E41000001",
+                            const char* ip = "192.168.1.9", const char* interface = "192.168.1.5");
+/// The same with other properties.
+[[nodiscard]] Camera with(Camera camera,
+                          std::initializer_list<std::pair<const char*, const char*>> properties);
 void set(Camera& camera, const char* key, const char* value);
 /// The property, or "-" when the record lacks it.
 [[nodiscard]] QString get(const Tessal::IProperties& record, const char* key);
