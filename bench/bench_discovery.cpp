@@ -20,19 +20,13 @@ namespace {
 constexpr int Repetitions = 9; // odd, so that the median is one of them
 constexpr std::chrono::milliseconds PlainListening{1000};
 
-// The kernel knows at most 1024 neighbours (net.ipv4.neigh.default.gc_thresh3), in all namespaces together,
-// and silently sends nothing new for some seconds once a search has filled that table.
-constexpr std::size_t NeighbourTableSize = 1024;
-
 /// The scene that is up; one at a time, because they use the same adapter.
 class Scenes
 {
 public:
-    /// Brings that scene up. One that fills the kernel's neighbour table is begun anew for each run: the
-    /// neighbours are forgotten with the adapter.
     void show(std::size_t cameras)
     {
-        if (cameras == m_cameras && cameras < NeighbourTableSize)
+        if (cameras == m_cameras)
             return;
         m_running.reset();
         m_cameras = 0;
