@@ -3,6 +3,7 @@
 #include "gige/bytes.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace sim {
 
@@ -55,8 +56,8 @@ void Effects::clear()
     hasNewAddress = false;
 }
 
-Camera::Camera(const CameraConfig& config, Instant now)
-    : m_config(config), m_registers(m_config), m_cycle(m_config, stored())
+Camera::Camera(CameraConfig config, Instant now)
+    : m_config(std::move(config)), m_registers(m_config), m_cycle(m_config, stored())
 {
     if (m_config.inUse) {
         const InUse& use = *m_config.inUse;

@@ -45,7 +45,7 @@ struct Effects
 class Camera
 {
 public:
-    Camera(const CameraConfig& config, Instant now);
+    Camera(CameraConfig config, Instant now);
 
     void hear(const Request& request, Instant now, Effects& effects);
     /// Does what has become due by `now`: the end of a restart, lapsed control.

@@ -67,18 +67,16 @@ bool IpCycle::advance(Instant now, const StoredIpConfig& stored)
     if (!isRunning() || now < m_until) {
         return false;
     }
-    if (m_asksForLease) {
-        settle(AddressMode::LinkLocal, linkLocal());
-    } else if (usesPersistent(stored)) {
+    if (!m_asksForLease && usesPersistent(stored)) {
         settle(AddressMode::Static, stored.persistent);
-    } else if (!usesDhcp(stored)) {
-        settle(AddressMode::LinkLocal, linkLocal());
-    } else if (m_lease) {
+    } else if (!m_asksForLease && usesDhcp(stored) && m_lease) {
         settle(AddressMode::Dhcp, *m_lease);
-    } else {
+    } else if (!m_asksForLease && usesDhcp(stored)) {
         m_asksForLease = true;
         m_until += m_dhcpTimeout;
         return advance(now, stored);
+    } else {
+        settle(AddressMode::LinkLocal, linkLocal());
     }
     return true;
 }

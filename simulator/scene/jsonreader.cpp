@@ -56,7 +56,7 @@ const json& JsonObject::require(const std::string& key)
 
 std::string JsonObject::text(const std::string& key, std::size_t limit)
 {
-    const std::string text = jsonText(require(key), pathOf(key));
+    std::string text = jsonText(require(key), pathOf(key));
     if (text.size() > limit) {
         fail(key, "is longer than " + std::to_string(limit) + " bytes");
     }

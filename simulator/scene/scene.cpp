@@ -306,7 +306,7 @@ private:
 
     void claimMac(const net::MacAddress& mac, const std::string& path)
     {
-        if (!m_macs.insert(mac).second) {
+        if (!m_macs.insert(net::formatMac(mac)).second) {
             throw SceneError(path, "is the MAC address of another device, too");
         }
     }
@@ -349,7 +349,7 @@ private:
     std::filesystem::path m_directory;
     Scene m_scene;
     std::vector<PendingCamera> m_cameras;
-    std::set<net::MacAddress> m_macs;
+    std::set<std::string> m_macs;
     std::set<std::string> m_names;
     std::map<std::tuple<DescriptionKind, std::string, std::string, std::string>,
              std::shared_ptr<const Description>>

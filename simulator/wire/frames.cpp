@@ -125,7 +125,7 @@ std::optional<Ipv4Packet> parseIpv4(const Ethernet& frame)
     if (frame.type != EtherType::Ipv4 || bytes.size() < Ipv4HeaderSize || bytes[0] >> 4 != 4) {
         return std::nullopt;
     }
-    const std::size_t headerSize = (bytes[0] & 0xFU) * 4;
+    const std::size_t headerSize = std::size_t{4} * (bytes[0] & 0xFU);
     const std::size_t totalSize = get16(bytes, 2);
     if (headerSize < Ipv4HeaderSize || totalSize < headerSize || totalSize > bytes.size() ||
         (get16(bytes, 6) & MoreFragmentsAndOffset) != 0 || checksum(bytes.first(headerSize)) != 0) {

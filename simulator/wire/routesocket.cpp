@@ -37,7 +37,7 @@ std::optional<T> take(std::span<const std::uint8_t> bytes)
     if (bytes.size() < sizeof(T)) {
         return std::nullopt;
     }
-    T value;
+    T value{};
     std::memcpy(&value, bytes.data(), sizeof(T));
     return value;
 }
@@ -92,8 +92,7 @@ void forEachAttribute(std::span<const std::uint8_t> bytes, const Visitor& visit)
 
 std::string textOf(std::span<const std::uint8_t> bytes)
 {
-    const std::string text(bytes.begin(), bytes.end());
-    return text.c_str(); // up to the terminating NUL
+    return {bytes.begin(), std::ranges::find(bytes, std::uint8_t{0})};
 }
 
 Link linkOf(std::span<const std::uint8_t> body)
