@@ -17,6 +17,9 @@ using namespace std::chrono_literals;
 constexpr std::array<std::chrono::milliseconds, 5> patientSends{0ms, 100ms, 300ms, 700ms, 1500ms};
 constexpr std::array<std::chrono::milliseconds, 4> quickSends{0ms, 60ms, 150ms, 300ms};
 
+// Often enough for a camera that drops who is silent for a second, as few do, even when some are lost.
+constexpr auto heartbeatInterval = 300ms;
+
 constexpr std::uint64_t registerSpace = std::uint64_t{1} << 32; // bytes
 
 void checkRange(std::uint32_t address, std::size_t size)
@@ -140,14 +143,20 @@ void CameraPort::exchange(std::uint16_t requestId, const gvcp::Packet& packet, g
     m_misfits = 0;
     const auto start = Clock::now();
     Attempts attempts(m_plan, start);
+    auto heartbeatAt = start + heartbeatInterval;
     auto now = start;
     for (; !attempts.isOver(now); now = Clock::now()) {
         if (attempts.isSendDue(now)) {
             send(packet, what);
             attempts.countSent();
         }
+        if (attempts.wasExtended() && now >= heartbeatAt) {
+            send(gvcp::encodeReadReg(m_heartbeatId, gvcp::Register::ControlChannelPrivilege), what);
+            heartbeatAt = now + heartbeatInterval;
+        }
         pollfd readable{.fd = m_socket.descriptor(), .events = POLLIN, .revents = 0};
-        waitReadable({&readable, 1}, attempts.nextEvent());
+        waitReadable({&readable, 1}, attempts.wasExtended() ? std::min(heartbeatAt, attempts.nextEvent())
+                                                            : attempts.nextEvent());
         if (readable.revents != 0 && receive(requestId, expected, what, accept, attempts)) {
             return;
         }
@@ -184,7 +193,7 @@ bool CameraPort::receive(std::uint16_t requestId, gvcp::Ack expected, const std:
     }
     const auto acknowledge = gvcp::decodeAcknowledge(datagram->bytes);
     if (!acknowledge || acknowledge->requestId != requestId) {
-        ++m_misfits;
+        m_misfits += acknowledge && acknowledge->requestId == m_heartbeatId ? 0 : 1;
         return false;
     }
     if (acknowledge->code == gvcp::Ack::Pending) {

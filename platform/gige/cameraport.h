@@ -18,6 +18,7 @@ namespace gige {
 
 /// The registers of the camera at one address. One command is under way at a time; its answer must come from
 /// the camera's control port, carry its id and fit what was asked; everything else that arrives is dropped.
+/// While a camera takes the time that it asked for, it is sent heartbeats, lest it drop us meanwhile.
 /// The texts of the exceptions name the camera, what was asked of it and what came back.
 class CameraPort final : public RegisterPort
 {
@@ -54,6 +55,7 @@ private:
     net::Ipv4 m_address;
     UdpSocket m_socket;
     RetryPlan m_plan = patientPlan();
+    std::uint16_t m_heartbeatId = nextRequestId();
     bool m_writeMemGranted = false;
     int m_misfits = 0; // datagrams of the camera that did not fit the present request
 };
