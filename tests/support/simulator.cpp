@@ -58,7 +58,7 @@ QStringList Simulator::takeEvents()
 QString Simulator::state(const QString& camera, const QString& key)
 {
     readState();
-    const QRegularExpression pair(' ' + key + "=(\"[^\"]*\"|\\S+)");
+    const QRegularExpression pair(' ' + key + R"(=("[^"]*"|\S+))");
     return pair.match(m_states.value(camera)).captured(1).remove('"');
 }
 

@@ -105,9 +105,8 @@ protected:
     Dialogs m_dialogs;
     std::unique_ptr<MainWnd> m_window;
 
-protected slots:
-    void init();
-    void cleanup();
+    Q_SLOT void init();
+    Q_SLOT void cleanup();
 
 private:
     std::optional<TraceCapture> m_messages;

@@ -22,8 +22,7 @@ protected:
     /// ends.
     QStringList m_controlled;
 
-protected slots:
-    void cleanup();
+    Q_SLOT void cleanup();
 
 private:
     std::unique_ptr<Simulator> m_simulator;
