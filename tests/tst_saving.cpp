@@ -255,15 +255,16 @@ private slots:
         clickOn("btnUsePersistentIp");
         type("editIpAddress", "192.168.1.20");
         saveName("belt");
+        const QString setting = "Setting persitent IP address for device with old IP=192.168.1.9 "
+                                "(NewIP=192.168.1.20; NewNetmask=255.255.255.0; NewGateway=0.0.0.0;).";
+        const QString opened = "Successfully opened device with old IP=192.168.1.9; Netmask=255.255.255.0; "
+                               "Gateway=0.0.0.0; IPConfig='%1' to change IP configuration via unicast.";
         QStringList expected{
             "Trying open device with old IP=192.168.1.9 to change IP configuration via unicast.",
-            "Successfully opened device with old IP=192.168.1.9; Netmask=255.255.255.0; Gateway=0.0.0.0; "
-            "IPConfig='" +
-                formatIPConfiguration("6", 0) + "' to change IP configuration via unicast.",
+            opened.arg(formatIPConfiguration("6", 0)),
             "Setting DeviceUserID to 'belt' for device with old IP=192.168.1.9.",
             "Setting ip config for device with old IP=192.168.1.9 to static IP.",
-            "Setting persitent IP address for device with old IP=192.168.1.9 (NewIP=192.168.1.20; "
-            "NewNetmask=255.255.255.0; NewGateway=0.0.0.0;).",
+            setting,
             "Closing device with old IP=192.168.1.9.",
             "Finished configuring device with old IP=192.168.1.9.",
         };

@@ -15,6 +15,13 @@ class GuiTest : public WindowTest
 {
     Q_OBJECT
 
+protected slots:
+    void initTestCase() { connectAdapters(); }
+    void init();
+
+private:
+    std::vector<std::unique_ptr<GuiAdapter>> m_adapters;
+
 protected:
     void connectAdapters();
     void disconnectAdapters() { m_adapters.clear(); }
@@ -26,13 +33,6 @@ protected:
     void clickOn(const char* name) { QTest::mouseClick(&child<QWidget>(name), Qt::LeftButton); }
 
     sdk::World& m_world = sdk::world();
-
-protected slots:
-    void initTestCase() { connectAdapters(); }
-    void init();
-
-private:
-    std::vector<std::unique_ptr<GuiAdapter>> m_adapters;
 };
 
 } // namespace gui

@@ -14,6 +14,7 @@
 #include <cerrno>
 #include <cstring>
 #include <stdexcept>
+#include <system_error>
 
 namespace {
 
@@ -33,7 +34,7 @@ GuiAdapter::GuiAdapter(const QString& name, const QStringList& addresses, const 
     request.ifr_flags = IFF_TAP | IFF_NO_PI;
     std::strncpy(request.ifr_name, qPrintable(name), IFNAMSIZ - 1);
     if (m_tap < 0 || ::ioctl(m_tap, TUNSETIFF, &request) < 0) {
-        throw std::runtime_error(std::string("no TAP adapter: ") + std::strerror(errno));
+        throw std::system_error(errno, std::generic_category(), "no TAP adapter");
     }
     ip("link set " + name + " addrgenmode none address " + mac);
     for (const QString& address : addresses) {

@@ -34,12 +34,12 @@ bool isReachable(const Camera& camera)
     return !camera.silent && host && ip && net::inSameSubnet(*host, *ip, {0xFFFFFF00});
 }
 
-void move(Camera& camera, const std::string& ip, const std::string& mask, const std::string& gateway)
+void move(Camera& camera, const Address& address)
 {
-    camera.record.SetIpAddress(ip);
-    camera.record.SetSubnetMask(mask);
-    camera.record.SetDefaultGateway(gateway);
-    camera.record.SetAddress(ip + ":" + camera.record.GetPortNr().c_str());
+    camera.record.SetIpAddress(address.ip);
+    camera.record.SetSubnetMask(address.mask);
+    camera.record.SetDefaultGateway(address.gateway);
+    camera.record.SetAddress(address.ip + ":" + camera.record.GetPortNr());
     camera.silent = !camera.comesBack;
 }
 
@@ -47,11 +47,11 @@ void restart(Camera& camera)
 {
     camera.record.SetIpConfigCurrent(std::to_string(camera.mode));
     if ((camera.mode & Tessal::IpConfig::Persistent) != 0) {
-        move(camera, camera.persistent[0], camera.persistent[1], camera.persistent[2]);
+        move(camera, camera.persistent);
     } else if ((camera.mode & Tessal::IpConfig::Dhcp) != 0) {
-        move(camera, "192.168.1.150", "255.255.255.0", "192.168.1.1");
+        move(camera, {"192.168.1.150", "255.255.255.0", "192.168.1.1"});
     } else {
-        move(camera, "169.254.7.7", "255.255.0.0", "0.0.0.0");
+        move(camera, {"169.254.7.7", "255.255.0.0", "0.0.0.0"});
     }
 }
 
@@ -59,14 +59,6 @@ void storeMode(Camera& camera, bool persistent, bool dhcp)
 {
     camera.mode = (persistent ? Tessal::IpConfig::Persistent : 0U) | (dhcp ? Tessal::IpConfig::Dhcp : 0U) |
                   Tessal::IpConfig::LinkLocal;
-}
-
-void storeAddress(Camera& camera, const GenICam::gcstring& ip, const GenICam::gcstring& mask,
-                  const GenICam::gcstring& gateway)
-{
-    camera.persistent[0] = ip.c_str();
-    camera.persistent[1] = mask.c_str();
-    camera.persistent[2] = gateway.c_str();
 }
 
 /// Runs `action` on every appearance of that camera; false when there is none.
@@ -88,7 +80,7 @@ class TextNode final : public GenApi::INode, public GenApi::IString
 public:
     explicit TextNode(GenICam::gcstring mac) : m_mac(std::move(mac)) {}
 
-    GenICam::gcstring GetName() const override { return "DeviceUserID"; }
+    [[nodiscard]] GenICam::gcstring GetName() const override { return "DeviceUserID"; }
     void SetValue(const GenICam::gcstring& value, bool verify) override
     {
         note("SetValue", value, verify);
@@ -104,7 +96,7 @@ private:
 class OtherNode final : public GenApi::INode
 {
 public:
-    GenICam::gcstring GetName() const override { return "DeviceUserID"; }
+    [[nodiscard]] GenICam::gcstring GetName() const override { return "DeviceUserID"; }
 };
 
 class NodeMap final : public GenApi::INodeMap
@@ -132,7 +124,7 @@ template <typename Base>
 class DeviceOf : public Base
 {
 public:
-    explicit DeviceOf(const Tessal::COrvikGigEDeviceInfo& info) : m_record(info) {}
+    explicit DeviceOf(Tessal::COrvikGigEDeviceInfo info) : m_record(std::move(info)) {}
 
     void Open(const Tessal::AccessModeSet& modes) override
     {
@@ -164,12 +156,12 @@ public:
         call("Close");
         m_open = false;
     }
-    bool IsOpen() const override
+    [[nodiscard]] bool IsOpen() const override
     {
         call("IsOpen");
         return m_open;
     }
-    const Tessal::CDeviceInfo& GetDeviceInfo() const override { return m_record; }
+    [[nodiscard]] const Tessal::CDeviceInfo& GetDeviceInfo() const override { return m_record; }
     GenApi::INodeMap* GetNodeMap() override
     {
         call("GetNodeMap");
@@ -198,7 +190,7 @@ public:
                          const GenICam::gcstring& gateway) override
     {
         note("SetPersistentIp", ip, mask, gateway);
-        forMac(m_record.GetMacAddress(), [&](Camera& camera) { storeAddress(camera, ip, mask, gateway); });
+        forMac(m_record.GetMacAddress(), [&](Camera& camera) { camera.persistent = {ip, mask, gateway}; });
     }
 };
 
@@ -256,7 +248,7 @@ public:
                  const GenICam::gcstring& gateway) override
     {
         note("ForceIp", mac, ip, mask, gateway);
-        forMac(mac, [&](Camera& camera) { move(camera, ip.c_str(), mask.c_str(), gateway.c_str()); });
+        forMac(mac, [&](Camera& camera) { move(camera, {ip, mask, gateway}); });
     }
     void RestartIpConfig(const GenICam::gcstring& mac) override
     {
@@ -274,7 +266,7 @@ public:
                 return;
             }
             storeMode(camera, persistent, dhcp);
-            storeAddress(camera, ip, mask, gateway);
+            camera.persistent = {ip, mask, gateway};
             set(camera, Tessal::Key::UserDefinedName, name);
             taken = true;
         });
@@ -359,9 +351,9 @@ Camera camera(const char* model, const char* mac, const char* ip, const char* in
                             {Tessal::Key::PortNr, "3956"},
                             {Tessal::Key::UserDefinedName, ""},
                             {Tessal::Key::IpConfigCurrent, "5"}});
-    move(made, ip, "255.255.255.0", "0.0.0.0");
+    made.persistent = {ip, "255.255.255.0", "0.0.0.0"};
+    move(made, made.persistent);
     storeMode(made, true, false);
-    storeAddress(made, ip, "255.255.255.0", "0.0.0.0");
     return made;
 }
 

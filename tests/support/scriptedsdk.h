@@ -18,6 +18,13 @@ namespace sdk {
 
 enum class UserIdNode { Text, OtherKind, Missing };
 
+struct Address
+{
+    GenICam::gcstring ip;
+    GenICam::gcstring mask;
+    GenICam::gcstring gateway;
+};
+
 /// A camera as one host address hears it; the same MAC may stand in the world more than once. It is reachable
 /// while it shares the /24 network of that host address.
 struct Camera
@@ -30,9 +37,9 @@ struct Camera
     bool hasNodeMap = true;
     UserIdNode userId = UserIdNode::Text;
 
-    bool silent = false;       // away since a restart, because it does not come back
-    unsigned int mode = 0;     // what the next restart puts in force, in the bits of IpConfigCurrent
-    std::string persistent[3]; // address, mask, gateway
+    bool silent = false;   // away since a restart, because it does not come back
+    unsigned int mode = 0; // what the next restart puts in force, in the bits of IpConfigCurrent
+    Address persistent;
 };
 
 /// A camera in static mode with that model, MAC and address, heard by the host address `interface`.
