@@ -38,6 +38,7 @@ public:
     friend gcstring operator+(gcstring left, const char* right) { return left += right; }
 
     friend bool operator==(const gcstring&, const gcstring&) = default;
+    // NOLINTNEXTLINE(modernize-use-nullptr): the check takes the zero of a defaulted comparison for a pointer
     friend auto operator<=>(const gcstring&, const gcstring&) = default;
     friend bool operator==(const gcstring& left, const char* right) { return left.view() == right; }
 

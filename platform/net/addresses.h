@@ -13,6 +13,7 @@ struct Ipv4
 {
     std::uint32_t value = 0;
 
+    // NOLINTNEXTLINE(modernize-use-nullptr): the check takes the zero of a defaulted comparison for a pointer
     friend constexpr auto operator<=>(const Ipv4&, const Ipv4&) = default;
 };
 
@@ -23,6 +24,7 @@ struct MacAddress
 {
     std::array<std::uint8_t, 6> bytes{};
 
+    // NOLINTNEXTLINE(modernize-use-nullptr): the check takes the zero of a defaulted comparison for a pointer
     friend constexpr auto operator<=>(const MacAddress&, const MacAddress&) = default;
 };
 
