@@ -282,6 +282,8 @@ bool IpConfigurationWidget::isValidConfigInUI() const
     return ui.editCustomName->hasAcceptableInput();
 }
 
+// What the labels show is the widget's state, though only the labels hold it.
+// NOLINTBEGIN(readability-make-member-function-const)
 void IpConfigurationWidget::setSelectionInfoText(const QString& text)
 {
     ui.labelSelectionInfo->setText(text);
@@ -291,6 +293,7 @@ void IpConfigurationWidget::setHintText(const QString& text)
 {
     ui.labelHint->setText(text);
 }
+// NOLINTEND(readability-make-member-function-const)
 
 void IpConfigurationWidget::on_showContextMenu(const QPoint& pos)
 {

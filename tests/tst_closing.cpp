@@ -136,6 +136,22 @@ private slots:
         QVERIFY(!m_window->isVisible());
     }
 
+    void theCameraThatIsLeftGetsTheTemporaryAddress()
+    {
+        openOnCamera(camera("km-1", "025E41000001", "10.9.9.9"));
+        cam().knowsBroadcast = false;
+        m_world.cameras.push_back(camera("km-2", "025E41000002", "192.168.1.10"));
+        leave("refresh");
+        type("editCustomName", "belt");
+        m_dialogs.expect(gui::click(QMessageBox::Yes));
+        m_dialogs.expect(gui::fill({{"editIpAddress", "192.168.1.50"}}));
+        select("km-2");
+        const QStringList calls = m_world.take();
+        QVERIFY(calls.contains("ForceIp(025E41000001, 192.168.1.50, 255.255.255.0, 0.0.0.0)"));
+        QVERIFY(calls.contains("SetValue(belt, true)"));
+        QCOMPARE(tree().currentItem()->text(0), "km-2");
+    }
+
     void theHeaderComesBack()
     {
         for (const QVariant& version : {QVariant(1), QVariant(2), QVariant()}) {

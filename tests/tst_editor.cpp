@@ -208,6 +208,16 @@ private slots:
         QVERIFY(!canSave());
     }
 
+    void enterSaves()
+    {
+        edit("5");
+        key("editCustomName", Qt::Key_Return);
+        QCOMPARE(sent(), QString()); // nothing to save yet
+        type("editCustomName", "belt");
+        key("editCustomName", Qt::Key_Return);
+        QVERIFY(sent().endsWith(", belt)"));
+    }
+
     void tabGoesFromFieldToField()
     {
         edit("5");

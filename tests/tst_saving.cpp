@@ -353,6 +353,19 @@ private slots:
         QCOMPARE(m_world.take(true) + m_dialogs.take(), QStringList());
     }
 
+    void whoMovesOnBeforeTheButtonActsSavesNothing()
+    {
+        edit();
+        m_world.cameras.push_back(camera("km-2", "025E41000002", "192.168.1.10"));
+        press(QKeySequence("F5"));
+        type("editCustomName", "belt");
+        press(QKeySequence("Ctrl+S")); // the button is only shown pressed so far
+        m_dialogs.expect(gui::click(QMessageBox::No));
+        select("km-2");
+        QTRY_VERIFY(!child<QPushButton>("btnWriteConfiguration").isDown());
+        QCOMPARE(m_world.take(), QStringList());
+    }
+
     void theFocusMovesOnFromSave()
     {
         edit();

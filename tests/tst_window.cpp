@@ -32,10 +32,6 @@ class WindowTest : public gui::GuiTest
 {
     Q_OBJECT
 
-public slots:
-    void keepUrl(const QUrl& url) { m_urls << url; }
-
-private:
     QStringList menu(const char* name)
     {
         QStringList entries;
@@ -51,6 +47,9 @@ private:
 
     QTemporaryDir m_directory;
     QList<QUrl> m_urls;
+
+public slots:
+    void keepUrl(const QUrl& url) { m_urls << url; }
 
 private slots:
     void initTestCase()

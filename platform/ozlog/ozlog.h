@@ -25,7 +25,7 @@ enum class Kind { Text, Integer, Unsigned };
 
 struct Argument
 {
-    Kind kind;
+    Kind kind = Kind::Text;
     const char* text = nullptr;
     long long number = 0;
     unsigned long long unsignedNumber = 0;
