@@ -1,10 +1,13 @@
 #include "support/simulator.h"
+#include "support/trace.h"
 
 #include "Lanvic/DeviceLister.h"
 
 #include <QElapsedTimer>
+#include <QFile>
 #include <QTest>
 
+#include <algorithm>
 #include <future>
 
 namespace {
@@ -85,6 +88,24 @@ private slots:
         // back again
         QCOMPARE(QProcess::execute("ip", {"link", "set", "lab1", "up"}), 0);
         QTRY_VERIFY(search().contains("on-both lab1 192.168.20.1 1"));
+    }
+
+    void saysOnceWhenTheSystemHidesCameras()
+    {
+        const Simulator simulator("test-discovery");
+        const QString foreign = "foreign lab0 192.168.10.1;10.9.0.1 4";
+        const TraceCapture trace;
+        const auto warnings = [&] {
+            return std::ranges::count_if(trace.lines("Lanvic.Camera.Search"), [](const auto& line) {
+                return line.level == QtWarningMsg && line.text.contains("lab0: the system's strict");
+            });
+        };
+        QVERIFY(search().contains(foreign));
+        QCOMPARE(warnings(), 0);
+        QFile setting("/proc/sys/net/ipv4/conf/lab0/rp_filter");
+        QVERIFY(setting.open(QIODevice::WriteOnly | QIODevice::Unbuffered) && setting.write("1") == 1);
+        QVERIFY(!search().contains(foreign) && !search().contains(foreign));
+        QCOMPARE(warnings(), 1);
     }
 };
 

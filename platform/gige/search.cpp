@@ -2,6 +2,7 @@
 
 #include "gige/attempts.h"
 #include "gige/broadcaster.h"
+#include "gige/reversepath.h"
 #include "gige/trace.h"
 #include "gige/unicastprobe.h"
 #include "tessal/transportlayer.h"
@@ -16,14 +17,24 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// Six rounds of two questions each: where every fifth packet is lost either way, a camera stays unfound once
-// in some hundred thousand searches. The window hears one that takes 300 ms for its answer out, even when all
-// but the last rounds were lost to it.
+// Six rounds of two questions each. The window hears a camera that takes 300 ms for its answer out, even when
+// all but the last rounds were lost to it.
 constexpr int rounds = 6;
 constexpr auto roundInterval = 30ms;
 constexpr auto window = 460ms;
 constexpr auto longestSearch = 700ms;
 
+// A camera of a foreign subnet hears only one of the two questions. Where every fifth packet is lost either
+// way it would stay unfound once in 500 searches; asked twelve times, once in 200,000.
+constexpr int roundsOnLossyLines = 12;
+
+// Who is heard for the first time so late shows that the line is slow, and that others may be yet to come.
+constexpr auto slowAfter = rounds * roundInterval + 100ms;
+constexpr int roundsOnSlowLines = 18;
+constexpr auto windowOnSlowLines = 1000ms;
+constexpr auto longestSearchOnSlowLines = 1500ms;
+
+constexpr std::size_t crowd = 128;       // cameras whose answers need no more questions to fill the line
 constexpr std::size_t maxCameras = 4096; // a flood of invented cameras must not eat the memory
 constexpr std::size_t batch = 64;        // datagrams of one socket before the clock is looked at
 
@@ -36,15 +47,28 @@ private:
     void sendRounds(Clock::time_point now);
     void listen(Clock::time_point now);
     void handle(std::size_t channel, const Datagram& datagram);
+    bool isLossy() const;
+    void askOn(int wantedRounds);
+    void takeTime();
     std::vector<FoundCamera> conclude();
     std::set<net::Ipv4> contestedAddresses() const;
 
+    struct Heard
+    {
+        gvcp::Identity identity;
+        int answers = 1;
+    };
+
     Clock::time_point m_start = Clock::now();
+    Clock::time_point m_windowEnd = m_start + window;
+    // Before the broadcaster, which needs as many sockets as there are addresses and does with fewer.
+    UnicastProbe m_probe{m_windowEnd, m_start + longestSearch};
     Broadcaster m_broadcaster;
-    UnicastProbe m_probe{m_start + window, m_start + longestSearch};
     std::uint16_t m_requestId = nextRequestId();
+    int m_roundsWanted = rounds;
     int m_roundsSent = 0;
-    std::map<std::pair<std::size_t, net::MacAddress>, gvcp::Identity> m_found; // by channel and camera
+    Clock::time_point m_nextRound = m_start;
+    std::map<std::pair<std::size_t, net::MacAddress>, Heard> m_found; // by channel and camera
     bool m_full = false;
 };
 
@@ -52,7 +76,7 @@ std::vector<FoundCamera> Search::run()
 {
     for (auto now = m_start; now < m_probe.end(); now = Clock::now()) {
         sendRounds(now);
-        if (m_roundsSent == rounds && !m_broadcaster.hasSent()) {
+        if (m_roundsSent >= m_roundsWanted && !m_broadcaster.hasSent()) {
             break; // nobody was asked, so nobody will answer
         }
         m_probe.sendDue(now);
@@ -63,23 +87,54 @@ std::vector<FoundCamera> Search::run()
 
 void Search::sendRounds(Clock::time_point now)
 {
-    if (m_roundsSent < rounds && now >= m_start + m_roundsSent * roundInterval) {
-        m_broadcaster.send(gvcp::encodeDiscovery(m_requestId));
-        m_roundsSent = m_broadcaster.canSend() ? m_roundsSent + 1 : rounds;
+    if (now < m_nextRound) {
+        return;
     }
+    if (m_roundsSent == rounds && isLossy()) {
+        askOn(roundsOnLossyLines);
+    }
+    m_nextRound = now + roundInterval;
+    if (m_roundsSent < m_roundsWanted) {
+        m_broadcaster.send(gvcp::encodeDiscovery(m_requestId));
+        m_roundsSent = m_broadcaster.canSend() ? m_roundsSent + 1 : m_roundsWanted;
+    } else {
+        m_nextRound = Clock::time_point::max();
+    }
+}
+
+/// Whether a camera has missed more than the last question of each kind that it should have heard.
+bool Search::isLossy() const
+{
+    return std::ranges::any_of(m_found, [this](const auto& entry) {
+        const auto& [key, heard] = entry;
+        const HostAddress& host = m_broadcaster.host(key.first);
+        const bool isForeign = ((heard.identity.ip.value ^ host.address.value) & host.mask.value) != 0;
+        return heard.answers < (isForeign ? 1 : 2) * (rounds - 1);
+    });
+}
+
+void Search::askOn(int wantedRounds)
+{
+    if (m_found.size() <= crowd && m_roundsWanted < wantedRounds) {
+        m_roundsWanted = wantedRounds;
+        m_nextRound = m_start;
+    }
+}
+
+void Search::takeTime()
+{
+    m_windowEnd = m_start + windowOnSlowLines;
+    m_probe.extend(m_windowEnd, m_start + longestSearchOnSlowLines);
+    askOn(roundsOnSlowLines);
 }
 
 void Search::listen(Clock::time_point now)
 {
     std::vector<pollfd> sockets{{.fd = m_probe.descriptor(), .events = POLLIN, .revents = 0}};
-    if (now < m_start + window) { // what is only heard later is not taken up
+    if (now < m_windowEnd) { // what is only heard later is not taken up
         m_broadcaster.appendTo(sockets);
     }
-    auto until = std::min(m_probe.end(), m_probe.nextSend());
-    if (m_roundsSent < rounds) {
-        until = std::min(until, m_start + m_roundsSent * roundInterval);
-    }
-    waitReadable(sockets, until);
+    waitReadable(sockets, std::min({m_probe.end(), m_probe.nextSend(), m_nextRound}));
     if (sockets.front().revents != 0) {
         m_probe.receive(batch);
     }
@@ -103,7 +158,8 @@ void Search::handle(std::size_t channel, const Datagram& datagram)
     }
     const std::pair key(channel, identity->mac);
     const auto known = m_found.find(key);
-    if (known != m_found.end() && known->second == *identity) {
+    if (known != m_found.end() && known->second.identity == *identity) {
+        ++known->second.answers;
         return;
     }
     if (known == m_found.end() && m_found.size() >= maxCameras) {
@@ -114,15 +170,20 @@ void Search::handle(std::size_t channel, const Datagram& datagram)
         m_full = true;
         return;
     }
-    m_probe.ask(identity->mac, identity->ip, m_broadcaster.host(channel).adapterIndex, Clock::now());
-    m_found.insert_or_assign(key, std::move(*identity));
+    const auto now = Clock::now();
+    if (now >= m_start + slowAfter && m_windowEnd < m_start + windowOnSlowLines) {
+        takeTime();
+    }
+    m_probe.ask(identity->mac, identity->ip, m_broadcaster.host(channel).adapterIndex, now);
+    m_found.insert_or_assign(key, Heard{std::move(*identity)});
 }
 
 std::set<net::Ipv4> Search::contestedAddresses() const
 {
     std::map<net::Ipv4, net::MacAddress> owners;
     std::set<net::Ipv4> contested;
-    for (const auto& [key, identity] : m_found) {
+    for (const auto& [key, heard] : m_found) {
+        const gvcp::Identity& identity = heard.identity;
         if (identity.ip == net::Ipv4{}) {
             continue; // still without an address
         }
@@ -144,7 +205,8 @@ std::vector<FoundCamera> Search::conclude()
     const std::set<net::Ipv4> contested = contestedAddresses();
     std::vector<FoundCamera> cameras;
     cameras.reserve(m_found.size());
-    for (auto& [key, identity] : m_found) {
+    for (auto& [key, heard] : m_found) {
+        gvcp::Identity& identity = heard.identity;
         UnicastProbe::Answer answer = m_probe.answerOf(identity.mac, identity.ip);
         if (contested.contains(identity.ip)) {
             answer = {.heard = false, .accessibility = Tessal::Accessibility::NotReachable};
@@ -153,6 +215,9 @@ std::vector<FoundCamera> Search::conclude()
                            .heardBy = m_broadcaster.host(key.first),
                            .answersUnicast = answer.heard,
                            .accessibility = answer.accessibility});
+    }
+    for (std::size_t i = 0; i < m_broadcaster.channelCount(); ++i) {
+        warnOfReversePathFilter(m_broadcaster.host(i).adapter);
     }
     const auto took = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - m_start);
     trace::search(ozlog::LogLevel::Info, "Found %u cameras through %u host addresses in %u ms.",

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace gige {
+
+/// What Linux's reverse-path filter does with the answers of cameras whose address fits no network of the
+/// adapter that hears them.
+enum class ReversePath {
+    Open,    // lets them through
+    Strict,  // drops them, unless the default route leads back through this adapter
+    NoRoute, // would let them through if there were a default route
+};
+
+/// `all` and `own` are the values of net.ipv4.conf.all.rp_filter and net.ipv4.conf.ADAPTER.rp_filter, of
+/// which the larger counts: 0 is off, 1 strict, 2 loose (the kernel's networking/ip-sysctl). `defaultAdapter`
+/// is the one that the default route goes through, empty when there is none.
+[[nodiscard]] ReversePath judgeReversePath(int all, int own, std::string_view adapter,
+                                           std::string_view defaultAdapter);
+
+/// The adapter of the default route that is preferred, from the text of /proc/net/route; empty when there is
+/// no such route.
+[[nodiscard]] std::string defaultRouteAdapter(const std::string& routes);
+
+/// Says in the trace when the filter keeps cameras of foreign networks from us, once for each adapter while
+/// the program runs. Settings that cannot be read are taken for harmless.
+void warnOfReversePathFilter(const std::string& adapter);
+
+} // namespace gige
