@@ -16,6 +16,7 @@ using namespace std::chrono_literals;
 
 constexpr auto repeatInterval = 50ms;
 constexpr auto openAtLeast = 400ms; // a camera may take 300 ms to answer, and the first question be lost
+constexpr auto openAtLeastOnSlowLines = 800ms;
 constexpr auto fullSocketPause = 5ms;
 // A thousand questions at once, with an address resolution before each, would overrun the queues on their
 // way; and the kernel repeats a lost resolution only after a second.
@@ -43,8 +44,20 @@ int accessibilityOf(std::uint32_t privilege)
 }
 
 UnicastProbe::UnicastProbe(Clock::time_point windowEnd, Clock::time_point deadline)
-    : m_windowEnd(windowEnd), m_deadline(deadline), m_lastOpenUntil(windowEnd)
+    : m_windowEnd(windowEnd), m_deadline(deadline), m_lastOpenUntil(windowEnd), m_openAtLeast(openAtLeast)
 {}
+
+void UnicastProbe::extend(Clock::time_point windowEnd, Clock::time_point deadline)
+{
+    m_windowEnd = windowEnd;
+    m_deadline = deadline;
+    m_lastOpenUntil = windowEnd;
+    m_lateOpen = 0;
+    m_openAtLeast = openAtLeastOnSlowLines;
+    for (Question& question : m_questions) {
+        question.openUntil = windowEnd;
+    }
+}
 
 void UnicastProbe::ask(const net::MacAddress& mac, net::Ipv4 address, int adapterIndex, Clock::time_point now)
 {
@@ -66,7 +79,7 @@ void UnicastProbe::ask(const net::MacAddress& mac, net::Ipv4 address, int adapte
     question.requestId = nextRequestId();
     question.address = address;
     question.adapters.push_back(adapterIndex);
-    question.openUntil = std::clamp(now + openAtLeast, m_windowEnd, m_deadline);
+    question.openUntil = std::clamp(now + m_openAtLeast, m_windowEnd, m_deadline);
     m_lastOpenUntil = std::max(m_lastOpenUntil, question.openUntil);
     if (question.openUntil > m_windowEnd) {
         ++m_lateOpen;

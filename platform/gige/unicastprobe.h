@@ -27,6 +27,10 @@ public:
     /// beyond, but none longer than until `deadline`. Throws SocketException.
     UnicastProbe(Clock::time_point windowEnd, Clock::time_point deadline);
 
+    /// Gives every question, asked or yet to come, more time: the line is slow. `windowEnd` is not before the
+    /// former deadline.
+    void extend(Clock::time_point windowEnd, Clock::time_point deadline);
+
     /// Asks the camera, unless it was asked before. Its answer counts only when it comes through an adapter
     /// that was named for it here: a camera of another network may own the same address.
     void ask(const net::MacAddress& mac, net::Ipv4 address, int adapterIndex, Clock::time_point now);
@@ -73,6 +77,7 @@ private:
     Clock::time_point m_windowEnd;
     Clock::time_point m_deadline;
     Clock::time_point m_lastOpenUntil;
+    Clock::duration m_openAtLeast;
     Clock::time_point m_pausedUntil; // the socket took no more
     std::size_t m_lateOpen = 0;      // unsettled questions that stay open beyond the window
     std::vector<Question> m_questions;
