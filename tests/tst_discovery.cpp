@@ -2,6 +2,8 @@
 #include "Lanvic/NetworkAdapter.h"
 #include "support/gui.h"
 
+#include <stdexcept>
+
 using sdk::camera;
 
 /// What the lister makes of what the SDK reports.
@@ -14,36 +16,28 @@ class DiscoveryTest : public gui::GuiTest
     {
         QStringList lines;
         for (const Tessal::COrvikGigEDeviceInfo& record : lister.m_devices) {
-            lines << sdk::get(record, "MacAddress") + ' ' + sdk::get(record, "Interface") + ' ' +
-                         sdk::get(record, "IF_~_Name") + ' ' + sdk::get(record, "DEV_~_Accessible");
+            lines << sdk::get(record, {"MacAddress", "Interface", "IF_~_Name", "DEV_~_Accessible"});
         }
         return lines;
+    }
+    static QStringList search()
+    {
+        DeviceLister lister;
+        lister.discoverAllDevices();
+        return records(lister);
     }
 
 private slots:
     void adaptersAreThoseThatRun()
     {
-        const auto names = [] {
-            QStringList found;
-            for (const CNetworkAdapter& adapter : CNetworkAdapter::allNetworkAdapters(
-                     QNetworkInterface::IsUp | QNetworkInterface::IsRunning, QNetworkInterface::IsLoopBack)) {
-                found << adapter.m_name + ' ' + adapter.m_hardwareAddress;
-            }
-            return found;
-        };
-        QCOMPARE(names(), (QStringList{"lan0 02:00:00:00:01:05", "lan1 02:00:00:00:00:01"}));
         const GuiAdapter withoutAddress("lan2", {}, "02:00:00:00:00:02");
-        QCOMPARE(names().size(), 2);
-
-        const QList<CNetworkAdapter> all = CNetworkAdapter::allNetworkAdapters({}, {});
-        QCOMPARE(all.first().m_name, "lo");
-        const auto owner = [&](const char* address) {
-            const CNetworkAdapter* const found =
-                CNetworkAdapter::findByIpAddress(all, QHostAddress(QString(address)));
-            return found != nullptr ? found->m_name : QString();
-        };
-        QCOMPARE(owner("172.16.3.4"), "lan1");
-        QCOMPARE(owner("192.168.1.6"), QString());
+        QStringList names;
+        for (const CNetworkAdapter& adapter : CNetworkAdapter::allNetworkAdapters(
+                 QNetworkInterface::IsUp | QNetworkInterface::IsRunning, QNetworkInterface::IsLoopBack)) {
+            names << adapter.m_name + ' ' + adapter.m_hardwareAddress;
+        }
+        QCOMPARE(names, (QStringList{"lan0 02:00:00:00:01:05", "lan1 02:00:00:00:00:01"}));
+        QCOMPARE(CNetworkAdapter::allNetworkAdapters({}, {}).first().m_name, "lo");
     }
 
     void duplicatesAreDroppedAndMerged()
@@ -67,9 +61,7 @@ private slots:
                 const QByteArray mac = line.section(' ', 0, 0).toLatin1();
                 m_world.cameras.push_back(camera("km-1", mac, interface, interface));
             }
-            DeviceLister lister;
-            lister.discoverAllDevices();
-            QCOMPARE(records(lister), expected);
+            QCOMPARE(search(), expected);
         }
     }
 
@@ -79,7 +71,7 @@ private slots:
         {
             int reported;
             const char* address;
-            QString expected;
+            const char* expected;
         };
         for (const auto& [reported, address, expected] :
              {Case{1, "192.168.1.9", "1"}, Case{1, "10.9.9.9", "4"}, Case{2, "192.168.1.9", "2"},
@@ -87,66 +79,46 @@ private slots:
               Case{0, "192.168.1.9", "0"}}) {
             m_world.cameras = {camera("km-1", "025E41000001", address)};
             cam().accessibility = reported;
-            DeviceLister lister;
-            lister.discoverAllDevices();
-            QCOMPARE(records(lister), QStringList{"025E41000001 192.168.1.5 lan0 " + expected});
+            QCOMPARE(search(), QStringList{QString("025E41000001 192.168.1.5 lan0 ") + expected});
         }
     }
 
-    void callsComeInOrder()
+    void listersShareOneTransportLayer()
     {
-        {
-            DeviceLister lister;
+        for (int round = 0; round < 2; ++round) {
+            auto lister = std::make_unique<DeviceLister>();
             QCOMPARE(m_world.take(true), QStringList());
-            lister.discoverAllDevices(); // nobody there: one enumeration only
+            lister->discoverAllDevices(); // nobody there: one enumeration only
             m_world.cameras = {camera()};
-            lister.discoverAllDevices();
+            QCOMPARE(search().size(), 1);
+            lister.reset();
+            QCOMPARE(m_world.take(true),
+                     (QStringList{"CreateTl(OrvikGigE)", "EnumerateDevicesAnySubnet(false)",
+                                  "EnumerateDevicesAnySubnet(false)", "EnumerateDevices(false)",
+                                  "QueryDeviceAccessibility(025E41000001, 1)", "ReleaseTl(true)"}));
+            QVERIFY(DeviceLister::s_pTl == nullptr);
+            m_world.cameras.clear();
         }
-        QCOMPARE(m_world.take(true),
-                 (QStringList{"CreateTl(OrvikGigE)", "EnumerateDevicesAnySubnet(false)",
-                              "EnumerateDevicesAnySubnet(false)", "EnumerateDevices(false)",
-                              "QueryDeviceAccessibility(025E41000001, 1)", "ReleaseTl()"}));
     }
 
     void failuresReachTheCaller()
     {
         m_world.cameras = {camera()};
         m_world.makesTransportLayer = false;
-        DeviceLister lister;
         try {
-            lister.discoverAllDevices();
+            (void)search();
             QFAIL("no transport layer, and nobody says so");
         } catch (const GenICam::RuntimeException& error) {
             QCOMPARE(error.GetDescription(), "Failed to create transport layer object");
         }
-        QVERIFY(DeviceLister::s_pTl == nullptr);
-
         m_world.makesTransportLayer = true;
-        lister.discoverAllDevices();
         for (const char* const name :
              {"EnumerateDevicesAnySubnet", "EnumerateDevices", "QueryDeviceAccessibility"}) {
-            m_world.at = {{name, [] { throw std::runtime_error("cable"); }}};
-            QVERIFY_THROWS_EXCEPTION(std::runtime_error, lister.discoverAllDevices());
+            m_world.at.clear();
+            failAt(name);
+            QVERIFY_THROWS_EXCEPTION(std::runtime_error, (void)search());
         }
-        m_world.at.clear();
-        lister.discoverAllDevices();
-        QCOMPARE(records(lister).size(), 1);
-    }
-
-    void lastListerGivesTheTransportLayerBack()
-    {
-        for (int round = 0; round < 2; ++round) {
-            auto lister = std::make_unique<DeviceLister>();
-            lister->discoverAllDevices();
-            {
-                DeviceLister shortLived;
-                shortLived.discoverAllDevices();
-            }
-            QCOMPARE(m_world.take(), QStringList{"CreateTl(OrvikGigE)"});
-            lister.reset();
-            QCOMPARE(m_world.take(), QStringList{"ReleaseTl()"});
-            QVERIFY(DeviceLister::s_pTl == nullptr);
-        }
+        QCOMPARE(search().size(), 1);
     }
 
     void recordsArePatched()
@@ -157,9 +129,8 @@ private slots:
         lister.discoverAllDevices();
         m_world.take(true);
         const auto values = [&](std::size_t index) {
-            const Tessal::COrvikGigEDeviceInfo& record = lister.m_devices.at(index);
-            return sdk::get(record, "IpConfigCurrent") + ' ' + sdk::get(record, "Address") + ' ' +
-                   sdk::get(record, "SubnetMask") + ' ' + sdk::get(record, "DefaultGateway");
+            return sdk::get(lister.m_devices.at(index), {"IpConfigCurrent", "Address", "SubnetMask",
+                                                         "DefaultGateway", "DEV_~_Accessible"});
         };
         const char* const mac = "025E41000001";
         QCOMPARE(lister.updateDeviceInfo(nullptr, "6", nullptr, nullptr, nullptr, true), 0);
@@ -167,40 +138,33 @@ private slots:
         QCOMPARE(lister.updateDeviceInfo("025e41000001x", "6", nullptr, nullptr, nullptr, true), 0);
         QCOMPARE(m_world.take(true), QStringList());
 
-        QCOMPARE(lister.updateDeviceInfo(mac, "6", nullptr, nullptr, nullptr, false), 2);
-        QCOMPARE(values(1), "6 192.168.1.9:3956 255.255.255.0 0.0.0.0");
         m_world.cameras[0].accessibility = m_world.cameras[1].accessibility = 3;
+        QCOMPARE(lister.updateDeviceInfo(mac, "6", nullptr, nullptr, nullptr, false), 2);
+        QCOMPARE(values(0), "6 192.168.1.9:3956 255.255.255.0 0.0.0.0 1");
         QCOMPARE(lister.updateDeviceInfo(mac, nullptr, "10.0.0.7", "255.0.0.0", "10.0.0.254", true), 2);
-        QCOMPARE(values(0), "6 10.0.0.7:3956 255.0.0.0 10.0.0.254");
-        QCOMPARE(values(1), values(0));
-        QCOMPARE(values(2), "5 192.168.1.10:3956 255.255.255.0 0.0.0.0");
+        QCOMPARE(values(0), "6 10.0.0.7:3956 255.0.0.0 10.0.0.254 3");
+        QCOMPARE(values(1), "6 10.0.0.7:3956 255.0.0.0 10.0.0.254 1"); // not asked again
+        QCOMPARE(values(2), "5 192.168.1.10:3956 255.255.255.0 0.0.0.0 1");
         QCOMPARE(m_world.take(true), QStringList{"QueryDeviceAccessibility(025E41000001, 1)"});
-        QCOMPARE(records(lister).first().right(2), " 3");
-        QCOMPARE(records(lister).at(1).right(2), " 1");
     }
 
     void propertiesAreMerged()
     {
         const auto holds = &DeviceLister::ValExistsInMultipartPropertyValue;
-        QVERIFY(holds("1.1.1.1;2.2.2.2", "2.2.2.2", ";"));
-        QVERIFY(holds("11.1.1.1", "1.1.1.1", ";")); // the end of a part counts
-        QVERIFY(!holds("1.1.1.11", "1.1.1.1", ";"));
-        QVERIFY(!holds("a;b", "a;b", ";"));
+        QVERIFY(holds("1.1.1.1;2.2.2.2", "2.2.2.2", ";") && holds("11.1.1.1", "1.1.1.1", ";")); // by its end
+        QVERIFY(!holds("1.1.1.11", "1.1.1.1", ";") && !holds("a;b", "a;b", ";"));
         QVERIFY(!holds("a", "a", "") && !holds("a", "a", nullptr) && !holds("", "a", ";") &&
                 !holds("a", "", ";"));
 
         Tessal::CDeviceInfo target;
         Tessal::CDeviceInfo source;
-        target.SetPropertyValue("same", "1");
-        target.SetPropertyValue("other", "1");
-        target.SetPropertyValue("mine", "1");
+        for (const char* const name : {"same", "other", "mine"}) {
+            target.SetPropertyValue(name, "1");
+        }
         source.SetPropertyValue("same", "1");
         source.SetPropertyValue("other", "2");
         source.SetPropertyValue("new", "3");
-        const auto values = [&] {
-            return sdk::get(target, "same") + ' ' + sdk::get(target, "other") + ' ' +
-                   sdk::get(target, "new") + ' ' + sdk::get(target, "mine");
-        };
+        const auto values = [&] { return sdk::get(target, {"same", "other", "new", "mine"}); };
         QCOMPARE(DeviceLister::mergeProperties(target, source, ";", {"same", "other", "new", "none"}, false),
                  2);
         QCOMPARE(values(), "1 1;2 3 1");
@@ -209,10 +173,5 @@ private slots:
     }
 };
 
-int main(int argc, char** argv)
-{
-    DiscoveryTest test;
-    return gui::run(test, argc, argv);
-}
-
+WINDOW_TEST_MAIN(DiscoveryTest)
 #include "tst_discovery.moc"

@@ -7,12 +7,17 @@
 #include <QTemporaryDir>
 #include <QTimer>
 
-#include <stdexcept>
-
 /// The whole program from start to end.
 class StartupTest : public QObject
 {
     Q_OBJECT
+
+    static int runProgram()
+    {
+        QByteArray name("lanvic");
+        char* arguments[] = {name.data(), nullptr};
+        return runApplication(1, arguments);
+    }
 
 private slots:
     void theSdkOutlivesWindowAndApplication()
@@ -29,26 +34,20 @@ private slots:
         script["TessalInitialize"] = [&] { note("initialised"); };
         script["EnumerateDevicesAnySubnet"] = [&] {
             note("discovered");
-            auto* const user = new QTimer(qApp);
-            QObject::connect(user, &QTimer::timeout, qApp, [&] {
-                if (QWidget* const window = QApplication::activeWindow()) {
-                    note(window->windowTitle());
-                    window->close();
-                }
+            QTimer::singleShot(0, qApp, [&] {
+                QVERIFY(QTest::qWaitFor([] { return QApplication::activeWindow() != nullptr; }));
+                note(QApplication::activeWindow()->windowTitle());
+                QApplication::activeWindow()->close();
             });
-            user->start(0);
         };
         script["ReleaseTl"] = [&] { note("released"); };
         script["TessalTerminate"] = [&] { note("terminated"); };
 
-        QByteArray name("lanvic");
-        char* arguments[] = {name.data(), nullptr};
-        QCOMPARE(runApplication(1, arguments), 0);
+        QCOMPARE(runProgram(), 0);
         QCOMPARE(seen, (QStringList{"initialised alone", "discovered in the background",
                                     "Tessal Lanvic v4.0 64-Bit before the user", "released in the background",
                                     "terminated alone"}));
         QVERIFY(sdk::world().take().contains("TessalTerminate(true)"));
-        QCOMPARE(QCoreApplication::applicationName(), "Tessal Lanvic");
         QVERIFY(QSettings("Orvik", "Tessal Lanvic").contains("MainWindow/size"));
     }
 
@@ -56,17 +55,10 @@ private slots:
     {
         sdk::world() = {};
         sdk::world().at["TessalInitialize"] = [] { throw std::runtime_error("no SDK"); };
-        QByteArray name("lanvic");
-        char* arguments[] = {name.data(), nullptr};
-        QVERIFY_THROWS_EXCEPTION(std::runtime_error, (void)runApplication(1, arguments));
+        QVERIFY_THROWS_EXCEPTION(std::runtime_error, (void)runProgram());
         QCOMPARE(sdk::world().take(), QStringList{"TessalInitialize()"});
     }
 };
 
-int main(int argc, char** argv)
-{
-    StartupTest test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+QTEST_APPLESS_MAIN(StartupTest)
 #include "tst_startup.moc"

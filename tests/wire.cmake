@@ -3,7 +3,7 @@
 add_library(wire_support OBJECT support/simulator.cpp support/window.cpp support/guiadapter.cpp support/wire.cpp)
 target_include_directories(wire_support PUBLIC ${CMAKE_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
 target_compile_definitions(wire_support PRIVATE SCENES="${CMAKE_SOURCE_DIR}/simulator/scenes")
-target_link_libraries(wire_support PUBLIC lanvic platform_gige test_support Qt6::Test)
+target_link_libraries(wire_support PUBLIC lanvic platform_gige test_support gige_simulation Qt6::Test)
 
 foreach(name IN ITEMS discovery window saving)
     lanvic_wire_test(wire_${name} SOURCES wire_${name}.cpp LIBS wire_support lanvic)

@@ -1,25 +1,20 @@
 #include "support/wire.h"
 
 #include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
 #include <QRadioButton>
 #include <QRegularExpression>
 
-namespace {
-
-const QString notSaved = "|The configuration could not be saved.|Close|Close";
-const QString forceIpDialog = "Assign Temporary IP Address (Force IP)";
-
-} // namespace
+using gui::click;
+using gui::escape;
+using gui::forceIpDialog;
+using gui::notSaved;
+using gui::report;
 
 /// A save, from the keyboard to the camera's registers and back into the tree.
 class WireSavingTest : public WireTest
 {
     Q_OBJECT
 
-    bool canSave() { return child<QPushButton>("btnWriteConfiguration").isEnabled(); }
-    void choose(const char* mode) { QTest::mouseClick(&child<QRadioButton>(mode), Qt::LeftButton); }
     void edit(const QString& model)
     {
         start("test-saving");
@@ -43,14 +38,14 @@ private slots:
                                       "persistent-gateway=192.168.10.1 name=\"Förderband\"",
                                       "restarted camera=belt mode=static ip=192.168.10.31 mask=255.255.255.0 "
                                       "gateway=192.168.10.1"}));
-        QCOMPARE(takeTrace(),
-                 (QStringList{
-                     "info Trying broadcast ip config for MAC=025E41000001 setting static IP "
-                     "(NewIP=192.168.10.31; NewNetmask=255.255.255.0; NewGateway=192.168.10.1;).",
-                     "info Successfully changed IP configuration via broadcast for MAC=025E41000001.",
-                     "info Restarting IP configuration and waiting for rediscovery for MAC=025E41000001.",
-                     "info Successfully rediscovered MAC=025E41000001.",
-                 }));
+        QCOMPARE(
+            takeTrace(),
+            (QStringList{
+                "info Trying broadcast ip config for MAC=025E41000001 setting static IP (NewIP=192.168.10.31; NewNetmask=255.255.255.0; NewGateway=192.168.10.1;).",
+                "info Successfully changed IP configuration via broadcast for MAC=025E41000001.",
+                "info Restarting IP configuration and waiting for rediscovery for MAC=025E41000001.",
+                "info Successfully rediscovered MAC=025E41000001.",
+            }));
         OtherProgram other; // reads the address where the camera is now, and nothing where it was
         QCOMPARE(other.ask("192.168.10.31", "420100800004000100000024"), "0000008100040001c0a80a1f");
         QCOMPARE(other.ask("192.168.10.21", "420100800004000300000024"), "");
@@ -64,11 +59,10 @@ private slots:
     {
         edit("km-1");
         type("editIpAddress", "192.168.");
-        choose("btnUseAutoIp");
+        clickOn("btnUseAutoIp");
         sleepUntil({"restarted camera=belt"});
-        save();
+        QCOMPARE(save(), QStringList());
         QCOMPARE(takeSleeps(), 1);
-        QCOMPARE(m_dialogs.take(), QStringList());
         QVERIFY(row("km-1").text(6).startsWith("169.254."));
     }
 
@@ -77,20 +71,20 @@ private slots:
         edit("km-2");
         enter("editIpAddress", "192.168.10.32");
         sleepUntil({"vanished camera=lost"});
-        m_dialogs.expect(gui::press(Qt::Key_Escape));
-        m_dialogs.expect(gui::press(Qt::Key_Escape)); // no temporary address
-        m_dialogs.expect(gui::click(QMessageBox::Close));
-        save();
-        QCOMPARE(m_dialogs.take(), (QStringList{gui::report("Failed to discover reconfigured device"),
-                                                forceIpDialog, notSaved}));
+        QCOMPARE(save({escape, escape, click(QMessageBox::Close)}), // and no temporary address
+                 (QStringList{report("Failed to discover reconfigured device"), forceIpDialog, notSaved}));
         QCOMPARE(takeSleeps(), 30);
-        QCOMPARE(gui::cursorDepth(), 0);
+        const QStringList traced = takeTrace();
+        QVERIFY(traced.contains("warning Failed to rediscover the device with MAC=025E41000002."));
+        QVERIFY(traced.contains(
+            "info Trying open device with old IP=192.168.10.32 to change IP configuration via unicast."));
+        QCOMPARE(text("editIpAddress"), "192.168.10.32");
     }
 
     void anotherMakersCameraIsConfiguredByUnicast()
     {
         edit("BX-3");
-        choose("btnUsePersistentIp");
+        clickOn("btnUsePersistentIp");
         enter("editIpAddress", "192.168.10.33");
         type("editCustomName", "gate");
         sleepUntil({"restarted camera=other"});
@@ -113,15 +107,14 @@ private slots:
         enter("editIpAddress", "192.168.10.34");
         type("editCustomName", "gate");
         QString header;
-        m_dialogs.expect([&](QWidget& dialog) {
+        sleepUntil({"forced camera=foreign", "restarted camera=foreign"});
+        const QStringList shown = save({[&](QWidget& dialog) {
             header = gui::child<QLabel>(dialog, "labelHeader").text();
             gui::fill({{"editIpAddress", "192.168.10.134"}})(dialog);
-        });
-        sleepUntil({"forced camera=foreign", "restarted camera=foreign"});
-        save();
+        }});
         QVERIFY2(header.endsWith("<p>Valid addresses are:<br>192.168.10.1 - 192.168.10.254<br></p>"),
                  qPrintable(header));
-        QCOMPARE(m_dialogs.take(), QStringList{forceIpDialog});
+        QCOMPARE(shown, QStringList{forceIpDialog});
         QCOMPARE(takeSleeps(), 2);
         QCOMPARE(simulator().state("foreign", "mode"), "static"); // no longer the temporary address
         QVERIFY(rows().contains("  BX-4|gate|4|02:A3:17:00:00:04|OK|Static IP|192.168.10.34|255.255.255.0"));
@@ -133,14 +126,12 @@ private slots:
         OtherProgram other;
         QCOMPARE(other.ask("192.168.10.25", "420100820008000100000a0000000002"), "000000830004000100000001");
         type("editCustomName", "mine");
-        m_dialogs.expect(gui::press(Qt::Key_Escape));
-        m_dialogs.expect(gui::click(QMessageBox::Close));
-        save();
         QCOMPARE(
-            m_dialogs.take(),
-            (QStringList{"Connection failed|Access denied\nThe device is controlled by another application."
-                         "\nClose the connection before changing the IP configuration.|OK|",
-                         notSaved}));
+            save({escape, click(QMessageBox::Close)}),
+            (QStringList{
+                "Connection failed|Access denied\nThe device is controlled by another application.\nClose the connection before changing the IP configuration.|OK|",
+                notSaved}));
+        QVERIFY(takeTrace().last().startsWith("error Could not open device with old IP=192.168.10.25 "));
         QCOMPARE(simulator().takeEvents().filter("configured"), QStringList());
         QVERIFY(text("editCustomName") == "mine" && canSave());
         m_controlled = {"contested"};
@@ -149,24 +140,16 @@ private slots:
     void aCameraThatVanishesWhileItIsWrittenKeepsTheEdits()
     {
         edit("BX-6");
-        choose("btnUseDhcp");
-        m_dialogs.expect(gui::press(Qt::Key_Escape));
-        m_dialogs.expect(gui::click(QMessageBox::Close));
-        save();
-        QStringList shown = m_dialogs.take();
+        clickOn("btnUseDhcp");
+        QStringList shown = save({escape, click(QMessageBox::Close)});
         shown.replaceInStrings(QRegularExpression("\\d+ ms"), "some ms");
-        QCOMPARE(shown, (QStringList{
-                            gui::report("Camera 192.168.10.26, READREG of 0x0014: no answer within some ms"),
-                            notSaved}));
+        QCOMPARE(shown,
+                 (QStringList{report("Camera 192.168.10.26, READREG of 0x0014: no answer within some ms"),
+                              notSaved}));
         QVERIFY(child<QRadioButton>("btnUseDhcp").isChecked() && canSave());
         m_controlled = {"fading"};
     }
 };
 
-int main(int argc, char** argv)
-{
-    WireSavingTest test;
-    return gui::run(test, argc, argv);
-}
-
+WINDOW_TEST_MAIN(WireSavingTest)
 #include "wire_saving.moc"

@@ -72,13 +72,13 @@ private slots:
     {
         start("test-saving");
         select("BX-4");
-        m_dialogs.expect([](QWidget& menu) {
-            QTest::keyClick(&menu, Qt::Key_Down);
-            QTest::keyClick(&menu, Qt::Key_Return);
-        });
-        m_dialogs.expect(gui::fill({{"editIpAddress", "192.168.10.134"}}));
+        expect({[](QWidget& menu) {
+                    QTest::keyClick(&menu, Qt::Key_Down);
+                    QTest::keyClick(&menu, Qt::Key_Return);
+                },
+                gui::fill({{"editIpAddress", "192.168.10.134"}})});
         sleepUntil({"forced camera=foreign ip=192.168.10.134 mask=255.255.255.0 gateway=0.0.0.0"});
-        emit tree().customContextMenuRequested(tree().visualItemRect(&row("BX-4")).center());
+        openMenuOf("BX-4");
         QCOMPARE(takeSleeps(), 1);
         QVERIFY2(rows().contains(m_forced), qPrintable(rows().join('\n')));
         QVERIFY(!text("labelHint").contains("unreachable"));
@@ -91,8 +91,7 @@ private slots:
     void aTemporaryAddressGoesToAnyMacAddress()
     {
         start("test-saving");
-        m_dialogs.expect(
-            gui::fill({{"editMacAddress", "02-a3-17-00-00-04"}, {"editIpAddress", "192.168.10.134"}}));
+        expect({gui::fill({{"editMacAddress", "02-a3-17-00-00-04"}, {"editIpAddress", "192.168.10.134"}})});
         sleepUntil({"forced camera=foreign ip=192.168.10.134 mask=255.255.255.0 gateway=0.0.0.0"});
         press(QKeySequence("Alt+Shift+Ctrl+F"));
         QTRY_VERIFY(rows().contains(m_forced));
@@ -100,22 +99,16 @@ private slots:
 
         // a MAC address that no camera has
         const QStringList before = rows();
-        m_dialogs.take();
-        m_dialogs.expect(
-            gui::fill({{"editMacAddress", "02-A3-17-00-00-44"}, {"editIpAddress", "192.168.10.44"}}));
+        takeDialogs();
+        expect({gui::fill({{"editMacAddress", "02-A3-17-00-00-44"}, {"editIpAddress", "192.168.10.44"}})});
         press(QKeySequence("Alt+Shift+Ctrl+F"));
         QCOMPARE(takeSleeps(), 30);
-        QCOMPARE(m_dialogs.take(), QStringList{"Assign Temporary IP Address (Force IP)"});
+        QCOMPARE(takeDialogs(), QStringList{gui::forceIpDialog}); // no complaint
         QCOMPARE(rows(), before);
         QCOMPARE(gui::cursorDepth(), 0);
         QCOMPARE(simulator().takeEvents().filter("forced").size(), 1);
     }
 };
 
-int main(int argc, char** argv)
-{
-    WireWindowTest test;
-    return gui::run(test, argc, argv);
-}
-
+WINDOW_TEST_MAIN(WireWindowTest)
 #include "wire_window.moc"

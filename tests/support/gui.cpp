@@ -1,15 +1,13 @@
 #include "support/gui.h"
 
-#include <QPushButton>
+#include <stdexcept>
 
 namespace gui {
 
 void GuiTest::connectAdapters()
 {
-    m_adapters.push_back(
-        std::make_unique<GuiAdapter>("lan0", QStringList{"192.168.1.5/24"}, "02:00:00:00:01:05"));
-    m_adapters.push_back(std::make_unique<GuiAdapter>("lan1", QStringList{"172.16.3.4/20", "10.0.0.1/16"},
-                                                      "02:00:00:00:00:01"));
+    m_adapters.emplace_back("lan0", QStringList{"192.168.1.5/24"}, "02:00:00:00:01:05");
+    m_adapters.emplace_back("lan1", QStringList{"172.16.3.4/20", "10.0.0.1/16"}, "02:00:00:00:00:01");
 }
 
 void GuiTest::init()
@@ -18,19 +16,27 @@ void GuiTest::init()
     WindowTest::init();
 }
 
-void GuiTest::openOnCamera(const sdk::Camera& camera)
+void GuiTest::openOn(const std::vector<sdk::Camera>& cameras)
 {
     m_window.reset();
-    m_world.cameras = {camera};
+    m_world = {};
+    m_world.cameras = cameras;
     openWindow();
     select("km-1");
     m_world.take();
     takeTrace();
 }
 
-bool GuiTest::canSave()
+void GuiTest::failAt(const char* call, int nth, bool isStandard)
 {
-    return child<QPushButton>("btnWriteConfiguration").isEnabled();
+    m_world.at[call] = [=, calls = 0]() mutable {
+        if (++calls == nth && isStandard) {
+            throw std::runtime_error("cable");
+        }
+        if (calls == nth) {
+            throw 7;
+        }
+    };
 }
 
 } // namespace gui

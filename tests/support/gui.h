@@ -4,7 +4,6 @@
 #include "support/scriptedsdk.h"
 #include "support/window.h"
 
-#include <memory>
 #include <vector>
 
 namespace gui {
@@ -20,17 +19,17 @@ protected slots:
     void init();
 
 private:
-    std::vector<std::unique_ptr<GuiAdapter>> m_adapters;
+    std::vector<GuiAdapter> m_adapters;
 
 protected:
     void connectAdapters();
     void disconnectAdapters() { m_adapters.clear(); }
-    /// The world's one or first camera, which the tests of a save are about.
+    /// The world's one or first camera, which most tests are about.
     sdk::Camera& cam() { return m_world.cameras.front(); }
-    /// Opens the window on one camera, the "km-1" with MAC 025E41000001 at 192.168.1.9, and selects it.
-    void openOnCamera(const sdk::Camera& camera);
-    bool canSave();
-    void clickOn(const char* name) { QTest::mouseClick(&child<QWidget>(name), Qt::LeftButton); }
+    /// Opens the window on these cameras and selects the first, the "km-1" with MAC 025E41000001.
+    void openOn(const std::vector<sdk::Camera>& cameras = {sdk::camera()});
+    /// Makes the nth call of that name fail, by a std::runtime_error or by something unheard of.
+    void failAt(const char* call, int nth = 1, bool isStandard = true);
 
     sdk::World& m_world = sdk::world();
 };

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "wire/tapdevice.h"
+
 #include <QStringList>
 
 /// A host adapter with known addresses, up and running while this object lives. Only for a network namespace
@@ -9,10 +11,7 @@ class GuiAdapter
 public:
     /// Addresses with prefix, as in "192.168.1.5/24". Throws std::runtime_error when the host refuses.
     GuiAdapter(const QString& name, const QStringList& addresses, const QString& mac);
-    GuiAdapter(const GuiAdapter&) = delete;
-    GuiAdapter& operator=(const GuiAdapter&) = delete;
-    ~GuiAdapter();
 
 private:
-    int m_tap;
+    wire::TapDevice m_tap;
 };

@@ -19,10 +19,25 @@ QString text(bool value)
     return value ? QStringLiteral("true") : QStringLiteral("false");
 }
 
-template <typename... Arguments>
-void note(const char* name, const Arguments&... arguments)
+QString text(const Tessal::AccessModeSet& modes)
 {
-    call(name, {text(arguments)...});
+    QStringList numbers;
+    for (const int mode : {1, 2, 3, 4, 5}) {
+        if (modes.contains(Tessal::EDeviceAccessMode{mode})) {
+            numbers << QString::number(mode);
+        }
+    }
+    return numbers.join('+');
+}
+
+/// Writes a call down and lets the world's script act.
+template <typename... Arguments>
+void call(const char* name, const Arguments&... arguments)
+{
+    world().journal << name + QString("(") + QStringList{text(arguments)...}.join(", ") + ')';
+    if (const auto& act = world().at[name]) {
+        act();
+    }
 }
 
 bool isReachable(const Camera& camera)
@@ -61,29 +76,26 @@ void storeMode(Camera& camera, bool persistent, bool dhcp)
                   Tessal::IpConfig::LinkLocal;
 }
 
-/// Runs `action` on every appearance of that camera; false when there is none.
+/// Runs `action` on every appearance of that camera.
 template <typename Action>
-bool forMac(const GenICam::gcstring& mac, Action action)
+void forMac(const GenICam::gcstring& mac, Action action)
 {
-    bool known = false;
     for (Camera& camera : world().cameras) {
         if (camera.record.GetMacAddress() == mac && !camera.silent) {
             action(camera);
-            known = true;
         }
     }
-    return known;
 }
 
-class TextNode final : public GenApi::INode, public GenApi::IString
+class UserIdNode final : public GenApi::INode, public GenApi::IString
 {
 public:
-    explicit TextNode(GenICam::gcstring mac) : m_mac(std::move(mac)) {}
+    explicit UserIdNode(GenICam::gcstring mac) : m_mac(std::move(mac)) {}
 
     [[nodiscard]] GenICam::gcstring GetName() const override { return "DeviceUserID"; }
     void SetValue(const GenICam::gcstring& value, bool verify) override
     {
-        note("SetValue", value, verify);
+        call("SetValue", value, verify);
         forMac(m_mac, [&](Camera& camera) { set(camera, Tessal::Key::UserDefinedName, value); });
     }
     GenICam::gcstring GetValue(bool) override { return {}; }
@@ -93,30 +105,19 @@ private:
     GenICam::gcstring m_mac;
 };
 
-class OtherNode final : public GenApi::INode
-{
-public:
-    [[nodiscard]] GenICam::gcstring GetName() const override { return "DeviceUserID"; }
-};
-
 class NodeMap final : public GenApi::INodeMap
 {
 public:
-    NodeMap(UserIdNode kind, const GenICam::gcstring& mac) : m_kind(kind), m_text(mac) {}
+    explicit NodeMap(std::unique_ptr<UserIdNode> userId) : m_userId(std::move(userId)) {}
 
     GenApi::INode* GetNode(const GenICam::gcstring& name) const override
     {
-        note("GetNode", name);
-        if (name == "DeviceUserID" && m_kind == UserIdNode::Text) {
-            return &m_text;
-        }
-        return name == "DeviceUserID" && m_kind == UserIdNode::OtherKind ? &m_other : nullptr;
+        call("GetNode", name);
+        return m_userId.get();
     }
 
 private:
-    UserIdNode m_kind;
-    mutable TextNode m_text;
-    mutable OtherNode m_other;
+    std::unique_ptr<UserIdNode> m_userId;
 };
 
 /// Base is ITessalGigEDevice, or ITessalDevice for a camera that is not GigE.
@@ -128,39 +129,27 @@ public:
 
     void Open(const Tessal::AccessModeSet& modes) override
     {
-        QStringList arguments{text(m_record.GetIpAddress())};
-        for (const int mode : {1, 2, 3, 4, 5}) {
-            if (modes.contains(Tessal::EDeviceAccessMode{mode})) {
-                arguments << QString::number(mode);
-            }
+        call("Open", m_record.GetIpAddress(), modes);
+        const auto found = std::ranges::find_if(world().cameras, [&](const Camera& camera) {
+            return isReachable(camera) && camera.record.GetIpAddress() == m_record.GetIpAddress();
+        });
+        if (found == world().cameras.end()) {
+            throw GenICam::TimeoutException("nobody answers", "camera", 1, "TimeoutException");
         }
-        call("Open", arguments);
-        for (const Camera& camera : world().cameras) {
-            if (!isReachable(camera) || camera.record.GetIpAddress() != m_record.GetIpAddress()) {
-                continue;
-            }
-            if (camera.accessibility != Tessal::Accessibility::Ok) {
-                throw GenICam::AccessException("controlled elsewhere", "camera", 1, "AccessException");
-            }
-            m_record = camera.record;
-            m_nodes = camera.hasNodeMap
-                          ? std::make_unique<NodeMap>(camera.userId, camera.record.GetMacAddress())
-                          : nullptr;
-            m_open = true;
-            return;
+        if (found->accessibility != Tessal::Accessibility::Ok) {
+            throw GenICam::AccessException("controlled elsewhere", "camera", 1, "AccessException");
         }
-        throw GenICam::TimeoutException("nobody answers", "camera", 1, "TimeoutException");
+        m_record = found->record;
+        auto userId = found->hasUserId ? std::make_unique<UserIdNode>(m_record.GetMacAddress()) : nullptr;
+        m_nodes = found->hasNodeMap ? std::make_unique<NodeMap>(std::move(userId)) : nullptr;
+        m_open = true;
     }
     void Close() override
     {
         call("Close");
         m_open = false;
     }
-    [[nodiscard]] bool IsOpen() const override
-    {
-        call("IsOpen");
-        return m_open;
-    }
+    [[nodiscard]] bool IsOpen() const override { return m_open; }
     [[nodiscard]] const Tessal::CDeviceInfo& GetDeviceInfo() const override { return m_record; }
     GenApi::INodeMap* GetNodeMap() override
     {
@@ -183,13 +172,13 @@ public:
 
     void SetIpConfigMode(bool persistent, bool dhcp) override
     {
-        note("SetIpConfigMode", persistent, dhcp);
+        call("SetIpConfigMode", persistent, dhcp);
         forMac(m_record.GetMacAddress(), [&](Camera& camera) { storeMode(camera, persistent, dhcp); });
     }
     void SetPersistentIp(const GenICam::gcstring& ip, const GenICam::gcstring& mask,
                          const GenICam::gcstring& gateway) override
     {
-        note("SetPersistentIp", ip, mask, gateway);
+        call("SetPersistentIp", ip, mask, gateway);
         forMac(m_record.GetMacAddress(), [&](Camera& camera) { camera.persistent = {ip, mask, gateway}; });
     }
 };
@@ -199,21 +188,20 @@ class TransportLayer final : public Tessal::IGigETransportLayer
 public:
     int EnumerateDevicesAnySubnet(Tessal::DeviceInfoList& list, bool append) override
     {
-        note("EnumerateDevicesAnySubnet", append);
+        call("EnumerateDevicesAnySubnet", append);
         return enumerate(list, [](const Camera& camera) { return !camera.silent; });
     }
     int EnumerateDevices(Tessal::DeviceInfoList& list, bool append) override
     {
-        note("EnumerateDevices", append);
+        call("EnumerateDevices", append);
         return enumerate(list, isReachable);
     }
     bool QueryDeviceAccessibility(const Tessal::CDeviceInfo& info, const Tessal::AccessModeSet& modes,
                                   int* accessibility) override
     {
-        const Tessal::COrvikGigEDeviceInfo record(info);
-        const bool asExpected = modes == Tessal::AccessModeSet(Tessal::EDeviceAccessMode::Control);
-        call("QueryDeviceAccessibility", {text(record.GetMacAddress()), asExpected ? "1" : "other modes"});
-        forMac(record.GetMacAddress(), [&](const Camera& camera) { *accessibility = camera.accessibility; });
+        const GenICam::gcstring mac = Tessal::COrvikGigEDeviceInfo(info).GetMacAddress();
+        call("QueryDeviceAccessibility", mac, modes);
+        forMac(mac, [&](const Camera& camera) { *accessibility = camera.accessibility; });
         return *accessibility == Tessal::Accessibility::Ok;
     }
     Tessal::CDeviceInfo CreateDeviceInfo() override
@@ -224,51 +212,48 @@ public:
     Tessal::ITessalDevice* CreateDevice(const Tessal::CDeviceInfo& info) override
     {
         const Tessal::COrvikGigEDeviceInfo record(info);
-        note("CreateDevice", record.GetIpAddress());
-        const auto found = std::ranges::find_if(world().cameras, [&](const Camera& camera) {
-            return camera.record.GetIpAddress() == record.GetIpAddress();
-        });
+        call("CreateDevice", record.GetIpAddress());
         if (!world().makesDevices) {
             return nullptr;
         }
-        if (found != world().cameras.end() && !found->isGigE) {
-            m_devices.push_back(std::make_unique<DeviceOf<Tessal::ITessalDevice>>(record));
-        } else {
+        if (world().cameras.front().isGigE) {
             m_devices.push_back(std::make_unique<GigEDevice>(record));
+        } else {
+            m_devices.push_back(std::make_unique<DeviceOf<Tessal::ITessalDevice>>(record));
         }
         return m_devices.back().get();
     }
     void DestroyDevice(Tessal::ITessalDevice* device) override
     {
-        const bool known = std::ranges::any_of(m_devices, [&](auto& held) { return held.get() == device; });
-        call("DestroyDevice", known ? QStringList{} : QStringList{"unknown"});
-        std::erase_if(m_devices, [&](const auto& held) { return held.get() == device; });
+        call("DestroyDevice");
+        if (std::erase_if(m_devices, [&](const auto& held) { return held.get() == device; }) == 0) {
+            throw GenICam::LogicalErrorException("destroyed before", "camera", 1);
+        }
     }
     void ForceIp(const GenICam::gcstring& mac, const GenICam::gcstring& ip, const GenICam::gcstring& mask,
                  const GenICam::gcstring& gateway) override
     {
-        note("ForceIp", mac, ip, mask, gateway);
+        call("ForceIp", mac, ip, mask, gateway);
         forMac(mac, [&](Camera& camera) { move(camera, {ip, mask, gateway}); });
     }
     void RestartIpConfig(const GenICam::gcstring& mac) override
     {
-        note("RestartIpConfig", mac);
+        call("RestartIpConfig", mac);
         forMac(mac, restart);
     }
     bool BroadcastIpConfig(const GenICam::gcstring& mac, bool persistent, bool dhcp,
                            const GenICam::gcstring& ip, const GenICam::gcstring& mask,
                            const GenICam::gcstring& gateway, const GenICam::gcstring& name) override
     {
-        note("BroadcastIpConfig", mac, persistent, dhcp, ip, mask, gateway, name);
+        call("BroadcastIpConfig", mac, persistent, dhcp, ip, mask, gateway, name);
         bool taken = false;
         forMac(mac, [&](Camera& camera) {
-            if (!camera.knowsBroadcast) {
-                return;
+            if (camera.knowsBroadcast) {
+                storeMode(camera, persistent, dhcp);
+                camera.persistent = {ip, mask, gateway};
+                set(camera, Tessal::Key::UserDefinedName, name);
+                taken = true;
             }
-            storeMode(camera, persistent, dhcp);
-            camera.persistent = {ip, mask, gateway};
-            set(camera, Tessal::Key::UserDefinedName, name);
-            taken = true;
         });
         return taken;
     }
@@ -298,23 +283,11 @@ World& world()
     return instance;
 }
 
-void call(const std::string& name, const QStringList& arguments)
-{
-    world().journal << QString::fromStdString(name) + '(' + arguments.join(", ") + ')';
-    const auto script = world().at.find(name);
-    if (script != world().at.end()) {
-        const auto act = script->second; // the script may take itself out
-        act();
-    }
-}
-
 QStringList World::take(bool all)
 {
     QStringList calls = std::exchange(journal, {});
     if (!all) {
-        calls.removeIf([](const QString& line) {
-            return line.startsWith("Enumerate") || line.startsWith("Query") || line.startsWith("IsOpen");
-        });
+        calls.removeIf([](const auto& line) { return line.startsWith("Enum") || line.startsWith("Query"); });
     }
     return calls;
 }
@@ -324,11 +297,15 @@ void set(Camera& camera, const char* key, const char* value)
     camera.record.SetPropertyValue(key, value);
 }
 
-QString get(const Tessal::IProperties& record, const char* key)
+QString get(const Tessal::IProperties& record, std::initializer_list<const char*> keys)
 {
-    GenICam::gcstring value("-");
-    record.GetPropertyValue(key, value);
-    return text(value);
+    QStringList values;
+    for (const char* const key : keys) {
+        GenICam::gcstring value("-");
+        record.GetPropertyValue(key, value);
+        values << text(value);
+    }
+    return values.join(' ');
 }
 
 Camera with(Camera camera, std::initializer_list<std::pair<const char*, const char*>> properties)
@@ -341,16 +318,16 @@ Camera with(Camera camera, std::initializer_list<std::pair<const char*, const ch
 
 Camera camera(const char* model, const char* mac, const char* ip, const char* interface)
 {
-    Camera made = with({}, {{Tessal::Key::DeviceClass, "OrvikGigE"},
-                            {Tessal::Key::VendorName, "Orvik"},
-                            {Tessal::Key::ModelName, model},
-                            {Tessal::Key::MacAddress, mac},
-                            {Tessal::Key::SerialNumber, "000001"},
-                            {Tessal::Key::FriendlyName, model},
-                            {Tessal::Key::Interface, interface},
-                            {Tessal::Key::PortNr, "3956"},
-                            {Tessal::Key::UserDefinedName, ""},
-                            {Tessal::Key::IpConfigCurrent, "5"}});
+    Camera made = with({}, {{"DeviceClass", "OrvikGigE"},
+                            {"VendorName", "Orvik"},
+                            {"ModelName", model},
+                            {"MacAddress", mac},
+                            {"SerialNumber", "000001"},
+                            {"FriendlyName", model},
+                            {"Interface", interface},
+                            {"PortNr", "3956"},
+                            {"UserDefinedName", ""},
+                            {"IpConfigCurrent", "5"}});
     made.persistent = {ip, "255.255.255.0", "0.0.0.0"};
     move(made, made.persistent);
     storeMode(made, true, false);
@@ -369,18 +346,15 @@ CTlFactory& CTlFactory::GetInstance()
 
 ITransportLayer* CTlFactory::CreateTl(const GenICam::gcstring& deviceClass)
 {
-    sdk::call("CreateTl", {sdk::text(deviceClass)});
-    if (!sdk::world().makesTransportLayer || deviceClass != "OrvikGigE") {
-        return nullptr;
-    }
-    sdk::transportLayer = std::make_unique<sdk::TransportLayer>();
+    sdk::call("CreateTl", deviceClass);
+    sdk::transportLayer =
+        sdk::world().makesTransportLayer ? std::make_unique<sdk::TransportLayer>() : nullptr;
     return sdk::transportLayer.get();
 }
 
 void CTlFactory::ReleaseTl(const ITransportLayer* transportLayer)
 {
-    const bool known = transportLayer != nullptr && transportLayer == sdk::transportLayer.get();
-    sdk::call("ReleaseTl", known ? QStringList{} : QStringList{"unknown"});
+    sdk::call("ReleaseTl", transportLayer != nullptr && transportLayer == sdk::transportLayer.get());
     sdk::transportLayer.reset();
 }
 
@@ -391,7 +365,14 @@ void TessalInitialize()
 
 void TessalTerminate(bool shutDownLogging)
 {
-    sdk::call("TessalTerminate", {sdk::text(shutDownLogging)});
+    sdk::call("TessalTerminate", shutDownLogging);
 }
 
 } // namespace Tessal
+
+/// Takes the place of the C library's: written down, never slept.
+extern "C" unsigned int sleep(unsigned int seconds)
+{
+    sdk::call("sleep", GenICam::gcstring(std::to_string(seconds)));
+    return 0;
+}

@@ -2,7 +2,6 @@
 
 #include "tessal/transportlayer.h"
 
-#include <QString>
 #include <QStringList>
 
 #include <functional>
@@ -15,8 +14,6 @@
 /// The camera SDK as a play: cameras in memory that obey, refuse and restart like real ones, and a journal of
 /// what was asked of them. Nothing here knows a socket.
 namespace sdk {
-
-enum class UserIdNode { Text, OtherKind, Missing };
 
 struct Address
 {
@@ -35,7 +32,7 @@ struct Camera
     bool comesBack = true;                         // is heard again after a restart or a forced address
     bool isGigE = true;
     bool hasNodeMap = true;
-    UserIdNode userId = UserIdNode::Text;
+    bool hasUserId = true; // among the nodes
 
     bool silent = false;   // away since a restart, because it does not come back
     unsigned int mode = 0; // what the next restart puts in force, in the bits of IpConfigCurrent
@@ -49,8 +46,8 @@ struct Camera
 [[nodiscard]] Camera with(Camera camera,
                           std::initializer_list<std::pair<const char*, const char*>> properties);
 void set(Camera& camera, const char* key, const char* value);
-/// The property, or "-" when the record lacks it.
-[[nodiscard]] QString get(const Tessal::IProperties& record, const char* key);
+/// The properties joined by blanks, "-" for each that the record lacks.
+[[nodiscard]] QString get(const Tessal::IProperties& record, std::initializer_list<const char*> keys);
 
 struct World
 {
@@ -67,7 +64,5 @@ struct World
 };
 
 [[nodiscard]] World& world();
-/// Writes a call down and lets the world's script act.
-void call(const std::string& name, const QStringList& arguments = {});
 
 } // namespace sdk

@@ -4,8 +4,7 @@
 #include <QString>
 
 /// Keeps every Qt message that is written while it lives, trace lines included, and passes each on to where
-/// it went before. Captures nest; each sees all messages of its own life. Made and destroyed on one thread;
-/// messages may come from any.
+/// it went before. One at a time, made and destroyed on one thread; messages may come from any.
 class TraceCapture
 {
 public:
@@ -22,16 +21,7 @@ public:
     Q_DISABLE_COPY_MOVE(TraceCapture)
     ~TraceCapture();
 
-    [[nodiscard]] QList<Line> lines() const;
-    /// The lines of one category, in order.
-    [[nodiscard]] QList<Line> lines(const QString& category) const;
-    [[nodiscard]] bool contains(QtMsgType level, const QString& text) const;
+    /// The lines in order, of one category where that is given.
+    [[nodiscard]] QList<Line> lines(const QString& category = {}) const;
     void clear();
-
-private:
-    static void keep(QtMsgType level, const QMessageLogContext& context, const QString& text);
-
-    TraceCapture* m_outer = nullptr;
-    QtMessageHandler m_previous;
-    QList<Line> m_lines;
 };

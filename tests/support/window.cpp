@@ -2,7 +2,6 @@
 
 #include "support/guiadapter.h"
 
-#include <QAbstractButton>
 #include <QApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -12,7 +11,6 @@
 #include <QTemporaryDir>
 
 #include <cstdio>
-#include <stdexcept>
 
 namespace gui {
 
@@ -36,6 +34,17 @@ QString describe(QWidget& shown)
     return parts.join('|');
 }
 
+void retype(QLineEdit& edit, const QString& text)
+{
+    QTest::mouseClick(&edit, Qt::LeftButton);
+    QTest::keySequence(&edit, QKeySequence::SelectAll);
+    QTest::keyClick(&edit, Qt::Key_Delete);
+    for (const QChar character : text) { // QTest's own keys end with ASCII
+        QKeyEvent key(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, QString(character));
+        QApplication::sendEvent(&edit, &key);
+    }
+}
+
 } // namespace
 
 int cursorDepth()
@@ -50,21 +59,9 @@ int cursorDepth()
     return static_cast<int>(stack.size());
 }
 
-void type(QWidget& parent, const char* name, const QString& text)
+void escape(QWidget& shown)
 {
-    auto& edit = child<QLineEdit>(parent, name);
-    QTest::mouseClick(&edit, Qt::LeftButton);
-    QTest::keySequence(&edit, QKeySequence::SelectAll);
-    QTest::keyClick(&edit, Qt::Key_Delete);
-    for (const QChar character : text) { // QTest's own keys end with ASCII
-        QKeyEvent key(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, QString(character));
-        QApplication::sendEvent(&edit, &key);
-    }
-}
-
-Answer press(Qt::Key key)
-{
-    return [key](QWidget& shown) { QTest::keyClick(&shown, key); };
+    QTest::keyClick(&shown, Qt::Key_Escape);
 }
 
 Answer click(QMessageBox::StandardButton button)
@@ -82,45 +79,34 @@ Answer fill(const QList<std::pair<const char*, QString>>& fields)
 {
     return [fields](QWidget& shown) {
         for (const auto& [name, text] : fields) {
-            type(shown, name, text);
+            retype(child<QLineEdit>(shown, name), text);
         }
         QTest::keyClick(&shown, Qt::Key_Return);
     };
 }
 
-bool Dialogs::eventFilter(QObject* watched, QEvent* event)
+bool WindowTest::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() == QEvent::Show &&
-        (qobject_cast<QDialog*>(watched) != nullptr || qobject_cast<QMenu*>(watched) != nullptr)) {
-        auto* const shown = static_cast<QWidget*>(watched);
-        m_shown << describe(*shown);
-        QMetaObject::invokeMethod(
-            shown, [this, shown] { answer(*shown); }, Qt::QueuedConnection);
+    auto* const shown = qobject_cast<QWidget*>(watched);
+    if (event->type() != QEvent::Show || (!qobject_cast<QDialog*>(shown) && !qobject_cast<QMenu*>(shown))) {
+        return false;
     }
+    m_shown << describe(*shown);
+    const auto answer = [this, shown] {
+        if (m_answers.isEmpty()) {
+            QTest::qFail(qPrintable("unexpected: " + m_shown.last()), __FILE__, __LINE__);
+            shown->close();
+        } else {
+            m_answers.takeFirst()(*shown);
+        }
+    };
+    QMetaObject::invokeMethod(shown, answer, Qt::QueuedConnection);
     return false;
-}
-
-void Dialogs::answer(QWidget& shown)
-{
-    if (m_answers.isEmpty()) {
-        m_failures << "unexpected: " + describe(shown);
-        shown.close();
-    } else {
-        m_answers.takeFirst()(shown);
-    }
-}
-
-QString Dialogs::takeFailures()
-{
-    for (; !m_answers.isEmpty(); m_answers.removeFirst()) {
-        m_failures << "a dialog did not come";
-    }
-    return std::exchange(m_failures, {}).join('\n');
 }
 
 void WindowTest::init()
 {
-    qApp->installEventFilter(&m_dialogs);
+    qApp->installEventFilter(this);
     m_messages.emplace();
     QSettings().clear();
 }
@@ -128,10 +114,10 @@ void WindowTest::init()
 void WindowTest::cleanup()
 {
     m_window.reset();
-    m_dialogs.take();
-    QCOMPARE(m_dialogs.takeFailures(), QString());
-    QCOMPARE(cursorDepth(), 0);
     m_messages.reset();
+    m_shown.clear();
+    QVERIFY2(std::exchange(m_answers, {}).isEmpty(), "a dialog did not come");
+    QCOMPARE(cursorDepth(), 0);
 }
 
 void WindowTest::openWindow()
@@ -168,8 +154,23 @@ QTreeWidgetItem& WindowTest::row(const QString& text)
 void WindowTest::select(QTreeWidgetItem& item)
 {
     tree().scrollToItem(&item);
-    const QRect place = tree().visualItemRect(&item);
-    QTest::mouseClick(tree().viewport(), Qt::LeftButton, {}, place.center());
+    QTest::mouseClick(tree().viewport(), Qt::LeftButton, {}, tree().visualItemRect(&item).center());
+}
+
+void WindowTest::openMenuOf(const QString& row)
+{
+    emit tree().customContextMenuRequested(tree().visualItemRect(&this->row(row)).center());
+}
+
+void WindowTest::type(const char* name, const QString& text)
+{
+    retype(child<QLineEdit>(name), text);
+}
+
+void WindowTest::enter(const char* name, const QString& text)
+{
+    type(name, text);
+    QTest::keyClick(&child<QLineEdit>(name), Qt::Key_Tab);
 }
 
 void WindowTest::press(const QKeySequence& keys)
@@ -179,21 +180,16 @@ void WindowTest::press(const QKeySequence& keys)
     QTest::keySequence(m_window.get(), keys);
 }
 
-void WindowTest::save()
+QStringList WindowTest::save(const QList<Answer>& answers)
 {
+    expect(answers);
+    m_shown.clear();
     press(QKeySequence("Ctrl+S"));
-    QTRY_VERIFY(!child<QPushButton>("btnWriteConfiguration").isDown());
-}
-
-void WindowTest::enter(const char* name, const QString& text)
-{
-    type(name, text);
-    QTest::keyClick(&child<QLineEdit>(name), Qt::Key_Tab);
-}
-
-QString WindowTest::text(const char* name)
-{
-    return child<QWidget>(name).property("text").toString();
+    const auto& button = child<QAbstractButton>("btnWriteConfiguration");
+    if (!QTest::qWaitFor([&button] { return !button.isDown(); })) {
+        QTest::qFail("the button stays down", __FILE__, __LINE__);
+    }
+    return takeDialogs();
 }
 
 QStringList WindowTest::takeTrace(const QString& category)

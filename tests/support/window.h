@@ -27,50 +27,23 @@ T& child(QWidget& parent, const char* name)
     return *found;
 }
 
-/// Replaces the text of a line edit by keys, as a user would.
-void type(QWidget& parent, const char* name, const QString& text);
-
-/// Fills the table of a test with rows that have a `name`; the test fetches each as "row".
-template <typename Row>
-void rows(std::initializer_list<Row> table)
-{
-    QTest::addColumn<Row>("row");
-    for (const Row& row : table) {
-        QTest::newRow(row.name) << row;
-    }
-}
-
 /// What a user does with a dialog or menu that came up.
 using Answer = std::function<void(QWidget&)>;
-[[nodiscard]] Answer press(Qt::Key key);
+void escape(QWidget& shown);
 [[nodiscard]] Answer click(QMessageBox::StandardButton button);
 /// Types into fields, by object name, and confirms with Enter.
 [[nodiscard]] Answer fill(const QList<std::pair<const char*, QString>>& fields);
 
-/// Answers modal dialogs and menus in the order given. One that nobody expected is dismissed and fails the
-/// test, as does an answer to which no dialog came.
-class Dialogs : public QObject
+/// Dialogs as takeDialogs() gives them; report() is that of showException() and its kin.
+inline const QString notSaved = "|The configuration could not be saved.|Close|Close";
+inline const QString forceIpDialog = "Assign Temporary IP Address (Force IP)";
+[[nodiscard]] inline QString report(const QString& text)
 {
-public:
-    void expect(Answer answer) { m_answers << std::move(answer); }
-    /// What came up since the last call: "title|text|buttons|default button", with "|wait cursor N" behind it
-    /// when N cursors were set at that moment.
-    QStringList take() { return std::exchange(m_shown, {}); }
-    /// Empty, or what went otherwise than expected since the last call.
-    QString takeFailures();
+    return "Tessal Lanvic|" + text + "|OK,Show Details...|";
+}
 
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
-
-private:
-    void answer(QWidget& shown);
-
-    QList<Answer> m_answers;
-    QStringList m_shown;
-    QStringList m_failures;
-};
-
-/// Base of the tests of the real window: one at a time, with private settings.
+/// Base of the tests of the real window: one at a time, with private settings. A dialog or menu that nobody
+/// expected is dismissed and fails the test, as does an answer to which none came.
 class WindowTest : public QObject
 {
     Q_OBJECT
@@ -88,37 +61,55 @@ protected:
     QStringList rows();
     /// The row with that text in its first column, or in its MAC column.
     QTreeWidgetItem& row(const QString& text);
+    QString current() { return tree().currentItem()->text(0); }
     void select(QTreeWidgetItem& item);
     void select(const QString& text) { select(row(text)); }
-    void type(const char* name, const QString& text) { gui::type(*m_window, name, text); }
+    void openMenuOf(const QString& row);
+    QString text(const char* name) { return child<QWidget>(name).property("text").toString(); }
+    bool canSave() { return child<QWidget>("btnWriteConfiguration").isEnabled(); }
+
+    void clickOn(const char* name) { QTest::mouseClick(&child<QWidget>(name), Qt::LeftButton); }
+    /// Replaces the text of a field by keys, as a user would.
+    void type(const char* name, const QString& text);
     /// Types and leaves the field by Tab.
     void enter(const char* name, const QString& text);
-    QString text(const char* name);
     void press(const QKeySequence& keys);
-    /// Saves by Ctrl+S. The button shows for a moment that it was pressed before it acts.
-    void save();
+    void refresh() { press(QKeySequence("F5")); }
+    /// Saves by Ctrl+S, answering the dialogs that come, and gives these. The button shows for a moment that
+    /// it was pressed before it acts.
+    QStringList save(const QList<Answer>& answers = {});
 
+    /// Answers the next dialogs and menus, in this order.
+    void expect(const QList<Answer>& answers) { m_answers << answers; }
+    /// What came up since the last call: "title|text|buttons|default button", with "|wait cursor N" behind it
+    /// when N cursors were set at that moment.
+    QStringList takeDialogs() { return std::exchange(m_shown, {}); }
     /// What was written to the trace log, or to Qt's debug output, since the last call: "level text".
     QStringList takeTrace(const QString& category = "Lanvic.Base");
     QStringList takeDebug() { return takeTrace("default"); }
 
-    Dialogs m_dialogs;
     std::unique_ptr<MainWnd> m_window;
 
     Q_SLOT void init();
     Q_SLOT void cleanup();
 
 private:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+    QList<Answer> m_answers;
+    QStringList m_shown;
     std::optional<TraceCapture> m_messages;
 };
-
-/// The line of showException() and its kin among the dialogs shown.
-[[nodiscard]] inline QString report(const QString& text)
-{
-    return "Tessal Lanvic|" + text + "|OK,Show Details...|";
-}
 
 /// Prepares the process and runs the test; 77 where the host grants no adapters of our own.
 [[nodiscard]] int run(QObject& test, int argc, char** argv);
 
 } // namespace gui
+
+/// The main function of a test of the window.
+#define WINDOW_TEST_MAIN(Test)                                                                               \
+    int main(int argc, char** argv)                                                                          \
+    {                                                                                                        \
+        Test test;                                                                                           \
+        return gui::run(test, argc, argv);                                                                   \
+    }
