@@ -1,6 +1,7 @@
 #include "ipconfigurationwidget.h"
 
 #include "DeviceLister.h"
+#include "fittext.h"
 #include "settingskeys.h"
 
 #include "qtbase/validators.h"
@@ -9,7 +10,13 @@
 #include <QHeaderView>
 #include <QSettings>
 
+#include <algorithm>
+
 namespace {
+
+/// What frame, margins and cursor of a line edit take up, in pixels.
+constexpr int editFrameWidth = 12;
+constexpr int editFrameHeight = 4;
 
 /// What a camera can store as its user ID.
 constexpr int maxCustomNameBytes = 16;
@@ -45,6 +52,7 @@ void restoreHeaderState(QHeaderView* header)
 IpConfigurationWidget::IpConfigurationWidget(QWidget* parent) : QWidget(parent)
 {
     ui.setupUi(this);
+    fitTextsOfFixedSize();
     clearDirtyFlags();
     const QStringList columns{tr("Name"),   tr("Device User ID"),   tr("Serial Number"), tr("MAC Address"),
                               tr("Status"), tr("IP Configuration"), tr("IP Address"),    tr("Subnet Mask")};
@@ -73,6 +81,28 @@ IpConfigurationWidget::~IpConfigurationWidget()
 {
     // A camera that is still held is given back with the transport layer, which may go with the lister.
     delete m_pDeviceLister;
+}
+
+void IpConfigurationWidget::fitTextsOfFixedSize()
+{
+    // All get the size that the longest of them needs, through the frame.
+    const auto isSeenInFull = [](const QWidget* text) {
+        return text->sizeHint().width() <= text->width() && text->fontMetrics().height() <= text->height();
+    };
+    shrinkFont(*ui.frameConfig, [&] {
+        return std::ranges::all_of(
+            std::initializer_list<const QWidget*>{ui.btnUsePersistentIp, ui.btnUseDhcp, ui.btnUseAutoIp,
+                                                  ui.labelIpAddress, ui.labelNetmask, ui.labelDefaultGateway,
+                                                  ui.labelCustomName, ui.btnWriteConfiguration},
+            isSeenInFull);
+    });
+    for (QLineEdit* edit : {ui.editIpAddress, ui.editNetmask, ui.editDefaultGateway, ui.editCustomName}) {
+        shrinkFont(*edit, [edit] {
+            const QRect longest = edit->fontMetrics().boundingRect(QStringLiteral("255.255.255.255"));
+            return longest.width() <= edit->width() - editFrameWidth &&
+                   edit->fontMetrics().height() <= edit->height() - editFrameHeight;
+        });
+    }
 }
 
 void IpConfigurationWidget::installValidators()

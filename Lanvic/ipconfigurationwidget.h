@@ -70,6 +70,7 @@ private:
     // construction
     void createHiddenAction(const QString& objectName, const QString& shortcut,
                             void (IpConfigurationWidget::*slot)());
+    void fitTextsOfFixedSize();
     void installValidators();
     void connectSignals();
 

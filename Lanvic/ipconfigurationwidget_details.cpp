@@ -1,3 +1,4 @@
+#include "fittext.h"
 #include "ipconfigurationwidget.h"
 
 #include "DeviceLister.h"
@@ -286,12 +287,12 @@ bool IpConfigurationWidget::isValidConfigInUI() const
 // NOLINTBEGIN(readability-make-member-function-const)
 void IpConfigurationWidget::setSelectionInfoText(const QString& text)
 {
-    ui.labelSelectionInfo->setText(text);
+    setFittingText(*ui.labelSelectionInfo, text);
 }
 
 void IpConfigurationWidget::setHintText(const QString& text)
 {
-    ui.labelHint->setText(text);
+    setFittingText(*ui.labelHint, text);
 }
 // NOLINTEND(readability-make-member-function-const)
 

@@ -144,6 +144,9 @@ bool IpConfigurationWidget::UpdateTreeItemFromDeviceInfo(QTreeWidgetItem* item,
     setText(item, ModeColumn, formatIPConfiguration(record->GetIpConfigCurrent(), 1));
     setText(item, IpColumn, record->GetIpAddress());
     setText(item, MaskColumn, record->GetSubnetMask());
+    // A screen reader that follows the rows reads the first column only.
+    item->setData(NameColumn, Qt::AccessibleDescriptionRole,
+                  QStringList{item->text(StatusColumn), item->text(IpColumn)}.join(QLatin1String(", ")));
     return true;
 }
 

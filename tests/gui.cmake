@@ -4,7 +4,7 @@ add_library(gui_support OBJECT support/scriptedsdk.cpp support/gui.cpp support/g
 target_include_directories(gui_support PUBLIC ${CMAKE_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
 target_link_libraries(gui_support PUBLIC lanvic test_support platform_net gige_simulation Qt6::Test)
 
-foreach(name IN ITEMS window startup discovery tree editor saving connection closing)
+foreach(name IN ITEMS window startup discovery tree editor saving connection closing accessibility)
     lanvic_test(tst_${name} SOURCES tst_${name}.cpp support/onlyinlab.cpp LIBS gui_support lanvic LAUNCHER
                 ${CMAKE_SOURCE_DIR}/scripts/lab)
     set_tests_properties(tst_${name} PROPERTIES LABELS gui SKIP_RETURN_CODE 77)
