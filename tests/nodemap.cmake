@@ -1,2 +1,1 @@
-find_package(ZLIB REQUIRED) # comes with libzip
-lanvic_test(tst_nodemap SOURCES tst_nodemap.cpp LIBS platform_gige platform_ozlog ZLIB::ZLIB)
+lanvic_test(tst_nodemap SOURCES tst_nodemap.cpp LIBS platform_gige platform_ozlog)

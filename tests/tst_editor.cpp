@@ -1,5 +1,7 @@
 #include "support/gui.h"
 
+#include "qtbase/ipaddresswidget.h"
+
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
@@ -124,6 +126,18 @@ private slots:
         type("editNetmask", "");
         enter("editIpAddress", "192.168.1.78");
         QCOMPARE(addresses(), "192.168.1.78  "); // the user wants it empty
+    }
+
+    void theMaskIsThatOfTheSmallestHostSubnet()
+    {
+        const GuiAdapter lan2("lan2", {"10.0.48.1/20", "10.0.60.7/32"}, "02:00:00:00:00:02");
+        const auto maskOf = [](const char* address) {
+            return IpAddressWidget::subnetFromAddress(QHostAddress(QString(address))).toString();
+        };
+        QCOMPARE(maskOf("10.0.63.9"), "255.255.240.0");
+        QCOMPARE(maskOf("10.0.60.7"), "255.255.240.0"); // an adapter's own /32 is no subnet for a camera
+        QCOMPARE(maskOf("10.0.64.9"), "255.255.0.0");
+        QCOMPARE(maskOf("10.1.0.9"), "255.0.0.0"); // of no adapter
     }
 
     void anEmptyGatewayCountsAsAChange()

@@ -6,15 +6,13 @@
 #include "gige/zipdescription.h"
 #include "trace.h"
 
+#include <QFile>
 #include <QTest>
-#include <QtEndian>
 
 #include <array>
 #include <functional>
 #include <map>
 #include <vector>
-
-#include <zlib.h>
 
 namespace {
 
@@ -70,35 +68,12 @@ QByteArray describe(const QByteArray& nodes)
            nodes + "</RegisterDescription>";
 }
 
-/// An archive with one deflated file, whose headers may say what is not so.
-struct Zip
+/// An archive that the fuzzer starts from, too: of one description, stored or deflated, or of two files.
+QByteArray archive(const QString& name)
 {
-    QByteArray name = "camera.xml";
-    QByteArray content =
-        describe("<StringReg Name='DeviceUserID'><Address>0</Address><Length>16</Length></StringReg>");
-    quint16 method = 8;
-    quint32 crcError = 0;
-    quint32 claimedSize = static_cast<quint32>(content.size());
-
-    [[nodiscard]] QByteArray bytes() const
-    {
-        const auto* const text = reinterpret_cast<const Bytef*>(content.constData());
-        const auto crc = static_cast<quint32>(::crc32(0, text, static_cast<uInt>(content.size())));
-        const QByteArray data = method == 8 ? qCompress(content).mid(6).chopped(4) : content;
-        const QByteArray common = number(20, 2) + number(0, 2) + number(method, 2) + number(0, 4) +
-                                  number(crc ^ crcError, 4) + number(data.size(), 4) +
-                                  number(claimedSize, 4) + number(name.size(), 2) + number(0, 2);
-        const QByteArray local = "PK\3\4" + common + name + data;
-        const QByteArray central = "PK\1\2" + number(20, 2) + common + QByteArray(14, '\0') + name;
-        return local + central + "PK\5\6" + number(0, 4) + number(1, 2) + number(1, 2) +
-               number(central.size(), 4) + number(local.size(), 4) + number(0, 2);
-    }
-    static QByteArray number(qint64 value, int size)
-    {
-        const qint64 little = qToLittleEndian(value);
-        return {reinterpret_cast<const char*>(&little), size};
-    }
-};
+    QFile file(QFINDTESTDATA("fuzz/seeds/fuzz_zip/" + name + ".zip"));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
 
 /// Nodes in XML from a short form: "KIND NAME CHILD=TEXT ... | ...", where
 /// @ is the start of DeviceUserID and $ also its place.
@@ -269,25 +244,43 @@ private slots:
 
     void zipGivesItsXmlAndBelievesNoSize()
     {
-        const QByteArray good = Zip{.content = "<x/>"}.bytes();
-        const QByteArray large(5000, 'x');
+        constexpr qsizetype size = 443;
+        const QByteArray good = archive("deflated");
+        const QString xml = archive("stored").mid(35, size);
         const QString unusable = "useless: the zip archive cannot be used: ";
-        const QString tooLarge = unusable + "its file has more than 5000 bytes";
-        const auto rows = std::to_array<std::pair<QByteArray, QString>>({
-            {good, "<x/>"},
-            {good + QByteArray(3, '\0'), "<x/>"},
-            {Zip{.name = "other", .content = "<x/>"}.bytes(), "<x/>"},
-            {Zip{.content = large, .claimedSize = 4}.bytes(), large},
-            {Zip{.content = large + 'x'}.bytes(), tooLarge},
-            {Zip{.content = "<x/>", .crcError = 1}.bytes(), unusable + "CRC"},
-            {Zip{.method = 14}.bytes(), unusable + "its file is neither stored nor deflated"},
+        // Writes to both headers of the file: 8 is the method, 14 the checksum, 22 the size that it claims.
+        const auto patched = [&good](int field, char low, char high) {
+            QByteArray bytes = good;
+            for (const qsizetype at : {qsizetype{0}, good.indexOf("PK\1\2") + 2}) {
+                bytes[at + field] = low;
+                bytes[at + field + 1] = high;
+            }
+            return bytes;
+        };
+        struct Row
+        {
+            QByteArray archive;
+            QString expected;
+            std::size_t limit = size;
+        };
+        const auto rows = std::to_array<Row>({
+            {good, xml},
+            {good + QByteArray(3, '\0'), xml},
+            {archive("two"), xml},
+            {QByteArray(good).replace("c.xml", "other"), xml},
+            {patched(22, 4, 0), xml},
+            {good, unusable + "its file has more than 442 bytes", size - 1},
+            {patched(14, 0, 0), unusable + "CRC"},
+            {patched(8, 14, 0), unusable + "its file is neither stored nor deflated"},
             {good.chopped(30), unusable + "Not a zip"},
             {"", unusable},
         });
-        for (const auto& [archive, expected] : rows) {
+        for (const auto& [archive, expected, limit] : rows) {
             const std::vector<std::uint8_t> bytes(archive.begin(), archive.end());
-            const QString result = resultOf([&bytes] { return gige::unzipDescription(bytes, 5000); });
-            QVERIFY2(fits(result, expected), qPrintable(expected + " but is " + result.left(200)));
+            const QString result =
+                resultOf([&, limit = limit] { return gige::unzipDescription(bytes, limit); });
+            QVERIFY2(fits(result, expected), archive.toHex() + qPrintable(" gives " + result.left(200)) +
+                                                 " and not " + qPrintable(expected));
         }
     }
 
@@ -297,7 +290,7 @@ private slots:
         // nothing.
         const QByteArray plain = describe(nodes("@ Address=0 Length=24")) + QByteArray(3, '\0');
         const QByteArray good = "Local:a.xml;A000;" + QByteArray::number(plain.size(), 16);
-        const QByteArray zipped = "Local:b.zip;B000;" + QByteArray::number(Zip{}.bytes().size(), 16);
+        const QByteArray zipped = "Local:b.zip;B000;" + QByteArray::number(archive("deflated").size(), 16);
         struct Row
         {
             QByteArray first;
@@ -311,7 +304,7 @@ private slots:
         const QByteArray none;
         const auto rows = std::to_array<Row>({
             {good, none, "24", ""},
-            {zipped, good, "16", ""},
+            {zipped, good, "15", ""},
             {"http://a/b.xml", good, "24", ""},
             {"Local:c.xml;C000;b", good, "24", ""},
             {"Local:c.xml;D000;4", good, "24", ""},
@@ -329,7 +322,7 @@ private slots:
             port.put(gvcp::Register::SecondUrl, row.second.leftJustified(gvcp::Register::UrlSize, '\0'));
             port.put(gvcp::Register::Capability, row.capability);
             port.put(0xA000, plain);
-            port.put(0xB000, Zip{}.bytes());
+            port.put(0xB000, archive("deflated"));
             port.put(0xC000, "<svg></svg>");
             port.put(0xD000, "<a<b");
             port.faultAt = row.faultAt;

@@ -90,14 +90,6 @@ private slots:
         QVERIFY(ip("link show lab0") != 0);
     }
 
-    void survivesTheLossOfItsAdapter()
-    {
-        start();
-        QCOMPARE(ip("link delete lab0"), 0);
-        QCOMPARE(nextLine(), "gone adapter=lab0");
-        QCOMPARE(m_simulator.state(), QProcess::Running);
-    }
-
     void declinesToStart()
     {
         const QByteArray wrong = refusal("{}");
