@@ -1,4 +1,5 @@
 #include "gige/reversepath.h"
+#include "net/routes.h"
 
 #include <QTest>
 
@@ -39,9 +40,9 @@ private slots:
         const std::string costly = "wlan0\t00000000\t0101A8C0\t0003\t0\t0\t600\t00000000\t0\n";
         const std::string cheap = "eth1\t00000000\t0102A8C0\t0003\t0\t0\t100\t00000000\t0\n";
         const std::string half = "tun0\t00000000\t00000000\t0001\t0\t0\t0\t00000080\t0\n";
-        QCOMPARE(gige::defaultRouteAdapter(""), std::string());
-        QCOMPARE(gige::defaultRouteAdapter(titles + network + rejected + half), std::string());
-        QCOMPARE(gige::defaultRouteAdapter(titles + costly + rejected + cheap + network),
+        QCOMPARE(net::defaultRouteAdapter(""), std::string());
+        QCOMPARE(net::defaultRouteAdapter(titles + network + rejected + half), std::string());
+        QCOMPARE(net::defaultRouteAdapter(titles + costly + rejected + cheap + network),
                  std::string("eth1"));
     }
 };

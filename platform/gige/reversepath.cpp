@@ -1,17 +1,12 @@
 #include "gige/reversepath.h"
 
 #include "gige/trace.h"
+#include "net/routes.h"
 
 #include <algorithm>
 #include <fstream>
-#include <ios>
-#include <iterator>
-#include <limits>
 #include <mutex>
 #include <set>
-#include <sstream>
-
-#include <linux/route.h>
 
 namespace gige {
 
@@ -22,12 +17,6 @@ int readFilter(const std::string& adapter)
     int value = 0;
     std::ifstream("/proc/sys/net/ipv4/conf/" + adapter + "/rp_filter") >> value;
     return value;
-}
-
-std::string readRoutes()
-{
-    std::ifstream file("/proc/net/route");
-    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 /// Whether nothing was said of this adapter before.
@@ -53,37 +42,10 @@ ReversePath judgeReversePath(int all, int own, std::string_view adapter, std::st
     }
 }
 
-std::string defaultRouteAdapter(const std::string& routes)
-{
-    std::istringstream lines(routes);
-    std::string line;
-    std::getline(lines, line); // the titles
-    std::string preferred;
-    auto lowest = std::numeric_limits<unsigned>::max();
-    while (std::getline(lines, line)) {
-        std::istringstream fields(line);
-        std::string adapter;
-        std::string gateway;
-        std::string unused;
-        unsigned destination = 0;
-        unsigned flags = 0;
-        unsigned metric = 0;
-        unsigned mask = 0;
-        fields >> adapter >> std::hex >> destination >> gateway >> flags >> unused >> unused >> std::dec >>
-            metric >> std::hex >> mask;
-        const bool isUsable = (flags & RTF_UP) != 0 && (flags & RTF_REJECT) == 0;
-        if (fields && isUsable && destination == 0 && mask == 0 && (preferred.empty() || metric < lowest)) {
-            preferred = adapter;
-            lowest = metric;
-        }
-    }
-    return preferred;
-}
-
 void warnOfReversePathFilter(const std::string& adapter)
 {
     const ReversePath verdict =
-        judgeReversePath(readFilter("all"), readFilter(adapter), adapter, defaultRouteAdapter(readRoutes()));
+        judgeReversePath(readFilter("all"), readFilter(adapter), adapter, net::defaultRouteAdapter());
     if (verdict == ReversePath::Open || !isNews(adapter)) {
         return;
     }

@@ -19,10 +19,6 @@ enum class ReversePath {
 [[nodiscard]] ReversePath judgeReversePath(int all, int own, std::string_view adapter,
                                            std::string_view defaultAdapter);
 
-/// The adapter of the default route that is preferred, from the text of /proc/net/route; empty when there is
-/// no such route.
-[[nodiscard]] std::string defaultRouteAdapter(const std::string& routes);
-
 /// Says in the trace when the filter keeps cameras of foreign networks from us, once for each adapter while
 /// the program runs. Settings that cannot be read are taken for harmless.
 void warnOfReversePathFilter(const std::string& adapter);

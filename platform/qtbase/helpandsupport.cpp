@@ -2,6 +2,8 @@
 
 #include "messages.h"
 
+#include "net/routes.h"
+
 #include <QCoreApplication>
 #include <QDesktopServices>
 #include <QDialogButtonBox>
@@ -42,13 +44,18 @@ bool hasMailProgram()
            query.exitCode() == 0 && !query.readAllStandardOutput().trimmed().isEmpty();
 }
 
-/// The kernel's setting for an adapter, or "unknown". Where it is 1 or 2, the kernel drops answers of cameras
-/// that it has no route to.
+/// What the kernel says in a file of one line, or "unknown".
+QString kernelSetting(const QString& path)
+{
+    QFile setting(path);
+    const QByteArray text = setting.open(QIODevice::ReadOnly) ? setting.readAll().trimmed() : QByteArray();
+    return text.isEmpty() ? Texts::tr("unknown") : QString::fromLatin1(text);
+}
+
+/// Where it is not 0, the kernel may drop answers of cameras that it has no route to.
 QString reversePathFilter(const QString& adapter)
 {
-    QFile setting(QStringLiteral("/proc/sys/net/ipv4/conf/%1/rp_filter").arg(adapter));
-    return setting.open(QIODevice::ReadOnly) ? QString::fromLatin1(setting.readAll().trimmed())
-                                             : Texts::tr("unknown");
+    return kernelSetting(QStringLiteral("/proc/sys/net/ipv4/conf/%1/rp_filter").arg(adapter));
 }
 
 /// The adapter's name; where the system named it after its hardware address, without that address.
@@ -56,6 +63,33 @@ QString shareableName(QString adapter)
 {
     static const QRegularExpression hardwareAddress(QStringLiteral("[0-9A-Fa-f]{12}"));
     return adapter.replace(hardwareAddress, QStringLiteral("..."));
+}
+
+QString connectionOf(const QNetworkInterface& adapter)
+{
+    if (!adapter.flags().testFlag(QNetworkInterface::IsUp)) {
+        return Texts::tr("down");
+    }
+    return adapter.flags().testFlag(QNetworkInterface::IsRunning) ? Texts::tr("up")
+                                                                  : Texts::tr("up, not connected");
+}
+
+QString kindOf(const QNetworkInterface& adapter)
+{
+    switch (adapter.type()) {
+    case QNetworkInterface::Ethernet: {
+        bool isNumber = false;
+        const QString path = QStringLiteral("/sys/class/net/%1/speed").arg(adapter.name());
+        const int speed = kernelSetting(path).toInt(&isNumber); // -1 when nobody knows
+        return isNumber && speed > 0 ? Texts::tr("Ethernet at %1 Mbit/s").arg(speed) : Texts::tr("Ethernet");
+    }
+    case QNetworkInterface::Wifi:
+        return Texts::tr("Wi-Fi");
+    case QNetworkInterface::Loopback:
+        return Texts::tr("loopback");
+    default:
+        return Texts::tr("other kind");
+    }
 }
 
 QString describeAdapter(const QNetworkInterface& adapter)
@@ -67,11 +101,26 @@ QString describeAdapter(const QNetworkInterface& adapter)
             addresses += QStringLiteral("%1/%2").arg(entry.ip().toString()).arg(entry.prefixLength());
         }
     }
-    const bool isUp = adapter.flags().testFlag(QNetworkInterface::IsUp);
-    return Texts::tr("%1: %2, MTU %3, rp_filter %4, %5")
-        .arg(shareableName(adapter.name()), isUp ? Texts::tr("up") : Texts::tr("down"),
+    return Texts::tr("%1: %2, %3, MTU %4, rp_filter %5, %6")
+        .arg(shareableName(adapter.name()), kindOf(adapter), connectionOf(adapter),
              QString::number(adapter.maximumTransmissionUnit()), reversePathFilter(adapter.name()),
              addresses.isEmpty() ? Texts::tr("no IPv4 address") : addresses.join(QLatin1String(", ")));
+}
+
+QStringList describeNetwork()
+{
+    const QString route = QString::fromStdString(net::defaultRouteAdapter());
+    QStringList lines{
+        Texts::tr("Default route: %1").arg(route.isEmpty() ? Texts::tr("none") : shareableName(route)),
+        Texts::tr("Receive buffer: at most %1 bytes")
+            .arg(kernelSetting(QStringLiteral("/proc/sys/net/core/rmem_max"))),
+        Texts::tr("Network adapters (rp_filter of all: %1):").arg(reversePathFilter(QStringLiteral("all"))),
+    };
+    const auto adapters = QNetworkInterface::allInterfaces();
+    for (const QNetworkInterface& adapter : adapters) {
+        lines += describeAdapter(adapter);
+    }
+    return lines;
 }
 
 QLabel* addText(QGridLayout* layout, int row, const QString& text, Qt::TextFormat format)
@@ -91,7 +140,7 @@ QLabel* addText(QGridLayout* layout, int row, const QString& text, Qt::TextForma
 QString GetHelpFilePath()
 {
     const QString installed = QDir::cleanPath(QCoreApplication::applicationDirPath() +
-                                              QStringLiteral("/../share/doc/lanvic/help/index.html"));
+                                              QStringLiteral("/../share/lanvic/help/index.html"));
     return QFile::exists(installed) ? installed : QStringLiteral(LANVIC_SOURCE_HELP);
 }
 
@@ -142,12 +191,8 @@ QString GetOrvikSupportInfo(bool withAdapters)
         Texts::tr("Kernel: %1 %2").arg(QSysInfo::kernelType(), QSysInfo::kernelVersion()),
     };
     if (withAdapters) {
-        lines += {QString(), Texts::tr("Network adapters (rp_filter of all: %1)")
-                                 .arg(reversePathFilter(QStringLiteral("all")))};
-        const auto adapters = QNetworkInterface::allInterfaces();
-        for (const QNetworkInterface& adapter : adapters) {
-            lines += describeAdapter(adapter);
-        }
+        lines += QString();
+        lines += describeNetwork();
     }
     return lines.join(QLatin1Char('\n')) + QLatin1Char('\n');
 }

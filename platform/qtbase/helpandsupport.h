@@ -21,8 +21,8 @@ void OpenFeedbackUrl();
 /// desktop names no mail program or could not start it.
 bool ContactOrvikSupport();
 /// The support address and what support needs to know of this computer; no serial numbers, no hardware
-/// addresses and no user names. With `withAdapters`, also the host's network adapters: state, MTU, reverse
-/// path filter and IPv4 addresses.
+/// addresses and no user names. With `withAdapters`, also its network: the default route, and each adapter's
+/// kind, state, MTU, reverse-path filter and IPv4 addresses.
 [[nodiscard]] QString GetOrvikSupportInfo(bool withAdapters);
 
 /// The maker's About box. Its picture is the window icon.
