@@ -2,17 +2,13 @@
 
 #include "DeviceLister.h"
 #include "plainclient.h"
-#include "simulatedcameras.h"
+#include "scenes.h"
 #include "tessal/transportlayer.h"
-#include "wire/routesocket.h"
 
 #include <QCoreApplication>
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
-#include <functional>
-#include <memory>
-#include <net/if.h>
 #include <stdexcept>
 
 namespace {
@@ -20,48 +16,16 @@ namespace {
 constexpr int Repetitions = 9; // odd, so that the median is one of them
 constexpr std::chrono::milliseconds PlainListening{1000};
 
-/// The scene that is up; one at a time, because they use the same adapter.
-class Scenes
-{
-public:
-    void show(std::size_t cameras)
-    {
-        if (cameras == m_cameras)
-            return;
-        m_running.reset();
-        m_cameras = 0;
-        m_running =
-            std::make_unique<SimulatedCameras>(SCENES "/cameras-" + std::to_string(cameras) + ".json");
-        m_cameras = cameras;
-    }
+using Search = std::size_t (*)(const Bench&);
 
-private:
-    std::size_t m_cameras = 0;
-    std::unique_ptr<SimulatedCameras> m_running;
-};
-
-std::vector<std::string> adapters()
-{
-    std::vector<std::string> names;
-    for (const auto& link : wire::RouteSocket().links()) {
-        if ((link.flags & IFF_LOOPBACK) != 0)
-            continue;
-        if (link.kind != "tun")
-            throw std::runtime_error("the adapter " + link.name +
-                                     " may lead to real cameras; run this in scripts/lab");
-        names.push_back(link.name);
-    }
-    return names;
-}
-
-std::size_t searchWithLister()
+std::size_t searchWithLister(const Bench& /*bench*/)
 {
     DeviceLister lister;
     lister.discoverAllDevices();
     return lister.m_devices.size();
 }
 
-std::size_t searchWithTransportLayer()
+std::size_t searchWithTransportLayer(const Bench& /*bench*/)
 {
     DeviceLister::createTransportLayer();
     Tessal::DeviceInfoList found;
@@ -69,39 +33,52 @@ std::size_t searchWithTransportLayer()
     return found.size();
 }
 
-std::size_t searchPlainly()
+std::size_t searchPlainly(const Bench& bench)
 {
     std::size_t found = 0;
-    for (const auto& adapter : adapters())
+    for (const auto& adapter : bench.adapters())
         found += countCamerasPlainly(adapter, PlainListening);
     return found;
 }
 
-void run(benchmark::State& state, Scenes& scenes, std::size_t cameras,
-         const std::function<std::size_t()>& search)
+void add(const std::string& title, Bench& bench, const Layout& layout, Search search)
 {
-    scenes.show(cameras);
-    std::size_t found = 0;
-    for (auto _ : state)
-        found = search();
-    state.counters["cameras"] = static_cast<double>(found);
-    if (found != cameras)
-        state.SkipWithError(("found " + std::to_string(found) + " cameras").c_str());
+    benchmark::RegisterBenchmark(title.c_str(),
+                                 [&bench, layout, search](benchmark::State& state) {
+                                     bench.show(layout);
+                                     std::size_t found = 0;
+                                     for (auto _ : state)
+                                         found = search(bench);
+                                     state.counters["cameras"] = static_cast<double>(found);
+                                     if (found != layout.cameras)
+                                         state.SkipWithError(
+                                             ("found " + std::to_string(found) + " cameras").c_str());
+                                 })
+        ->Iterations(1)
+        ->Repetitions(Repetitions)
+        ->Unit(benchmark::kMillisecond)
+        ->UseRealTime()
+        ->ReportAggregatesOnly();
 }
 
-void registerSearch(const char* name, Scenes& scenes, std::size_t (*search)())
+void addAll(Bench& bench)
 {
     for (const std::size_t cameras : {1, 16, 64, 256, 1024}) {
-        const std::string title = std::string(name) + "/" + std::to_string(cameras);
-        benchmark::RegisterBenchmark(
-            title.c_str(),
-            [&scenes, cameras, search](benchmark::State& state) { run(state, scenes, cameras, search); })
-            ->Iterations(1)
-            ->Repetitions(Repetitions)
-            ->Unit(benchmark::kMillisecond)
-            ->UseRealTime()
-            ->ReportAggregatesOnly();
+        const std::string number = std::to_string(cameras);
+        const Layout plain{.cameras = cameras};
+        add("plain client/" + number, bench, plain, searchPlainly);
+        add("transport layer/" + number, bench, plain, searchWithTransportLayer);
+        add("discoverAllDevices/" + number, bench, plain, searchWithLister);
+        if (cameras >= 16)
+            add("discoverAllDevices/" + number + "/tenth foreign", bench,
+                {.cameras = cameras, .foreignPercent = 10}, searchWithLister);
     }
+    add("discoverAllDevices/nobody", bench, {.cameras = 0}, searchWithLister);
+    add("discoverAllDevices/64/1 mute", bench, {.cameras = 64, .mute = 1}, searchWithLister);
+    add("discoverAllDevices/64/10 mute", bench, {.cameras = 64, .mute = 10}, searchWithLister);
+    add("discoverAllDevices/64/300 ms late", bench, {.cameras = 64, .delayMs = 300}, searchWithLister);
+    add("discoverAllDevices/64/2 adapters", bench, {.cameras = 64, .adapters = 2}, searchWithLister);
+    add("discoverAllDevices/64/8 adapters", bench, {.cameras = 64, .adapters = 8}, searchWithLister);
 }
 
 } // namespace
@@ -113,14 +90,11 @@ int main(int argc, char** argv)
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 2;
     try {
-        adapters(); // throws where a real camera could hear us
+        Bench bench;
         Tessal::TessalInitialize();
-        Scenes scenes;
         {
             const DeviceLister keepsTransportLayer;
-            registerSearch("plain client", scenes, searchPlainly);
-            registerSearch("transport layer", scenes, searchWithTransportLayer);
-            registerSearch("discoverAllDevices", scenes, searchWithLister);
+            addAll(bench);
             benchmark::RunSpecifiedBenchmarks();
         }
         Tessal::TessalTerminate(true);
