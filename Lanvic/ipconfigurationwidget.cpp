@@ -9,6 +9,7 @@
 #include <QAction>
 #include <QHeaderView>
 #include <QSettings>
+#include <QShortcut>
 
 #include <algorithm>
 
@@ -141,6 +142,10 @@ void IpConfigurationWidget::connectSignals()
             &IpConfigurationWidget::on_selectionInfo_linkActivated);
     connect(ui.treeWidget, &QWidget::customContextMenuRequested, this,
             &IpConfigurationWidget::on_showContextMenu);
+    // The button's own shortcut, Ctrl+S, has taken the place of its underlined letter.
+    QPushButton* const save = ui.btnWriteConfiguration;
+    connect(new QShortcut(QKeySequence::mnemonic(save->text()), save), &QShortcut::activated, save,
+            &QAbstractButton::animateClick);
 }
 
 void IpConfigurationWidget::ShowNetworkConnections_triggered() {}

@@ -113,6 +113,9 @@ private slots:
                  (Letters{"?ADFGIMSTUV", ""}));
         QCOMPARE(sorted(mnemonics(texts(child<QMenu>("menuHelp").actions()))), (Letters{"ACFH", ""}));
         QCOMPARE(sorted(mnemonics(mnemonicTexts(dialog))).second, "");
+        type("editCustomName", "Gate");
+        press(QKeySequence("Alt+S"));
+        QTRY_COMPARE(row("km-1").text(1), "Gate");
     }
 
     void textsAreSeenInFullWithLargeLetters()
