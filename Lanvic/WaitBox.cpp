@@ -34,6 +34,11 @@ WaitCursor::~WaitCursor()
     QApplication::restoreOverrideCursor();
 }
 
+bool isBusy()
+{
+    return QApplication::overrideCursor() != nullptr || QApplication::activeModalWidget() != nullptr;
+}
+
 WaitBox::WaitBox(QString text, QWidget* owner) : m_text(std::move(text)), m_pOwner(owner) {}
 
 WaitBox::~WaitBox()

@@ -15,6 +15,11 @@ public:
     ~WaitCursor();
 };
 
+/// Whether a command is waiting for a camera, or asking the user. Commands ask this before they begin: those
+/// that come from a screen reader or a desktop's global menu get through where the user's own keys and clicks
+/// are held back.
+[[nodiscard]] bool isBusy();
+
 /// Holds the wait cursor for one long operation that may have to give it back in between, and shows the
 /// operation's message over the owner's tree while it does. The destructor restores exactly the cursors that
 /// are still set, so boxes can nest. Lives on the stack of the operation.

@@ -146,6 +146,14 @@ void IpConfigurationWidget::connectSignals()
     QPushButton* const save = ui.btnWriteConfiguration;
     connect(new QShortcut(QKeySequence::mnemonic(save->text()), save), &QShortcut::activated, save,
             &QAbstractButton::animateClick);
+    // Ctrl+click takes the selection off a row that stays the current one: its editor would belong to no
+    // camera.
+    connect(ui.treeWidget, &QTreeWidget::itemSelectionChanged, this, [this] {
+        QTreeWidgetItem* const current = ui.treeWidget->currentItem();
+        if (current != nullptr && ui.treeWidget->selectedItems().isEmpty()) {
+            current->setSelected(true);
+        }
+    });
 }
 
 void IpConfigurationWidget::ShowNetworkConnections_triggered() {}

@@ -120,6 +120,7 @@ private:
     [[nodiscard]] bool areIpSettingsEdited() const;
     [[nodiscard]] bool hasUnsavedChanges() const;
     [[nodiscard]] bool checkSaveChanges() const;
+    void finishField();
     bool saveChangesBeforeClosing(); // false when the user would rather stay
     static void fixupIpAddress(QString& text);
     static void fixupMacAddress(QString& text);

@@ -238,7 +238,7 @@ std::optional<IpSettings> IpConfigurationWidget::readTemporaryAddress(const IpAd
 void IpConfigurationWidget::on_assignTemporaryIPAddress()
 {
     const Tessal::COrvikGigEDeviceInfo* info = GetSelectedDeviceInfo();
-    if (info == nullptr) {
+    if (info == nullptr || isBusy()) {
         return;
     }
     const GenICam::gcstring mac = info->GetMacAddress();
@@ -251,6 +251,7 @@ void IpConfigurationWidget::on_assignTemporaryIPAddress()
         forceIp(headerText, false, &newIpAddress);
         updateTreeRowFromDeviceInfoByMac(QString::fromLatin1(mac.c_str()));
         updateUiFromTreeItem(getSelectedTreeItem());
+        updateUiState(nullptr);
     } catch (const std::exception& exception) {
         qDebug("error forcing IP (err='%s')", exception.what());
     }
@@ -258,6 +259,9 @@ void IpConfigurationWidget::on_assignTemporaryIPAddress()
 
 void IpConfigurationWidget::forceIpByMac_triggered()
 {
+    if (isBusy()) {
+        return;
+    }
     QString newIpAddress;
     if (forceIp(tr("Please specify the MAC address for the device to force the IP address.\n\n"
                    "There won't be any error message in case you specify the wrong MAC address."),

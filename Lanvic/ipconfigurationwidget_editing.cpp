@@ -1,3 +1,4 @@
+#include "WaitBox.h"
 #include "addressranges.h"
 #include "ipconfigurationwidget.h"
 #include "settingskeys.h"
@@ -118,6 +119,17 @@ void IpConfigurationWidget::on_editNetmask_editingFinished()
     }
 }
 
+/// Does what leaving the field does, for commands that come while it is being edited: a mask given as "24" is
+/// one that can be saved.
+void IpConfigurationWidget::finishField()
+{
+    if (focusWidget() == ui.editNetmask && m_netmaskModified) {
+        on_editNetmask_editingFinished();
+    } else if (focusWidget() == ui.editIpAddress && m_ipAddressEditPending) {
+        on_editIpAddress_editingFinished();
+    }
+}
+
 void IpConfigurationWidget::on_editDefaultGateway_textEdited()
 {
     m_gatewayModified = true;
@@ -166,7 +178,7 @@ bool IpConfigurationWidget::checkSaveChanges() const
 
 void IpConfigurationWidget::closeEvent(QCloseEvent* event)
 {
-    if (!saveChangesBeforeClosing()) {
+    if (isBusy() || !saveChangesBeforeClosing()) {
         event->ignore();
         return;
     }
@@ -178,6 +190,7 @@ void IpConfigurationWidget::closeEvent(QCloseEvent* event)
 
 bool IpConfigurationWidget::saveChangesBeforeClosing()
 {
+    finishField();
     if (!checkSaveChanges()) {
         return true;
     }
@@ -197,5 +210,6 @@ bool IpConfigurationWidget::saveChangesBeforeClosing()
     }
     updateTreeRowFromDeviceInfoByMac(QString::fromLatin1(record->GetMacAddress().c_str()));
     updateUiFromTreeItem(item);
+    updateUiState(nullptr);
     return false;
 }

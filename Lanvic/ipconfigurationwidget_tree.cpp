@@ -72,6 +72,9 @@ struct IpConfigurationWidget::RememberedRow
 
 void IpConfigurationWidget::refresh()
 {
+    if (isBusy()) {
+        return;
+    }
     // The wait cursor is gone before a message appears: it goes when doRefresh is left.
     try {
         doRefresh();
@@ -132,6 +135,7 @@ IpConfigurationWidget::RememberedRow IpConfigurationWidget::rememberSelectedRow(
 /// Returns false when the user wanted the changes saved and that failed; they are still pending then.
 bool IpConfigurationWidget::savePendingChanges()
 {
+    finishField();
     const Tessal::COrvikGigEDeviceInfo* const record = GetSelectedDeviceInfo();
     if (record == nullptr || !hasUnsavedChanges() || !checkSaveChanges()) {
         clearDirtyFlags();

@@ -58,12 +58,6 @@ bool lists(const Tessal::DeviceInfoList& cameras, const QString& mac)
     });
 }
 
-/// Whether another command is waiting for a camera or asking the user.
-bool isBusy()
-{
-    return QApplication::overrideCursor() != nullptr || QApplication::activeModalWidget() != nullptr;
-}
-
 } // namespace
 
 void IpConfigurationWidget::on_btnWriteConfiguration_clicked()

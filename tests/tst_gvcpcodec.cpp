@@ -90,6 +90,18 @@ private slots:
             std::ranges::copy(fromHex("c3a900"), payload.begin() + offset);
             QCOMPARE((*decodeIdentity(payload)).*text, std::string("\xC3\xA9"));
         }
+        // What is no UTF-8 must not make a name longer than a camera can store; flash memory is erased to FF.
+        for (const auto& [stored, name] : {
+                 std::pair{"ffffffffffffffffffffffffffffffff", ""},
+                 std::pair{"c3a9e282acf09f9880ffff", "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"},
+                 std::pair{"6be46c6e 20 c3 00", "k?ln ?"},
+                 std::pair{"c0af 00", "??"},
+                 std::pair{"eda080 00", "???"},
+                 std::pair{"f09f98 00", "???"},
+             }) {
+            std::ranges::copy(fromHex(stored), payload.begin() + 232);
+            QCOMPARE(decodeIdentity(payload)->userDefinedName, std::string(name));
+        }
         QVERIFY(!decodeIdentity(Bytes(payload).first(247)));
         payload.push_back(0);
         QVERIFY(!decodeIdentity(payload));

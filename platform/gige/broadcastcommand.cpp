@@ -13,15 +13,16 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::array<std::chrono::milliseconds, 5> sends{0ms, 100ms, 200ms, 300ms, 400ms};
-constexpr RetryPlan plan{.sendAt = sends, .giveUpAfter = 500ms};
+constexpr std::array<std::chrono::milliseconds, 5> acknowledgedSends{0ms, 100ms, 200ms, 300ms, 400ms};
+constexpr std::array<std::chrono::milliseconds, 5> restartSends{0ms, 40ms, 80ms, 120ms, 160ms};
 constexpr std::size_t batch = 64; // datagrams of one socket before the clock is looked at
 
 class Conversation
 {
 public:
-    Conversation(std::uint16_t requestId, gvcp::Ack expected, const std::vector<net::Ipv4>& sources)
-        : m_requestId(requestId), m_expected(expected), m_sources(sources)
+    Conversation(std::uint16_t requestId, gvcp::Ack expected, const std::vector<net::Ipv4>& sources,
+                 const RetryPlan& plan)
+        : m_requestId(requestId), m_expected(expected), m_sources(sources), m_attempts(plan, Clock::now())
     {}
 
     std::optional<gvcp::Status> run(const gvcp::Packet& packet);
@@ -34,7 +35,7 @@ private:
     gvcp::Ack m_expected;
     const std::vector<net::Ipv4>& m_sources;
     Broadcaster m_broadcaster;
-    Attempts m_attempts{plan, Clock::now()};
+    Attempts m_attempts;
     std::optional<gvcp::Status> m_status;
     bool m_settled = false;
 };
@@ -92,10 +93,21 @@ void Conversation::handle(const Datagram& datagram)
 
 } // namespace
 
-std::optional<gvcp::Status> broadcastCommand(std::uint16_t requestId, const gvcp::Packet& packet,
-                                             gvcp::Ack expected, const std::vector<net::Ipv4>& sources)
+RetryPlan acknowledgedPlan()
 {
-    return Conversation(requestId, expected, sources).run(packet);
+    return {.sendAt = acknowledgedSends, .giveUpAfter = 500ms};
+}
+
+RetryPlan restartPlan()
+{
+    return {.sendAt = restartSends, .giveUpAfter = 200ms};
+}
+
+std::optional<gvcp::Status> broadcastCommand(std::uint16_t requestId, const gvcp::Packet& packet,
+                                             gvcp::Ack expected, const std::vector<net::Ipv4>& sources,
+                                             const RetryPlan& plan)
+{
+    return Conversation(requestId, expected, sources, plan).run(packet);
 }
 
 } // namespace gige

@@ -31,11 +31,51 @@ void putMac(std::span<std::uint8_t> payload, std::size_t offset, const net::MacA
     std::ranges::copy(mac.bytes, payload.subspan(offset).begin());
 }
 
-/// `field` must lie within the payload.
+/// `field` must lie within the payload. The text ends at NUL, and at FF, which erased memory is full of.
 std::string getText(Bytes payload, std::size_t offset, std::size_t size)
 {
     const Bytes field = payload.subspan(offset, size);
-    return {field.begin(), std::ranges::find(field, 0)};
+    return {field.begin(), std::ranges::find_if(field, [](auto byte) { return byte == 0 || byte == 0xFF; })};
+}
+
+/// How many bytes the UTF-8 character at the beginning takes (RFC 3629); 0 when there is none.
+std::size_t characterSize(std::string_view text)
+{
+    const auto byte = [&](std::size_t i) { return static_cast<std::uint8_t>(text[i]); };
+    const auto isFollowedBy = [&](std::size_t count, std::uint8_t lowest, std::uint8_t highest) {
+        if (text.size() <= count || byte(1) < lowest || byte(1) > highest) {
+            return false;
+        }
+        return std::ranges::all_of(text.substr(1, count), [](char next) { return (next & 0xC0) == 0x80; });
+    };
+    const std::uint8_t first = byte(0);
+    if (first < 0x80) {
+        return 1;
+    }
+    if (first >= 0xC2 && first <= 0xDF) {
+        return isFollowedBy(1, 0x80, 0xBF) ? 2 : 0;
+    }
+    if (first >= 0xE0 && first <= 0xEF) {
+        return isFollowedBy(2, first == 0xE0 ? 0xA0 : 0x80, first == 0xED ? 0x9F : 0xBF) ? 3 : 0;
+    }
+    if (first >= 0xF0 && first <= 0xF4) {
+        return isFollowedBy(3, first == 0xF0 ? 0x90 : 0x80, first == 0xF4 ? 0x8F : 0xBF) ? 4 : 0;
+    }
+    return 0;
+}
+
+/// Puts '?' in the place of every byte that is no part of a character: the text gets no longer by that, as it
+/// would by the replacement character, and so can still be stored.
+std::string validUtf8(std::string text)
+{
+    for (std::size_t i = 0; i < text.size();) {
+        const std::size_t size = characterSize(std::string_view(text).substr(i));
+        if (size == 0) {
+            text[i] = '?';
+        }
+        i += std::max<std::size_t>(size, 1);
+    }
+    return text;
 }
 
 constexpr std::size_t writeAckSize = 4;
@@ -134,7 +174,7 @@ std::optional<Identity> decodeIdentity(Bytes payload)
     identity.deviceVersion = getText(payload, DeviceVersion, DeviceVersionSize);
     identity.manufacturerInfo = getText(payload, ManufacturerInfo, ManufacturerInfoSize);
     identity.serialNumber = getText(payload, SerialNumber, SerialNumberSize);
-    identity.userDefinedName = getText(payload, UserDefinedName, UserDefinedNameSize);
+    identity.userDefinedName = validUtf8(getText(payload, UserDefinedName, UserDefinedNameSize));
     return identity;
 }
 

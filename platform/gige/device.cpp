@@ -78,8 +78,8 @@ net::Ipv4 addressOf(const Tessal::CDeviceInfo& info)
 
 } // namespace
 
-Device::Device(Tessal::CDeviceInfo info, BeforeOpening beforeOpening)
-    : m_info(std::move(info)), m_beforeOpening(std::move(beforeOpening))
+Device::Device(Tessal::CDeviceInfo info, CheckAddress checkAddress)
+    : m_info(std::move(info)), m_checkAddress(std::move(checkAddress))
 {}
 
 Device::~Device()
@@ -97,9 +97,13 @@ void Device::Open(const Tessal::AccessModeSet&)
         return;
     }
     const net::Ipv4 address = addressOf(m_info);
-    m_beforeOpening(address);
+    if (address == net::Ipv4{}) { // for the kernel this computer itself
+        raise<GenICam::RuntimeException>("The camera has no IP address yet");
+    }
+    m_checkAddress(address, std::nullopt);
     auto opened = std::make_unique<CameraPort>(address);
     const gvcp::Identity identity = readIdentity(*opened);
+    m_checkAddress(address, identity.mac);
     opened->setWriteMemGranted(grantsWriteMem(*opened));
     Tessal::CDeviceInfo info = makeRecord(identity, opened->hostAddress());
     takeControl(*opened); // last, so that no failure leaves the camera ours

@@ -15,10 +15,11 @@ namespace gige {
 class Device final : public Tessal::ITessalGigEDevice
 {
 public:
-    /// Called before an opening speaks to the camera; throws when the address must not be used.
-    using BeforeOpening = std::function<void(net::Ipv4)>;
+    /// Called by an opening, before it speaks to the camera and again when it knows which camera answers
+    /// there. Throws when the address must not be used.
+    using CheckAddress = std::function<void(net::Ipv4, const std::optional<net::MacAddress>& answered)>;
 
-    Device(Tessal::CDeviceInfo info, BeforeOpening beforeOpening);
+    Device(Tessal::CDeviceInfo info, CheckAddress checkAddress);
     Device(const Device&) = delete;
     Device& operator=(const Device&) = delete;
     Device(Device&&) = delete;
@@ -27,7 +28,8 @@ public:
     ~Device() override;
 
     /// Takes control for every set of modes: nothing less lets a setting be written. Throws
-    /// InvalidArgumentException when the record names no address.
+    /// InvalidArgumentException when the record names no address, RuntimeException when that is 0.0.0.0 or
+    /// the wrong camera's.
     void Open(const Tessal::AccessModeSet& modes) override;
     void Close() override;
     [[nodiscard]] bool IsOpen() const override { return m_port != nullptr; }
@@ -44,7 +46,7 @@ private:
     void writeChecked(std::uint32_t address, std::uint32_t value, const char* what);
 
     Tessal::CDeviceInfo m_info;
-    BeforeOpening m_beforeOpening;
+    CheckAddress m_checkAddress;
     std::unique_ptr<CameraPort> m_port;          // null while closed
     std::unique_ptr<GenApi::INodeMap> m_nodeMap; // reads through m_port
 };

@@ -63,12 +63,17 @@ void GigETransportLayer::search()
         const FoundCamera& camera = m_found[i];
         m_foundIndex.emplace(HeardAs(camera.identity.mac, camera.identity.ip, camera.heardBy.address), i);
     }
-    m_searchedAt = Clock::now();
+    m_freshUntil = Clock::now() + freshFor;
 }
 
-bool GigETransportLayer::isFresh() const
+bool GigETransportLayer::useFresh()
 {
-    return m_searchedAt != Clock::time_point{} && Clock::now() - m_searchedAt < freshFor;
+    const auto now = Clock::now();
+    if (now >= m_freshUntil) {
+        return false;
+    }
+    m_freshUntil = now + freshFor;
+    return true;
 }
 
 int GigETransportLayer::list(Tessal::DeviceInfoList& list, bool append, bool onlyUnicast) const
@@ -94,7 +99,7 @@ int GigETransportLayer::EnumerateDevicesAnySubnet(Tessal::DeviceInfoList& found,
 
 int GigETransportLayer::EnumerateDevices(Tessal::DeviceInfoList& found, bool append)
 {
-    if (!isFresh()) {
+    if (!useFresh()) {
         search();
     }
     return list(found, append, true);
@@ -111,10 +116,14 @@ Tessal::ITessalDevice* GigETransportLayer::CreateDevice(const Tessal::CDeviceInf
     if (!net::parseIpv4(property(info, Tessal::Key::IpAddress, address))) {
         return nullptr;
     }
-    m_devices.push_back(std::make_unique<Device>(info, [this](net::Ipv4 opening) {
-        forgetFreshness();
-        checkUncontested(opening);
-    }));
+    m_devices.push_back(std::make_unique<Device>(
+        info, [this](net::Ipv4 opening, const std::optional<net::MacAddress>& answered) {
+            forgetFreshness();
+            checkUncontested(opening);
+            if (answered) {
+                checkStillThere(opening, *answered);
+            }
+        }));
     return m_devices.back().get();
 }
 
@@ -146,7 +155,19 @@ void GigETransportLayer::checkUncontested(net::Ipv4 address) const
     }
 }
 
-const FoundCamera* GigETransportLayer::findFresh(const Tessal::CDeviceInfo& info) const
+void GigETransportLayer::checkStillThere(net::Ipv4 address, const net::MacAddress& answered) const
+{
+    for (const FoundCamera& camera : m_found) {
+        if (camera.identity.ip == address && camera.identity.mac != answered) {
+            raise<GenICam::RuntimeException>(
+                "The address " + net::formatIpv4(address) + " was that of the camera with MAC " +
+                net::formatMac(camera.identity.mac) + " and is now that of the one with MAC " +
+                net::formatMac(answered));
+        }
+    }
+}
+
+const FoundCamera* GigETransportLayer::findFresh(const Tessal::CDeviceInfo& info)
 {
     GenICam::gcstring storage;
     const auto mac = net::parseMac(property(info, Tessal::Key::MacAddress, storage));
@@ -154,7 +175,7 @@ const FoundCamera* GigETransportLayer::findFresh(const Tessal::CDeviceInfo& info
     // Records that callers have joined name several host addresses; each knows the answer.
     const std::string_view hosts = property(info, Tessal::Key::Interface, storage);
     const auto host = net::parseIpv4(hosts.substr(0, hosts.find(';')));
-    if (!isFresh() || !mac || !address || !host) {
+    if (!mac || !address || !host || !useFresh()) {
         return nullptr;
     }
     const auto found = m_foundIndex.find(HeardAs(*mac, *address, *host));
@@ -188,7 +209,8 @@ std::vector<net::Ipv4> GigETransportLayer::knownAddresses(const net::MacAddress&
     return addresses;
 }
 
-void GigETransportLayer::assign(const gvcp::AddressAssignment& assignment, const char* operation)
+void GigETransportLayer::assign(const gvcp::AddressAssignment& assignment, const char* operation,
+                                const RetryPlan& plan)
 {
     forgetFreshness();
     std::vector<net::Ipv4> sources = knownAddresses(assignment.mac);
@@ -197,7 +219,7 @@ void GigETransportLayer::assign(const gvcp::AddressAssignment& assignment, const
     }
     const std::uint16_t id = nextRequestId();
     const auto status =
-        broadcastCommand(id, gvcp::encodeForceIp(id, assignment), gvcp::Ack::ForceIp, sources);
+        broadcastCommand(id, gvcp::encodeForceIp(id, assignment), gvcp::Ack::ForceIp, sources, plan);
     const std::string camera = "Camera MAC=" + net::formatMac(assignment.mac) + ", " + operation + ": ";
     if (!status) {
         trace::requests(ozlog::LogLevel::Info, "%hsnot acknowledged.", camera.c_str());
@@ -213,12 +235,13 @@ void GigETransportLayer::ForceIp(const GenICam::gcstring& mac, const GenICam::gc
             .ip = addressArgument(ipAddress, "IP address"),
             .mask = addressArgument(subnetMask, "subnet mask"),
             .gateway = addressArgument(defaultGateway, "default gateway")},
-           "assigning a temporary address");
+           "assigning a temporary address", acknowledgedPlan());
 }
 
 void GigETransportLayer::RestartIpConfig(const GenICam::gcstring& mac)
 {
-    assign({.mac = macArgument(mac), .ip = {}, .mask = {}, .gateway = {}}, "restarting its IP configuration");
+    assign({.mac = macArgument(mac), .ip = {}, .mask = {}, .gateway = {}}, "restarting its IP configuration",
+           restartPlan());
 }
 
 bool GigETransportLayer::knowsBroadcastConfiguration(const net::MacAddress& mac) const
@@ -253,8 +276,9 @@ bool GigETransportLayer::BroadcastIpConfig(const GenICam::gcstring& mac, bool en
         .userDefinedName = nameArgument(userDefinedName)};
     forgetFreshness();
     const std::uint16_t id = nextRequestId();
-    const auto status = broadcastCommand(id, gvcp::encodeBroadcastIpConfig(id, configuration),
-                                         gvcp::Ack::BroadcastIpConfig, knownAddresses(configuration.mac));
+    const auto status =
+        broadcastCommand(id, gvcp::encodeBroadcastIpConfig(id, configuration), gvcp::Ack::BroadcastIpConfig,
+                         knownAddresses(configuration.mac), acknowledgedPlan());
     if (status == gvcp::Status::Success) {
         return true;
     }

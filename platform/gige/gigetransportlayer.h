@@ -12,8 +12,8 @@
 namespace gige {
 
 /// GigE Vision on this host's networks. Remembers what the latest search learned: the enumerations and
-/// queries of one refresh, made within a second of each other, share one search, and commands by MAC know
-/// which camera they go to.
+/// queries of one refresh, each made within a second of the one before, share one search, and commands by MAC
+/// know which camera they go to.
 class GigETransportLayer final : public Tessal::IGigETransportLayer
 {
 public:
@@ -36,25 +36,29 @@ public:
 
 private:
     void search();
-    [[nodiscard]] bool isFresh() const;
+    /// Whether what the latest search learned still holds; if so, it does for another second from now.
+    [[nodiscard]] bool useFresh();
     /// What is known of the cameras' state is about to change.
-    void forgetFreshness() { m_searchedAt = {}; }
+    void forgetFreshness() { m_freshUntil = {}; }
     /// Lists what the latest search found, all of it or what answers over unicast. Returns how many.
     int list(Tessal::DeviceInfoList& list, bool append, bool onlyUnicast) const;
-    [[nodiscard]] const FoundCamera* findFresh(const Tessal::CDeviceInfo& info) const;
+    [[nodiscard]] const FoundCamera* findFresh(const Tessal::CDeviceInfo& info);
     /// Whether the latest search reported it as the maker's.
     [[nodiscard]] bool knowsBroadcastConfiguration(const net::MacAddress& mac) const;
     [[nodiscard]] std::vector<net::Ipv4> knownAddresses(const net::MacAddress& mac) const;
     /// Throws RuntimeException when two cameras claimed the address in the latest search.
     void checkUncontested(net::Ipv4 address) const;
-    void assign(const gvcp::AddressAssignment& assignment, const char* operation);
+    /// Throws RuntimeException when the latest search heard another camera there: leases may have changed
+    /// hands.
+    void checkStillThere(net::Ipv4 address, const net::MacAddress& answered) const;
+    void assign(const gvcp::AddressAssignment& assignment, const char* operation, const RetryPlan& plan);
 
     using HeardAs =
         std::tuple<net::MacAddress, net::Ipv4, net::Ipv4>; // MAC, address, host address that heard it
 
     std::vector<FoundCamera> m_found;            // by the latest search
     std::map<HeardAs, std::size_t> m_foundIndex; // into m_found
-    Clock::time_point m_searchedAt;
+    Clock::time_point m_freshUntil;
     std::vector<std::unique_ptr<Device>> m_devices;
 };
 

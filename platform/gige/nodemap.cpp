@@ -93,9 +93,7 @@ bool grantsName(RegisterPort& port)
     return (bytes::get32(capability, 0) & gvcp::Capability::UserDefinedName) != 0;
 }
 
-} // namespace
-
-std::unique_ptr<GenApi::INodeMap> makeNodeMap(RegisterPort& port)
+std::unique_ptr<GenApi::INodeMap> readNodeMap(RegisterPort& port)
 {
     std::string reason;
     try {
@@ -109,6 +107,32 @@ std::unique_ptr<GenApi::INodeMap> makeNodeMap(RegisterPort& port)
                     hasName ? "DeviceUserID is the standard name register."
                             : "The camera has no standard name register either.");
     return std::make_unique<StandardNodeMap>(port, hasName);
+}
+
+/// A description can be long, and who only writes addresses asks for no feature.
+class LazyNodeMap : public GenApi::INodeMap
+{
+public:
+    explicit LazyNodeMap(RegisterPort& port) : m_port(port) {}
+
+    [[nodiscard]] GenApi::INode* GetNode(const GenICam::gcstring& name) const override
+    {
+        if (m_map == nullptr) {
+            m_map = readNodeMap(m_port);
+        }
+        return m_map->GetNode(name);
+    }
+
+private:
+    RegisterPort& m_port;
+    mutable std::unique_ptr<GenApi::INodeMap> m_map; // null until a feature is asked for
+};
+
+} // namespace
+
+std::unique_ptr<GenApi::INodeMap> makeNodeMap(RegisterPort& port)
+{
+    return std::make_unique<LazyNodeMap>(port);
 }
 
 } // namespace gige

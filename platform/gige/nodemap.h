@@ -10,11 +10,11 @@ class RegisterPort;
 
 /// The features of an opened camera. They come from the GenICam description that the camera carries; where
 /// none can be had, the map offers the standard name register as "DeviceUserID" if the camera says that it
-/// has one, and otherwise no feature at all. Never null. A node is made when it is first asked for, and reads
-/// nothing before it is used. `port` must outlive the map.
+/// has one, and otherwise no feature at all. Never null. The description is read when the first feature is
+/// asked for; a node reads nothing before it is used. `port` must outlive the map.
 ///
-/// Throws what the port throws when the camera does not answer or this host cannot send; a refusal or a
-/// useless description leads to the standard register and a trace line.
+/// GetNode() throws what the port throws when the camera does not answer or this host cannot send; a refusal
+/// or a useless description leads to the standard register and a trace line.
 [[nodiscard]] std::unique_ptr<GenApi::INodeMap> makeNodeMap(RegisterPort& port);
 
 } // namespace gige
