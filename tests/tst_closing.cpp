@@ -1,6 +1,7 @@
 #include "support/gui.h"
 
 #include <QAbstractButton>
+#include <QAction>
 #include <QHeaderView>
 #include <QSettings>
 
@@ -98,6 +99,43 @@ private slots:
             select("km-1");
             QCOMPARE(text("editIpAddress"), way == "close" ? "192.168.1" : "192.168.1.9");
         }
+    }
+
+    void aMaskGivenAsItsLengthCanBeSaved()
+    {
+        for (const QString way : {"refresh", "close"}) {
+            openOn();
+            type("editNetmask", "16");
+            expect({click(QMessageBox::No)});
+            leave(way);
+            QCOMPARE(takeDialogs(), questions(way, false));
+        }
+    }
+
+    void ctrlDoesNotTakeTheCameraAway()
+    {
+        openOn();
+        const QPoint place = tree().visualItemRect(&row("km-1")).center();
+        QTest::mouseClick(tree().viewport(), Qt::LeftButton, Qt::ControlModifier, place);
+        type("editCustomName", "belt");
+        expect({click(QMessageBox::No)});
+        leave("refresh");
+        QCOMPARE(takeDialogs(), questions("refresh", false));
+    }
+
+    void noCommandBeginsInTheMiddleOfAnother()
+    {
+        openOn();
+        m_world.at["sleep"] = [this] { // as a screen reader would, past what is held back meanwhile
+            for (const char* const command : {"actionRefresh", "actionExit", "actionForceIpByMac"}) {
+                QMetaObject::invokeMethod(&child<QAction>(command), "trigger", Qt::QueuedConnection);
+            }
+        };
+        type("editCustomName", "belt");
+        save();
+        QCOMPARE(m_world.take(true).count("EnumerateDevicesAnySubnet(false)"), 2);
+        QCOMPARE(takeDialogs(), QStringList());
+        QVERIFY(m_window->isVisible());
     }
 
     void aSaveThatTakesEffectLateIsDropped()
