@@ -15,6 +15,8 @@ class WireSavingTest : public WireTest
 {
     Q_OBJECT
 
+    const QByteArray gap{24, '0'}; // the reserved fields of FORCEIP
+
     void edit(const QString& model)
     {
         start("test-saving");
@@ -135,6 +137,22 @@ private slots:
         QCOMPARE(simulator().takeEvents().filter("configured"), QStringList());
         QVERIFY(text("editCustomName") == "mine" && canSave());
         m_controlled = {"contested"};
+    }
+
+    void aCameraThatTookTheAddressOfAnotherIsLeftAlone()
+    {
+        edit("BX-5");
+        OtherProgram other;
+        const QByteArray toFree = "02a317000005" + gap + "c0a80a5f" + gap + "ffffff00" + gap + "00000000";
+        const QByteArray toTaken = "02a317000006" + gap + "c0a80a19" + gap + "ffffff00" + gap + "00000000";
+        QCOMPARE(other.ask("192.168.10.25", "42010004003800010000" + toFree), "0000000500000001");
+        QCOMPARE(other.ask("192.168.10.26", "42010004003800020000" + toTaken), "0000000500000002");
+        type("editCustomName", "mine");
+        QCOMPARE(save({escape, click(QMessageBox::Close)}), (QStringList{forceIpDialog, notSaved}));
+        QVERIFY(takeDebug().join('\n').contains(
+            "The address 192.168.10.25 was that of the camera with MAC 02A317000005 and is now"));
+        QCOMPARE(simulator().takeEvents().filter(QRegularExpression("^(configured|controlled)")),
+                 QStringList());
     }
 
     void aCameraThatVanishesWhileItIsWrittenKeepsTheEdits()
