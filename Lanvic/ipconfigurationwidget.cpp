@@ -146,6 +146,12 @@ void IpConfigurationWidget::connectSignals()
     QPushButton* const save = ui.btnWriteConfiguration;
     connect(new QShortcut(QKeySequence::mnemonic(save->text()), save), &QShortcut::activated, save,
             &QAbstractButton::animateClick);
+    // Qt opens a context menu by the Menu key, which many keyboards lack.
+    auto* const contextMenu = new QShortcut(QKeySequence(Qt::SHIFT | Qt::Key_F10), ui.treeWidget);
+    contextMenu->setContext(Qt::WidgetShortcut);
+    connect(contextMenu, &QShortcut::activated, this, [this] {
+        on_showContextMenu(ui.treeWidget->visualItemRect(ui.treeWidget->currentItem()).center());
+    });
     // Ctrl+click takes the selection off a row that stays the current one: its editor would belong to no
     // camera.
     connect(ui.treeWidget, &QTreeWidget::itemSelectionChanged, this, [this] {

@@ -96,6 +96,7 @@ void IpConfigurationWidget::doRefresh()
     if (!savePendingChanges()) {
         return;
     }
+    QWidget* const focused = focusWidget();
     releaseDevice();
     clearTree();
     const WaitCursor waitCursor;
@@ -118,6 +119,10 @@ void IpConfigurationWidget::doRefresh()
     addDeviceRows(remembered);
     if (ui.treeWidget->currentItem() == nullptr && ui.treeWidget->topLevelItemCount() > 0) {
         ui.treeWidget->setCurrentItem(ui.treeWidget->topLevelItem(0));
+    }
+    // A field that was greyed meanwhile has lost the focus.
+    if (focused != nullptr && focused->isEnabled()) {
+        focused->setFocus(Qt::OtherFocusReason);
     }
 }
 

@@ -116,6 +116,18 @@ private slots:
         type("editCustomName", "Gate");
         press(QKeySequence("Alt+S"));
         QTRY_COMPARE(row("km-1").text(1), "Gate");
+        QCOMPARE(m_window->focusWidget()->objectName(), "editCustomName"); // where one was before
+    }
+
+    void theContextMenuNeedsNoMouse()
+    {
+        openOn({sdk::camera()});
+        tree().setFocus();
+        expect({[](QWidget& menu) {
+            QCOMPARE(menu.actions().size(), 1);
+            QTest::keyClick(&menu, Qt::Key_Escape);
+        }});
+        press(QKeySequence("Shift+F10"));
     }
 
     void textsAreSeenInFullWithLargeLetters()
