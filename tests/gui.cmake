@@ -1,6 +1,6 @@
 # Tests of the real widgets against a scripted SDK. They link no platform_gige and so cannot send a packet; they run in
 # the lab because they make themselves adapters with known addresses.
-add_library(gui_support OBJECT support/scriptedsdk.cpp support/gui.cpp support/guiadapter.cpp support/window.cpp)
+add_library(gui_support OBJECT support/scriptedsdk.cpp support/gui.cpp support/window.cpp)
 target_include_directories(gui_support PUBLIC ${CMAKE_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
 target_link_libraries(gui_support PUBLIC lanvic test_support platform_net gige_simulation Qt6::Test)
 

@@ -27,64 +27,58 @@ class ClosingTest : public gui::GuiTest
     /// What is asked on that way; the second question comes when the save fails.
     static QStringList questions(const QString& way, bool fails)
     {
-        QStringList asked{"|Do you want to save the changes to the configuration?|No,Yes|No"};
-        if (fails) {
-            asked
-                << (way == "row" ? gui::notSaved
-                    : way == "refresh"
-                        ? "|The configuration could not be saved.\nThe Refresh operation has been canceled.|Close|Close"
-                        : "|The configuration could not be saved.\nWould you like to continue closing the application?\n\nIf you click 'Yes', your configuration will not be changed and the application will close.\nIf you click 'No', you will return to the application.|No,Yes|No");
+        const QMap<QString, QString> failed{
+            {"row", gui::notSaved},
+            {"refresh",
+             "|The configuration could not be saved.\nThe Refresh operation has been canceled.|Close|Close"},
+            {"close",
+             "|The configuration could not be saved.\nWould you like to continue closing the application?\n\nIf you click 'Yes', your configuration will not be changed and the application will close.\nIf you click 'No', you will return to the application.|No,Yes|No"}};
+        const QString question = "|Do you want to save the changes to the configuration?|No,Yes|No";
+        return fails ? QStringList{question, failed[way]} : QStringList{question};
+    }
+
+    /// `path` is the answers, two where the save fails, and what is there afterwards: the current row, its
+    /// edited name and whether the edit is pending.
+    void check(const QString& way, const QString& path)
+    {
+        const QString answers = path.section(' ', 0, 0);
+        const QMap<QChar, gui::Answer> answerOf{{'Y', click(QMessageBox::Yes)},
+                                                {'N', click(QMessageBox::No)},
+                                                {'C', click(QMessageBox::Close)},
+                                                {'E', gui::escape}};
+        QSettings().clear();
+        openOn();
+        const bool fails = answers.size() > 1;
+        cam().knowsBroadcast = cam().hasNodeMap = !fails;
+        type("editCustomName", "belt");
+        for (const QChar answer : answers) {
+            expect({answerOf[answer]});
         }
-        return asked;
+        leave(way);
+        QCOMPARE(takeDialogs(), questions(way, fails));
+        QString found = "closed";
+        if (m_window->isVisible()) {
+            found = current() == "lan0" ? "lan0" : current() + ' ' + text("editCustomName");
+            found += canSave() ? " pending" : "";
+        }
+        QCOMPARE(way + ' ' + answers + ' ' + found, way + ' ' + path);
+        QCOMPARE(sdk::get(cam().record, {"UserDefinedName"}), answers == "Y" ? "belt" : "");
+        QCOMPARE(QSettings().allKeys().size(), found == "closed" ? 4 : 0);
     }
 
 private slots:
     void everyWayAsksFirst()
     {
-        struct Path
-        {
-            const char* way;
-            const char* answers; // letters: Yes, No, Escape, Close; there are two when the save fails
-            const char* after;   // current row, its edited name, whether the edit is pending; or closed
+        const gui::Table<QString, QStringList> ways{
+            {"row", {"Y lan0", "N lan0", "E lan0", "YC lan0"}},
+            {"refresh", {"Y km-1 belt", "N km-1 ", "E km-1 ", "YC km-1 belt pending"}},
+            {"close",
+             {"Y closed", "N closed", "E closed", "YY closed", "YN km-1  pending", "YE km-1  pending"}},
         };
-        const QMap<QChar, gui::Answer> answerOf{{'Y', click(QMessageBox::Yes)},
-                                                {'N', click(QMessageBox::No)},
-                                                {'C', click(QMessageBox::Close)},
-                                                {'E', gui::escape}};
-        for (const auto& [way, answers, after] : {
-                 Path{"row", "Y", "lan0"},
-                 Path{"row", "N", "lan0"},
-                 Path{"row", "E", "lan0"},
-                 Path{"row", "YC", "lan0"},
-                 Path{"refresh", "Y", "km-1 belt"},
-                 Path{"refresh", "N", "km-1 "},
-                 Path{"refresh", "E", "km-1 "},
-                 Path{"refresh", "YC", "km-1 belt pending"},
-                 Path{"close", "Y", "closed"},
-                 Path{"close", "N", "closed"},
-                 Path{"close", "E", "closed"},
-                 Path{"close", "YY", "closed"}, // all the same
-                 Path{"close", "YN", "km-1  pending"},
-                 Path{"close", "YE", "km-1  pending"},
-             }) {
-            QSettings().clear();
-            openOn();
-            const bool fails = qstrlen(answers) > 1;
-            cam().knowsBroadcast = cam().hasNodeMap = !fails;
-            type("editCustomName", "belt");
-            for (const QChar answer : QString(answers)) {
-                expect({answerOf[answer]});
+        for (const auto& [way, paths] : ways) {
+            for (const QString& path : paths) {
+                check(way, path);
             }
-            leave(way);
-            QCOMPARE(takeDialogs(), questions(way, fails));
-            QString found = "closed";
-            if (m_window->isVisible()) {
-                found = current() == "lan0" ? "lan0" : current() + ' ' + text("editCustomName");
-                found += canSave() ? " pending" : "";
-            }
-            QCOMPARE(found, after);
-            QCOMPARE(sdk::get(cam().record, {"UserDefinedName"}), answers == QString("Y") ? "belt" : "");
-            QCOMPARE(QSettings().allKeys().size(), found == "closed" ? 4 : 0);
         }
     }
 

@@ -64,24 +64,19 @@ class ConnectionTest : public gui::GuiTest
 private slots:
     void failuresToOpenAreShown()
     {
-        struct Case
-        {
-            std::function<void()> breakIt;
-            QString shown;
-            QString lastCall = "CreateDevice(192.168.1.9)";
-        };
+        const QString create = "CreateDevice(192.168.1.9)";
         const QString open = "Open(192.168.1.9, 1+3+4)";
-        for (
-            const auto& [breakIt, shown, lastCall] : {
-                Case{
-                    [&] { cam().accessibility = 2; }, // taken since it was discovered
-                    "Connection failed|Access denied\nThe device is controlled by another application.\nClose the connection before changing the IP configuration.|OK|",
-                    open},
-                Case{[&] { cam().isGigE = false; }, report("The device must be a GEV Camera.")},
-                Case{[&] { m_world.makesDevices = false; }, report("The device must be a GEV Camera.")},
-                Case{[&] { failAt("Open"); }, report("cable"), open},
-                Case{[&] { failAt("Open", 1, false); }, report("Unknown exception occurred"), open},
-            }) {
+        const QString notGigE = report("The device must be a GEV Camera.");
+        const QString denied =
+            "Connection failed|Access denied\nThe device is controlled by another application.\nClose the connection before changing the IP configuration.|OK|";
+        const gui::Table<std::function<void()>, QString, QString> cases{
+            {[&] { cam().accessibility = 2; }, denied, open}, // taken since it was discovered
+            {[&] { cam().isGigE = false; }, notGigE, create},
+            {[&] { m_world.makesDevices = false; }, notGigE, create},
+            {[&] { failAt("Open"); }, report("cable"), open},
+            {[&] { failAt("Open", 1, false); }, report("Unknown exception occurred"), open},
+        };
+        for (const auto& [breakIt, shown, lastCall] : cases) {
             edit();
             breakIt();
             QCOMPARE(save({escape, click(QMessageBox::Close)}), (QStringList{shown, notSaved}));
@@ -109,8 +104,6 @@ private slots:
                               "CreateDevice(192.168.1.50)", "Open(192.168.1.50, 1+3+4)", "GetNodeMap()",
                               "GetNode(DeviceUserID)", "SetValue(belt, true)", "Close()",
                               "RestartIpConfig(025E41000001)", "sleep(2)", "DestroyDevice()"}));
-        // Nothing of the temporary address was stored: the restart brought the old one back.
-        QCOMPARE(row("km-1").text(6), "10.9.9.9");
     }
 
     void theUserEndsTheLoop()

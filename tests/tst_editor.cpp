@@ -31,19 +31,16 @@ class EditorTest : public gui::GuiTest
 private slots:
     void theEditorFollowsTheCamera()
     {
-        struct Case
-        {
-            int accessibility;
-            const char* mode;
-            const char* chosen;
-            int enabled; // of the fields below
-        };
         for (const auto& [accessibility, mode, chosen, enabled] :
-             {Case{1, "7", "btnUsePersistentIp", 7}, // static before DHCP
-              Case{1, "6", "btnUseDhcp", 4},         // all but the addresses
-              Case{1, "4", "btnUseAutoIp", 4}, Case{4, "5", "btnUsePersistentIp", 7},
-              Case{0, "5", "btnUsePersistentIp", 0}, Case{2, "6", "btnUseDhcp", 0},
-              Case{3, "4", "btnUseAutoIp", 0}}) {
+             gui::Table<int, const char*, const char*, int>{
+                 {1, "7", "btnUsePersistentIp", 7}, // static before DHCP
+                 {1, "6", "btnUseDhcp", 4},         // all but the addresses
+                 {1, "4", "btnUseAutoIp", 4},
+                 {4, "5", "btnUsePersistentIp", 7},
+                 {0, "5", "btnUsePersistentIp", 0},
+                 {2, "6", "btnUseDhcp", 0},
+                 {3, "4", "btnUseAutoIp", 0},
+             }) {
             sdk::Camera made = sdk::with(camera(), {{"IpConfigCurrent", mode}});
             made.accessibility = accessibility;
             openOn({made});
@@ -68,26 +65,26 @@ private slots:
     {
         edit();
         QVERIFY(!canSave() && !isSaveDefault());
-        type("editIpAddress", "192.168.1x"); // the letter is refused
-        QCOMPARE(text("editIpAddress"), "192.168.1");
-        QVERIFY(!canSave());
-        type("editIpAddress", "192.168.1.20");
-        QVERIFY(canSave() && isSaveDefault());
-        type("editDefaultGateway", "192.168.1.");
-        QVERIFY(!canSave());
-        clickOn("btnUseDhcp"); // what the address fields hold no longer matters
-        QVERIFY(canSave() && isSaveDefault());
-        clickOn("btnUsePersistentIp");
-        QVERIFY(!canSave());
-        type("editDefaultGateway", "");
-        QVERIFY(canSave());
-        type("editIpAddress", "192.168.1.255"); // the broadcast address of its network
-        QVERIFY(!canSave());
-        type("editNetmask", "255.255.0.0");
-        QVERIFY(canSave());
-        type("editDefaultGateway", "192.168.255.255");
-        QVERIFY(!canSave());
-        type("editDefaultGateway", "192.168.255.1");
+        for (const auto& [field, typed, isValid] : gui::Table<const char*, const char*, bool>{
+                 {"editIpAddress", "192.168.1x", false}, // the letter is refused
+                 {"editIpAddress", "192.168.1.20", true},
+                 {"editDefaultGateway", "192.168.1.", false},
+                 {"btnUseDhcp", "", true}, // what the address fields hold no longer matters
+                 {"btnUsePersistentIp", "", false},
+                 {"editDefaultGateway", "", true},
+                 {"editIpAddress", "192.168.1.255", false}, // the broadcast address of its network
+                 {"editNetmask", "255.255.0.0", true},
+                 {"editDefaultGateway", "192.168.255.255", false},
+                 {"editDefaultGateway", "192.168.255.1", true},
+             }) {
+            if (QString(field).startsWith("btn")) {
+                clickOn(field);
+            } else {
+                type(field, typed);
+            }
+            QCOMPARE(canSave() && isSaveDefault(), isValid);
+            QCOMPARE(canSave() || isSaveDefault(), isValid);
+        }
         expect({gui::click(QMessageBox::No)});
         select("lan0");
         QVERIFY(!canSave() && !isSaveDefault());
@@ -130,7 +127,7 @@ private slots:
 
     void theMaskIsThatOfTheSmallestHostSubnet()
     {
-        const GuiAdapter lan2("lan2", {"10.0.48.1/20", "10.0.60.7/32"}, "02:00:00:00:00:02");
+        const gui::Adapter lan2("lan2", {"10.0.48.1/20", "10.0.60.7/32"}, "02:00:00:00:00:02");
         const auto maskOf = [](const char* address) {
             return IpAddressWidget::subnetFromAddress(QHostAddress(QString(address))).toString();
         };
@@ -224,7 +221,6 @@ private slots:
         save();
         QCOMPARE(sent(),
                  "BroadcastIpConfig(025E41000001, true, false, 192.168.1.20, 255.255.255.0, 0.0.0.0, left)");
-        QCOMPARE(addresses(), "192.168.1.20 255.255.255.0 0.0.0.0");
     }
 };
 

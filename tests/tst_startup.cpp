@@ -22,7 +22,7 @@ class StartupTest : public QObject
 private slots:
     void theSdkOutlivesWindowAndApplication()
     {
-        const GuiAdapter lan("lan0", {"192.168.1.5/24"}, "02:00:00:00:01:05");
+        const gui::Adapter lan("lan0", {"192.168.1.5/24"}, "02:00:00:00:01:05");
         const QTemporaryDir settings;
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
         QStringList seen;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "support/guiadapter.h"
 #include "support/scriptedsdk.h"
 #include "support/window.h"
 
@@ -19,7 +18,7 @@ protected slots:
     void init();
 
 private:
-    std::vector<GuiAdapter> m_adapters;
+    std::vector<Adapter> m_adapters;
 
 protected:
     void connectAdapters();

@@ -49,31 +49,13 @@ bool isReachable(const Camera& camera)
     return !camera.silent && host && ip && net::inSameSubnet(*host, *ip, {0xFFFFFF00});
 }
 
-void move(Camera& camera, const Address& address)
+void move(Camera& camera, const GenICam::gcstring& ip, const GenICam::gcstring& mask,
+          const GenICam::gcstring& gateway)
 {
-    camera.record.SetIpAddress(address.ip);
-    camera.record.SetSubnetMask(address.mask);
-    camera.record.SetDefaultGateway(address.gateway);
-    camera.record.SetAddress(address.ip + ":" + camera.record.GetPortNr());
-    camera.silent = !camera.comesBack;
-}
-
-void restart(Camera& camera)
-{
-    camera.record.SetIpConfigCurrent(std::to_string(camera.mode));
-    if ((camera.mode & Tessal::IpConfig::Persistent) != 0) {
-        move(camera, camera.persistent);
-    } else if ((camera.mode & Tessal::IpConfig::Dhcp) != 0) {
-        move(camera, {"192.168.1.150", "255.255.255.0", "192.168.1.1"});
-    } else {
-        move(camera, {"169.254.7.7", "255.255.0.0", "0.0.0.0"});
-    }
-}
-
-void storeMode(Camera& camera, bool persistent, bool dhcp)
-{
-    camera.mode = (persistent ? Tessal::IpConfig::Persistent : 0U) | (dhcp ? Tessal::IpConfig::Dhcp : 0U) |
-                  Tessal::IpConfig::LinkLocal;
+    camera.record.SetIpAddress(ip);
+    camera.record.SetSubnetMask(mask);
+    camera.record.SetDefaultGateway(gateway);
+    camera.record.SetAddress(ip + ":" + camera.record.GetPortNr());
 }
 
 /// Runs `action` on every appearance of that camera.
@@ -157,10 +139,8 @@ public:
         return m_nodes.get();
     }
 
-protected:
-    Tessal::COrvikGigEDeviceInfo m_record;
-
 private:
+    Tessal::COrvikGigEDeviceInfo m_record;
     bool m_open = false;
     std::unique_ptr<NodeMap> m_nodes;
 };
@@ -170,16 +150,11 @@ class GigEDevice final : public DeviceOf<Tessal::ITessalGigEDevice>
 public:
     using DeviceOf::DeviceOf;
 
-    void SetIpConfigMode(bool persistent, bool dhcp) override
-    {
-        call("SetIpConfigMode", persistent, dhcp);
-        forMac(m_record.GetMacAddress(), [&](Camera& camera) { storeMode(camera, persistent, dhcp); });
-    }
+    void SetIpConfigMode(bool persistent, bool dhcp) override { call("SetIpConfigMode", persistent, dhcp); }
     void SetPersistentIp(const GenICam::gcstring& ip, const GenICam::gcstring& mask,
                          const GenICam::gcstring& gateway) override
     {
         call("SetPersistentIp", ip, mask, gateway);
-        forMac(m_record.GetMacAddress(), [&](Camera& camera) { camera.persistent = {ip, mask, gateway}; });
     }
 };
 
@@ -234,12 +209,12 @@ public:
                  const GenICam::gcstring& gateway) override
     {
         call("ForceIp", mac, ip, mask, gateway);
-        forMac(mac, [&](Camera& camera) { move(camera, {ip, mask, gateway}); });
+        forMac(mac, [&](Camera& camera) { move(camera, ip, mask, gateway); });
     }
     void RestartIpConfig(const GenICam::gcstring& mac) override
     {
         call("RestartIpConfig", mac);
-        forMac(mac, restart);
+        forMac(mac, [](Camera& camera) { camera.silent = !camera.comesBack; });
     }
     bool BroadcastIpConfig(const GenICam::gcstring& mac, bool persistent, bool dhcp,
                            const GenICam::gcstring& ip, const GenICam::gcstring& mask,
@@ -249,8 +224,6 @@ public:
         bool taken = false;
         forMac(mac, [&](Camera& camera) {
             if (camera.knowsBroadcast) {
-                storeMode(camera, persistent, dhcp);
-                camera.persistent = {ip, mask, gateway};
                 set(camera, Tessal::Key::UserDefinedName, name);
                 taken = true;
             }
@@ -328,9 +301,7 @@ Camera camera(const char* model, const char* mac, const char* ip, const char* in
                             {"PortNr", "3956"},
                             {"UserDefinedName", ""},
                             {"IpConfigCurrent", "5"}});
-    made.persistent = {ip, "255.255.255.0", "0.0.0.0"};
-    move(made, made.persistent);
-    storeMode(made, true, false);
+    move(made, ip, "255.255.255.0", "0.0.0.0");
     return made;
 }
 

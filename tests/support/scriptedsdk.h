@@ -11,16 +11,9 @@
 #include <utility>
 #include <vector>
 
-/// The camera SDK as a play: cameras in memory that obey, refuse and restart like real ones, and a journal of
-/// what was asked of them. Nothing here knows a socket.
+/// The camera SDK as a play: cameras in memory that refuse, vanish, and take a name or a temporary address,
+/// and a journal of what was asked of them. Nothing here knows a socket.
 namespace sdk {
-
-struct Address
-{
-    GenICam::gcstring ip;
-    GenICam::gcstring mask;
-    GenICam::gcstring gateway;
-};
 
 /// A camera as one host address hears it; the same MAC may stand in the world more than once. It is reachable
 /// while it shares the /24 network of that host address.
@@ -34,12 +27,10 @@ struct Camera
     bool hasNodeMap = true;
     bool hasUserId = true; // among the nodes
 
-    bool silent = false;   // away since a restart, because it does not come back
-    unsigned int mode = 0; // what the next restart puts in force, in the bits of IpConfigCurrent
-    Address persistent;
+    bool silent = false; // away since a restart, because it does not come back
 };
 
-/// A camera in static mode with that model, MAC and address, heard by the host address `interface`.
+/// A camera in static mode, with that model, MAC and address, heard by the host address `interface`.
 [[nodiscard]] Camera camera(const char* model = "km-1", const char* mac = "025E41000001",
                             const char* ip = "192.168.1.9", const char* interface = "192.168.1.5");
 /// The same with other properties.

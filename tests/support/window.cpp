@@ -1,16 +1,17 @@
 #include "support/window.h"
 
-#include "support/guiadapter.h"
-
 #include <QApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMenu>
+#include <QNetworkInterface>
+#include <QProcess>
 #include <QPushButton>
 #include <QSettings>
 #include <QTemporaryDir>
 
 #include <cstdio>
+#include <stdexcept>
 
 namespace gui {
 
@@ -46,6 +47,27 @@ void retype(QLineEdit& edit, const QString& text)
 }
 
 } // namespace
+
+Adapter::Adapter(const QString& name, const QStringList& addresses, const QString& mac)
+    : TapDevice(name.toStdString())
+{
+    QStringList commands{"link set " + name + " addrgenmode none address " + mac};
+    for (const QString& address : addresses) {
+        commands << "addr add " + address + " dev " + name;
+    }
+    commands << "link set " + name + " up";
+    for (const QString& command : commands) {
+        if (QProcess::execute("ip", command.split(' ')) != 0) {
+            throw std::runtime_error("ip " + command.toStdString() + " failed");
+        }
+    }
+    const auto isRunning = [&name] { // the carrier is announced a little later
+        return QNetworkInterface::interfaceFromName(name).flags().testFlag(QNetworkInterface::IsRunning);
+    };
+    if (!QTest::qWaitFor(isRunning)) {
+        throw std::runtime_error("the adapter does not come up");
+    }
+}
 
 int cursorDepth()
 {
@@ -208,7 +230,7 @@ QStringList WindowTest::takeTrace(const QString& category)
 int run(QObject& test, int argc, char** argv)
 {
     try {
-        const GuiAdapter probe("lan0", {}, "02:00:00:00:01:05");
+        const Adapter probe("lan0", {}, "02:00:00:00:01:05");
     } catch (const std::runtime_error& error) {
         std::fprintf(stderr, "%s\n", error.what());
         return 77;

@@ -2,6 +2,7 @@
 
 #include "Lanvic/MainWnd.h"
 #include "support/trace.h"
+#include "wire/tapdevice.h"
 
 #include <QMessageBox>
 #include <QTest>
@@ -10,8 +11,21 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <tuple>
 
 namespace gui {
+
+/// A host adapter with known addresses, up and running while this object lives. Only for a network namespace
+/// of our own, as scripts/lab gives one.
+struct Adapter : wire::TapDevice
+{
+    /// Addresses with prefix, as in "192.168.1.5/24". Throws std::runtime_error when the host refuses.
+    Adapter(const QString& name, const QStringList& addresses, const QString& mac);
+};
+
+/// A table whose columns the loop over it names.
+template <typename... Columns>
+using Table = std::initializer_list<std::tuple<Columns...>>;
 
 /// How many override cursors are set.
 [[nodiscard]] int cursorDepth();
