@@ -154,13 +154,10 @@ private slots:
     void theMaskIsNormalised()
     {
         edit();
-        for (const auto& [typed, kept] : {std::pair{"24", "255.255.255.0"},
-                                          {"/20", "255.255.240.0"},
-                                          {"255.255.000.000", "255.255.0.0"},
-                                          {"255.0.255.0", "255.0.255.0"}}) {
+        for (const auto& [typed, kept] : {std::pair{"24", "255.255.255.0"}, {"255.0.255.0", "255.0.255.0"}}) {
             enter("editNetmask", typed);
             QCOMPARE(text("editNetmask"), kept);
-            QCOMPARE(canSave() && isSaveDefault(), typed != QString("255.0.255.0"));
+            QCOMPARE(canSave() && isSaveDefault(), typed == QString("24"));
         }
         type("editNetmask", "20");
         key("editNetmask", Qt::Key_Return);
@@ -197,19 +194,6 @@ private slots:
         type("editCustomName", "belt");
         key("editCustomName", Qt::Key_Return);
         QVERIFY(sent().endsWith(", belt)"));
-    }
-
-    void tabGoesFromFieldToField()
-    {
-        edit();
-        type("editCustomName", "new");
-        tree().setFocus();
-        for (const char* const next :
-             {"btnUsePersistentIp", "editIpAddress", "editNetmask", "editDefaultGateway", "editCustomName",
-              "btnWriteConfiguration", "btnRefresh"}) {
-            QTest::keyClick(m_window->focusWidget(), Qt::Key_Tab);
-            QCOMPARE(m_window->focusWidget()->objectName(), next);
-        }
     }
 
     void whatIsTypedIsPutRight()

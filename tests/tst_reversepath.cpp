@@ -42,8 +42,7 @@ private slots:
         const std::string half = "tun0\t00000000\t00000000\t0001\t0\t0\t0\t00000080\t0\n";
         QCOMPARE(net::defaultRouteAdapter(""), std::string());
         QCOMPARE(net::defaultRouteAdapter(titles + network + rejected + half), std::string());
-        QCOMPARE(net::defaultRouteAdapter(titles + costly + rejected + cheap + network),
-                 std::string("eth1"));
+        QCOMPARE(net::defaultRouteAdapter(titles + costly + rejected + cheap + network), std::string("eth1"));
     }
 };
 

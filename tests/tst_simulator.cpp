@@ -1,4 +1,5 @@
-#include "camera/camera.h"
+#include "gige/description.h"
+#include "gige/zipdescription.h"
 #include "network/virtualnetwork.h"
 #include "scene/scene.h"
 #include "wire/frames.h"
@@ -23,7 +24,6 @@ const QByteArray restart = "42010004003800080000025E41000001" + QByteArray(96, '
 const QByteArray discovery = "4211000200000001";
 const QByteArray takeControl = "420100820008000200000A0000000002";
 const QByteArray writeHeartbeat = "42010082000800050000093800000FA0";
-const QByteArray elsewhere = R"("persistent": {"ip": "172.16.0.5", "mask": "255.255.0.0"})";
 
 QByteArray readRegister(const QByteArray& address)
 {
@@ -36,14 +36,9 @@ std::vector<std::uint8_t> bytesOf(const QByteArray& hex)
     return {raw.begin(), raw.end()};
 }
 
-QByteArray textOf(std::span<const std::uint8_t> bytes)
-{
-    return {reinterpret_cast<const char*>(bytes.data()), static_cast<qsizetype>(bytes.size())};
-}
-
 QByteArray hexOf(std::span<const std::uint8_t> bytes)
 {
-    return textOf(bytes).toHex().toUpper();
+    return QByteArray(reinterpret_cast<const char*>(bytes.data()), std::ssize(bytes)).toHex().toUpper();
 }
 
 /// A scene of one adapter and one camera at 192.168.10.21/24; `more` adds to the camera, or says it
@@ -60,63 +55,24 @@ std::string sceneText(const QByteArray& more, const QByteArray& network = "{}")
     return scene.dump();
 }
 
-sim::Scene sceneWith(const QByteArray& more = {}, const QByteArray& network = "{}")
-{
-    return sim::parseScene(sceneText(more, network), ".");
-}
-
-/// One camera by itself.
-struct Solo
-{
-    explicit Solo(const QByteArray& more = {}) : camera(sceneWith(more).cameras.at(0).config, now) {}
-
-    /// Each answer in hexadecimal, separated by blanks. A command of "B..." comes by broadcast, one of "O..."
-    /// from another application; "+N" lets N milliseconds pass.
-    QByteArray hear(QByteArray command)
-    {
-        effects.clear();
-        const char how = command.isEmpty() ? '\0' : command[0];
-        command.remove(0, how == '+' || how == 'B' || how == 'O' ? 1 : 0);
-        if (how == '+') {
-            now += Duration(command.toInt());
-            camera.advance(now, effects);
-        } else {
-            const auto port = static_cast<std::uint16_t>(how == 'O' ? 2000 : 1000);
-            camera.hear({{hostIp, port}, how == 'B', bytesOf(command)}, now, effects);
-        }
-        QByteArrayList answers;
-        for (const sim::Answer& answer : effects.answers) {
-            answers += hexOf(answer.message.all());
-        }
-        for (const sim::EventLine& event : effects.events) {
-            events += QByteArray::fromStdString(event.text());
-        }
-        return answers.join(' ');
-    }
-
-    Instant now{};
-    sim::Effects effects;
-    sim::Camera camera;
-    QByteArrayList events;
-};
-
-/// A camera on its wire; frames to the host are kept.
+/// One camera on its wire. Frames to the host are kept, and so are events.
 struct Bench
 {
-    explicit Bench(const sim::Scene& scene)
+    explicit Bench(const QByteArray& camera = {}, const QByteArray& line = "{}")
         : network(
-              scene, now, [this](auto, auto frame) { frames.emplace_back(frame.begin(), frame.end()); },
-              [](const sim::EventLine&) {})
+              sim::parseScene(sceneText(camera, line), "."), now,
+              [this](auto, auto frame) { frames.emplace_back(frame.begin(), frame.end()); },
+              [this](const sim::EventLine& event) { events += QByteArray::fromStdString(event.text()); })
     {
         frames.clear();
     }
 
     void send(net::Ipv4 from, net::Ipv4 to, const QByteArray& command,
-              const net::MacAddress& toMac = wire::broadcastMac)
+              const net::MacAddress& toMac = wire::broadcastMac, std::uint16_t port = 1000)
     {
         const auto payload = bytesOf(command);
         const wire::Frame frame = wire::buildUdp(toMac, hostMac, {from, to, wire::Protocol::Udp, {}},
-                                                 {1000, gvcp::Port, payload}, 1);
+                                                 {port, gvcp::Port, payload}, 1);
         network.receive(0, frame.all(), now);
     }
 
@@ -140,8 +96,30 @@ struct Bench
         return lines;
     }
 
+    /// The answers to a command, separated by blanks. "B..." is sent to everybody, "O..." by another
+    /// application; "+N" lets N milliseconds pass.
+    QByteArray tell(const QByteArray& command)
+    {
+        if (command.startsWith('+')) {
+            now += Duration(command.toInt());
+            network.advance(now);
+        } else if (command.startsWith('B')) {
+            send(hostIp, net::limitedBroadcast, command.mid(1));
+        } else {
+            const bool isOther = command.startsWith('O');
+            send(hostIp, cameraIp, command.mid(isOther ? 1 : 0), cameraMac, isOther ? 2000 : 1000);
+        }
+        QByteArrayList answers = heard();
+        answers.removeIf([](const QByteArray& line) { return line.startsWith("arp"); });
+        for (QByteArray& line : answers) {
+            line.remove(0, line.lastIndexOf(' ') + 1);
+        }
+        return answers.join(' ');
+    }
+
     Instant now{};
     std::vector<std::vector<std::uint8_t>> frames;
+    QByteArrayList events;
     sim::VirtualNetwork network;
 };
 
@@ -175,10 +153,10 @@ private slots:
             {{takeControl, "O" + forceIp}, "8006000500000009"},
         };
         for (const auto& [commands, expected] : rows) {
-            Solo solo;
+            Bench bench;
             QByteArray answer;
             for (const QByteArray& command : commands) {
-                answer = solo.hear(command);
+                answer = bench.tell(command);
             }
             QVERIFY2(answer == expected, commands.join(' ') + " gives " + answer);
         }
@@ -186,37 +164,37 @@ private slots:
 
     void onlyTheLatestWriteIsTakenForARepeat()
     {
-        Solo solo;
-        solo.hear(takeControl);
-        QCOMPARE(solo.hear(writeHeartbeat), "000000830004000500000001");
-        QCOMPARE(solo.hear(writeHeartbeat), "000000830004000500000001");
-        solo.hear("42010082000800060000093800000BB8");
-        QCOMPARE(solo.hear(readRegister("00000938")), "000000810004000100000BB8");
-        solo.hear(writeHeartbeat);
-        QCOMPARE(solo.hear(readRegister("00000938")), "000000810004000100000FA0");
-        QVERIFY(solo.hear("O" + writeHeartbeat).startsWith("8006"));
+        Bench bench;
+        bench.tell(takeControl);
+        QCOMPARE(bench.tell(writeHeartbeat), "000000830004000500000001");
+        QCOMPARE(bench.tell(writeHeartbeat), "000000830004000500000001");
+        bench.tell("42010082000800060000093800000BB8");
+        QCOMPARE(bench.tell(readRegister("00000938")), "000000810004000100000BB8");
+        bench.tell(writeHeartbeat);
+        QCOMPARE(bench.tell(readRegister("00000938")), "000000810004000100000FA0");
+        QVERIFY(bench.tell("O" + writeHeartbeat).startsWith("8006"));
     }
 
     void controlIsTakenKeptAndLost()
     {
-        Solo solo;
+        Bench bench;
         const QByteArray privilege = readRegister("00000A00");
-        solo.hear("420100820008000200000A0000000001"); // exclusive
-        QCOMPARE(solo.hear("O" + privilege), "000000810004000100000001");
-        QCOMPARE(solo.hear("O" + readRegister("00000024")), "8006008100000001");
-        QCOMPARE(solo.hear("O" + takeControl), "800600830004000200000000");
-        solo.hear("+2999");
-        solo.hear(privilege); // the holder's heartbeat
-        solo.hear("+2999");
-        QCOMPARE(solo.hear("O" + privilege), "000000810004000100000001");
-        solo.hear("+1");
-        QCOMPARE(solo.hear("O" + takeControl), "000000830004000200000001");
-        solo.hear(restart); // refused: the other application is in control
-        solo.hear("O" + restart);
-        solo.events.removeIf([](const QByteArray& event) { return !event.startsWith("controlled"); });
+        bench.tell("420100820008000200000A0000000001"); // exclusive
+        QCOMPARE(bench.tell("O" + privilege), "000000810004000100000001");
+        QCOMPARE(bench.tell("O" + readRegister("00000024")), "8006008100000001");
+        QCOMPARE(bench.tell("O" + takeControl), "800600830004000200000000");
+        bench.tell("+2999");
+        bench.tell(privilege); // the holder's heartbeat
+        bench.tell("+2999");
+        QCOMPARE(bench.tell("O" + privilege), "000000810004000100000001");
+        bench.tell("+1");
+        QCOMPARE(bench.tell("O" + takeControl), "000000830004000200000001");
+        bench.tell(restart); // refused: the other application is in control
+        bench.tell("O" + restart);
+        bench.events.removeIf([](const QByteArray& event) { return !event.startsWith("controlled"); });
         const QByteArray controlled = "controlled camera=a by=192.168.10.1 privilege=";
         QCOMPARE(
-            solo.events,
+            bench.events,
             (QByteArrayList{controlled + "exclusive reason=written", controlled + "none reason=heartbeat",
                             controlled + "control reason=written", controlled + "none reason=restart"}));
     }
@@ -237,35 +215,35 @@ private slots:
             {R"("forced": {"ip": "10.1.1.1", "mask": "255.0.0.0"})", persistent},
         };
         for (const auto& [camera, mode] : cases) {
-            Solo solo(camera);
-            const auto initial = solo.camera.addressing();
-            QCOMPARE(solo.hear(restart), "");
-            solo.hear("+299");
-            QVERIFY(solo.camera.isDeaf() && solo.events.isEmpty());
-            QCOMPARE(solo.camera.nextDeadline(), solo.now + 1ms);
-            solo.hear("+1");
-            QCOMPARE(solo.events, QByteArrayList{"restarted camera=a mode=" + mode});
-            // as if it had been through before the scene began
-            QCOMPARE(initial == solo.camera.addressing(), !camera.contains("forced"));
+            Bench bench(camera);
+            bench.network.reportStates();
+            const QByteArrayList initial = std::exchange(bench.events, {});
+            QCOMPARE(bench.tell("B" + restart), "");
+            bench.tell("+299");
+            QCOMPARE(bench.network.nextDeadline(), bench.now + 1ms);
+            QCOMPARE(bench.tell(discovery) + bench.events.join(), "");
+            bench.tell("+1");
+            QCOMPARE(std::exchange(bench.events, {}), QByteArrayList{"restarted camera=a mode=" + mode});
+            bench.network.reportStates(); // as if it had been through before the scene began
+            QCOMPARE(bench.events == initial, !camera.contains("forced"));
         }
     }
 
     void broadcastCommandStoresEverythingForItsMakersCameras()
     {
         const QByteArray command =
-            "42118010002800050000025E41000001000000020A000001FF0000000A0000FE6122620A" + gap;
-        Solo solo;
-        QCOMPARE(solo.hear("B" + command), "0000801100000005");
-        QCOMPARE(solo.events.value(0),
-                 "configured camera=a by=broadcast what=all mode=dhcp+lla persistent-ip=10.0.0.1"
-                 " persistent-mask=255.0.0.0 persistent-gateway=10.0.0.254 name=\"a\\\"b\\x0A\"");
-        QCOMPARE(solo.camera.addressing().ip, cameraIp);
-        QCOMPARE(solo.hear("B" + QByteArray(command).replace("025E41000001", "025E41000002")), "");
-        QCOMPARE(solo.hear("B" + QByteArray(command).replace("0028", "0024").chopped(8)), "8002801100000005");
-        solo.hear(takeControl);
-        QCOMPARE(solo.hear("O" + command), "8006801100000005");
-        QCOMPARE(Solo(R"("supported": ["persistent"])").hear("B" + command), "8002801100000005");
-        QCOMPARE(Solo(R"("broadcastCommand": false)").hear("B" + command), "8001801100000005");
+            "B42118010002800050000025E41000001000000020A000001FF0000000A0000FE6122620A" + gap;
+        Bench bench;
+        QCOMPARE(bench.tell(command), "0000801100000005");
+        QCOMPARE(
+            bench.events.value(0),
+            "configured camera=a by=broadcast what=all mode=dhcp+lla persistent-ip=10.0.0.1 persistent-mask=255.0.0.0 persistent-gateway=10.0.0.254 name=\"a\\\"b\\x0A\"");
+        QCOMPARE(bench.tell(QByteArray(command).replace("025E41000001", "025E41000002")), "");
+        QCOMPARE(bench.tell(QByteArray(command).replace("0028", "0024").chopped(8)), "8002801100000005");
+        bench.tell("O" + takeControl);
+        QCOMPARE(bench.tell(command), "8006801100000005");
+        QCOMPARE(Bench(R"("supported": ["persistent"])").tell(command), "8002801100000005");
+        QCOMPARE(Bench(R"("broadcastCommand": false)").tell(command), "8001801100000005");
     }
 
     void aDescriptionNamesTheCameraAndItsUserId()
@@ -273,14 +251,17 @@ private slots:
         const auto make = [](sim::DescriptionKind kind) {
             return sim::makeDescription(kind, "Orvik", "a<b", "");
         };
-        const QByteArray plain = textOf(make(sim::DescriptionKind::Plain)->bytes);
+        const QByteArray plain = QByteArray::fromHex(hexOf(make(sim::DescriptionKind::Plain)->bytes));
         QVERIFY(plain.contains("ModelName=\"a&lt;b\"") && plain.contains("<Address>0xE8</Address>"));
+        const auto zipped = make(sim::DescriptionKind::Zipped);
+        const auto file = std::span(zipped->bytes).first(gige::parseDescriptionUrl(zipped->firstUrl).length);
+        QVERIFY(plain.startsWith(gige::unzipDescription(file, 1'000'000).c_str()));
         const auto second = make(sim::DescriptionKind::SecondUrl);
         QVERIFY(second->firstUrl.starts_with("http:") && second->secondUrl.starts_with("Local:"));
-        Solo solo(R"("description": {"kind": "no-user-id"})");
-        QCOMPARE(solo.hear(readRegister("00000934")), "000000810004000140000003");
-        solo.hear(takeControl);
-        QVERIFY(solo.hear("4201008200080005000000E841414141").startsWith("8004"));
+        Bench bench(R"("description": {"kind": "no-user-id"})");
+        QCOMPARE(bench.tell(readRegister("00000934")), "000000810004000140000003");
+        bench.tell(takeControl);
+        QVERIFY(bench.tell("4201008200080005000000E841414141").startsWith("8004"));
     }
 
     void camerasHearAndReachOnlyWhatRealOnesWould()
@@ -294,7 +275,7 @@ private slots:
             return heard.startsWith("arp") ? heard : heard.left(heard.lastIndexOf(' '));
         };
         const QByteArray near = "02000000AD00 192.168.10.21>192.168.10.1";
-        Bench bench(sceneWith());
+        Bench bench;
         for (const net::Ipv4 to : {net::limitedBroadcast, net::Ipv4{0xC0A80AFF}, cameraIp}) {
             QCOMPARE(answers(bench, hostIp, to, quiet, to == cameraIp ? cameraMac : wire::broadcastMac),
                      near);
@@ -316,10 +297,9 @@ private slots:
         QCOMPARE(bench.heard(), (QByteArrayList{"arp 192.168.10.99",
                                                 "02000000AD00 192.168.10.99>192.168.10.1 0000000500000009"}));
 
-        Bench alone(sceneWith(elsewhere));
-        QCOMPARE(answers(alone, hostIp, net::limitedBroadcast, quiet), "");
-        Bench ignorant(sceneWith(R"("ignoreBroadcastAckFlag": true, )" + elsewhere));
-        QCOMPARE(answers(ignorant, hostIp, net::limitedBroadcast, discovery), "");
+        const QByteArray elsewhere = R"("persistent": {"ip": "172.16.0.5", "mask": "255.255.0.0"})";
+        QCOMPARE(Bench(elsewhere).tell("B" + quiet), "");
+        QCOMPARE(Bench(R"("ignoreBroadcastAckFlag": true, )" + elsewhere).tell("B" + discovery), "");
     }
 
     void faultsOfCameraAndLine()
@@ -328,40 +308,37 @@ private slots:
         const QByteArray good = "02000000AD00 192.168.10.21>192.168.10.1 000000810004000100000000";
         const auto answersTo = [&](const QByteArray& camera, const QByteArray& network, int requests = 1,
                                    Duration wait = 0ms) {
-            Bench bench(sceneWith(camera, network));
+            Bench bench(camera, network);
             for (int i = 0; i < requests; ++i) {
                 bench.send(hostIp, cameraIp, read, cameraMac);
             }
             bench.network.advance(bench.now + wait);
             return bench.heard();
         };
-        const auto answerTo = [&](const QByteArray& camera, const QByteArray& network = "{}") {
-            return answersTo(camera, network).join().split(' ').last();
-        };
         QCOMPARE(answersTo(R"("losePackets": [1, 4])", "{}", 4).size(), 2);
         QCOMPARE(answersTo(R"("repeatAnswers": 2)", "{}"), (QByteArrayList{good, good, good}));
-        QCOMPARE(answerTo(R"("answerWith": "wrongId")"), "000000810004000200000000");
-        QCOMPARE(answerTo(R"("answerWith": "wrongLength")"), "000000810008000100000000");
-        QVERIFY(!answerTo(R"("answerWith": "garbage")").contains("0081000400"));
-        QVERIFY(answerTo(R"("refuse": {"READREG": "8007"})").startsWith("8007"));
+        QCOMPARE(Bench(R"("answerWith": "wrongId")").tell(read), "000000810004000200000000");
+        QCOMPARE(Bench(R"("answerWith": "wrongLength")").tell(read), "000000810008000100000000");
+        QVERIFY(!Bench(R"("answerWith": "garbage")").tell(read).contains("0081000400"));
+        QVERIFY(Bench(R"("refuse": {"READREG": "8007"})").tell(read).startsWith("8007"));
         QCOMPARE(answersTo(R"("answerDelayMs": 20)", R"({"delayMs": 10})", 1, 29ms).size(), 0);
         QCOMPARE(answersTo("", R"({"duplicatePercent": 100})"), QByteArrayList(4, good));
-        QVERIFY(!answerTo("", R"({"garbagePercent": 100})").contains("0081000400"));
+        QVERIFY(!Bench("", R"({"garbagePercent": 100})").tell(read).contains("0081000400"));
         QCOMPARE(answersTo("", R"({"reorderPercent": 100})", 1, 20ms), QByteArrayList{good});
         const auto lossy = answersTo(R"("lossPercent": 30)", R"({"seed": 7})", 400).size();
         QVERIFY2(lossy > 156 && lossy < 236, qPrintable(QString::number(lossy))); // 400 × 0.7²
         QCOMPARE(answersTo(R"("lossPercent": 30)", R"({"seed": 7})", 400).size(), lossy);
 
-        Solo fading(R"("refuse": {"register:0x0014": "8004"}, "vanishAfterWrites": 1)");
-        fading.hear(takeControl);
-        QVERIFY(fading.hear("42010082000800050000001400000001").startsWith("8004"));
-        QVERIFY(fading.hear("42010082000800060000064C01020304").startsWith("0000"));
-        QCOMPARE(fading.hear(read), "");
-        Solo gone(R"("vanishAfterRestart": true, "restartAck": true)");
-        QCOMPARE(gone.hear(restart), "0000000500000008");
-        gone.hear("+100000");
-        QCOMPARE(gone.hear(read), "");
-        QCOMPARE(Solo(R"("muteToDiscovery": true)").hear("B" + discovery), "");
+        Bench fading(R"("refuse": {"register:0x0014": "8004"}, "vanishAfterWrites": 1)");
+        fading.tell(takeControl);
+        QVERIFY(fading.tell("42010082000800050000001400000001").startsWith("8004"));
+        QVERIFY(fading.tell("42010082000800060000064C01020304").startsWith("0000"));
+        QCOMPARE(fading.tell(read), "");
+        Bench gone(R"("vanishAfterRestart": true, "restartAck": true)");
+        QCOMPARE(gone.tell(restart), "0000000500000008");
+        gone.tell("+100000");
+        QCOMPARE(gone.tell(read), "");
+        QCOMPARE(Bench(R"("muteToDiscovery": true)").tell("B" + discovery), "");
     }
 
     void wrongScenesAreRefusedWithPlaceAndReason()
@@ -394,14 +371,13 @@ private slots:
 
     void countMultipliesACamera()
     {
-        const auto cameras =
-            sceneWith(R"("count": 300, "forced": {"ip": "10.0.0.250", "mask": "255.0.0.0"})");
-        const sim::CameraConfig& last = cameras.cameras.at(299).config;
-        QCOMPARE(last.name, "a-300");
-        QCOMPARE(net::formatMac(last.mac), "025E4100012C");
-        QCOMPARE(last.identity.serial, "21000300");
-        QCOMPARE(net::formatIpv4(last.persistent.ip), "192.168.11.64");
-        QCOMPARE(net::formatIpv4(last.forced->ip), "10.0.2.37");
+        const std::string text =
+            sceneText(R"("count": 300, "forced": {"ip": "10.0.0.250", "mask": "255.0.0.0"})");
+        const sim::CameraConfig last = sim::parseScene(text, ".").cameras.at(299).config;
+        QCOMPARE(last.name + ' ' + net::formatMac(last.mac) + ' ' + last.identity.serial,
+                 "a-300 025E4100012C 21000300");
+        QCOMPARE(net::formatIpv4(last.persistent.ip) + ' ' + net::formatIpv4(last.forced->ip),
+                 "192.168.11.64 10.0.2.37");
     }
 
     void shippedScenesAreValid()
