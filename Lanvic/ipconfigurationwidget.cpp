@@ -1,6 +1,7 @@
 #include "ipconfigurationwidget.h"
 
 #include "DeviceLister.h"
+#include "elidedtexts.h"
 #include "fittext.h"
 #include "settingskeys.h"
 
@@ -59,6 +60,7 @@ IpConfigurationWidget::IpConfigurationWidget(QWidget* parent) : QWidget(parent)
                               tr("Status"), tr("IP Configuration"), tr("IP Address"),    tr("Subnet Mask")};
     ui.treeWidget->setColumnCount(static_cast<int>(columns.size()));
     ui.treeWidget->setHeaderLabels(columns);
+    ui.treeWidget->setItemDelegate(new ElidedTexts(this));
     restoreHeaderState(ui.treeWidget->header());
     installValidators();
     createHiddenAction(QStringLiteral("actionShowNetworkConnections"), tr("Alt+Shift+Ctrl+N"),

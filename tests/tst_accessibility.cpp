@@ -3,12 +3,14 @@
 #include "qtbase/ipaddresswidget.h"
 
 #include <QAccessible>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QToolTip>
 
 namespace {
 
@@ -128,6 +130,20 @@ private slots:
             QTest::keyClick(&menu, Qt::Key_Escape);
         }});
         press(QKeySequence("Shift+F10"));
+    }
+
+    void aToolTipTellsTextsThatAreCutOff()
+    {
+        openOn({sdk::with(sdk::camera(), {{"UserDefinedName", "<b>Gate"}})});
+        const QModelIndex cell = tree().model()->index(0, 1, tree().model()->index(0, 0));
+        for (const auto& [width, told] : {std::pair(500, ""), std::pair(30, "<span>&lt;b&gt;Gate</span>")}) {
+            tree().setColumnWidth(1, width);
+            const QPoint spot = tree().visualRect(cell).center();
+            QHelpEvent hover(QEvent::ToolTip, spot, tree().viewport()->mapToGlobal(spot));
+            QApplication::sendEvent(tree().viewport(), &hover);
+            QCOMPARE(QToolTip::text(), told);
+        }
+        QToolTip::hideText();
     }
 
     void textsAreSeenInFullWithLargeLetters()
