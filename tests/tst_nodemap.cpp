@@ -35,8 +35,8 @@ public:
     void read(std::uint32_t address, std::span<std::uint8_t> to) override
     {
         ++reads;
-        if (fault != nullptr && address == faultAt) {
-            fault();
+        if (const auto fault = faults.find(address); fault != faults.end()) {
+            fault->second();
         }
         for (std::uint8_t& byte : to) {
             const auto at = memory.find(address++);
@@ -55,8 +55,7 @@ public:
     }
 
     std::map<std::uint32_t, std::uint8_t> memory;
-    std::uint32_t faultAt = 0;
-    void (*fault)() = nullptr; // called when faultAt is read
+    std::map<std::uint32_t, void (*)()> faults; // called when that address is read
     int reads = 0;
     QByteArray written; // address and bytes, NUL shown as a dot
 };
@@ -299,8 +298,7 @@ private slots:
             QByteArray second;
             QString length; // of DeviceUserID, or what is said instead
             QString trace;
-            std::uint32_t faultAt = 0;
-            void (*fault)() = nullptr;
+            std::map<std::uint32_t, void (*)()> faults = {};
             QByteArray capability = QByteArray("\x80\0\0\0", 4);
         };
         const QByteArray none;
@@ -314,9 +312,9 @@ private slots:
             {"Local:c.xml;E000;10", good, "24", ""},
             {none, none, "16", "first URL: the URL is empty; second URL: the URL is empty"},
             {"Local:c.xml;D000;4", none, "16", "first URL: the XML is malformed at byte"},
-            {none, good, "16", "second URL: no such register", 0x400, raise<gige::RefusalException>},
-            {none, none, "none", "no standard name register", 0, nullptr, "\x7F\xFF\xFF\xFF"},
-            {good, none, "failure: no such register", "", 0x200, raise<GenICam::TimeoutException>},
+            {none, good, "16", "second URL: no such register", {{0x400, raise<gige::RefusalException>}}},
+            {none, none, "none", "no standard name register", {}, "\x7F\xFF\xFF\xFF"},
+            {good, none, "failure: no such register", "", {{0x200, raise<GenICam::TimeoutException>}}},
         });
         for (const Row& row : rows) {
             FakePort port;
@@ -327,8 +325,7 @@ private slots:
             port.put(0xB000, archive("deflated"));
             port.put(0xC000, "<svg></svg>");
             port.put(0xD000, "<a<b");
-            port.faultAt = row.faultAt;
-            port.fault = row.fault;
+            port.faults = row.faults;
             const TraceCapture trace;
             const QString length = resultOf([&port] {
                 const auto map = gige::makeNodeMap(port);
