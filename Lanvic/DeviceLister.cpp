@@ -9,6 +9,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <vector>
 
 using GenICam::gcstring;
 using Tessal::COrvikGigEDeviceInfo;
@@ -25,8 +26,14 @@ constexpr char partSeparator[] = ";";
 DeviceInfoList withoutIdenticalRecords(const DeviceInfoList& found)
 {
     DeviceInfoList unique;
+    // Only records of one MAC address are compared with one another, so that a thousand cameras cost no more
+    // than a thousand look-ups.
+    std::map<gcstring, std::vector<std::size_t>> positionsOfMac;
     for (const COrvikGigEDeviceInfo& record : found) {
-        if (std::ranges::find(unique, record) == unique.end()) {
+        std::vector<std::size_t>& positions = positionsOfMac[record.GetMacAddress()];
+        const auto isSame = [&](std::size_t position) { return unique.at(position) == record; };
+        if (std::ranges::none_of(positions, isSame)) {
+            positions.push_back(unique.size());
             unique.push_back(record);
         }
     }
@@ -35,8 +42,8 @@ DeviceInfoList withoutIdenticalRecords(const DeviceInfoList& found)
 
 void nameAdapters(DeviceInfoList& records)
 {
-    const QList<CNetworkAdapter> adapters = CNetworkAdapter::allNetworkAdapters(
-        QNetworkInterface::IsUp | QNetworkInterface::IsRunning, QNetworkInterface::IsLoopBack);
+    const QList<CNetworkAdapter> adapters =
+        CNetworkAdapter::allNetworkAdapters(LiveAdapter, QNetworkInterface::IsLoopBack);
     for (COrvikGigEDeviceInfo& record : records) {
         gcstring address;
         if (!record.GetPropertyValue(Tessal::Key::Interface, address)) {
@@ -77,8 +84,6 @@ void mergeDuplicatesOfCamera(DeviceInfoList& records, const std::vector<std::siz
 
 void mergeDuplicates(DeviceInfoList& records)
 {
-    // Only records of one MAC address are compared with one another, so that a thousand cameras cost no more
-    // than a thousand look-ups.
     std::map<gcstring, std::vector<std::size_t>> positionsOfMac;
     std::size_t position = 0;
     for (const COrvikGigEDeviceInfo& record : records) {

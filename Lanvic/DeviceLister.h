@@ -31,13 +31,14 @@ public:
     static void createTransportLayer();
 
     /// Patches the records of m_devices with that MAC; a null pointer leaves its value. With
-    /// `updateAccessibility`, asks the first of them for its accessibility again. Returns how many records
-    /// were patched.
+    /// `updateAccessibility`, asks the first of them for its accessibility again, and throws what that query
+    /// throws. Returns how many records were patched.
     int updateDeviceInfo(const char* macAddress, const char* ipConfigCurrent, const char* ipAddress,
                          const char* subnetMask, const char* defaultGateway, bool updateAccessibility);
 
     /// Merges the named properties of `source` into `target`, joining different values with `separator`;
-    /// returns how many were written. The second form takes all names that `target` has.
+    /// returns how many were written. The second form takes all names that `target` has. Without a separator
+    /// (null) values are joined as they are, duplicates too.
     static int mergeProperties(Tessal::IProperties& target, const Tessal::IProperties& source,
                                const char* separator, const GenICam::gcstring_vector& names,
                                bool allowDuplicates);

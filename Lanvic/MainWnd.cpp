@@ -19,8 +19,8 @@
 
 namespace {
 
-/// Whether a window there would be seen: whether the rectangle, moved a little up and left so that a window
-/// that shows no more than its lower right border does not count, lies at least in part on some screen.
+/// Whether enough of a window there would be seen to get hold of it. The rectangle is moved up and left by
+/// about the size of its borders, so that a window of which only the lower right border shows does not count.
 bool isOnSomeScreen(const QRect& window)
 {
     const QRect visible = window.adjusted(-8, -16, -8, -8);

@@ -4,6 +4,10 @@
 #include <QNetworkInterface>
 #include <QString>
 
+/// What an adapter must be for a camera to be heard through it.
+inline constexpr QNetworkInterface::InterfaceFlags LiveAdapter =
+    QNetworkInterface::IsUp | QNetworkInterface::IsRunning;
+
 /// A host network adapter as it was when it was listed, with its name and hardware address kept beside it.
 class CNetworkAdapter : public QNetworkInterface
 {
@@ -23,6 +27,6 @@ public:
     [[nodiscard]] static const CNetworkAdapter* findByIpAddress(const QList<CNetworkAdapter>& adapters,
                                                                 const QHostAddress& address);
 
-    QString m_name;
-    QString m_hardwareAddress;
+    QString m_name;            // the operating system's, as "eth0"
+    QString m_hardwareAddress; // as "02:00:00:00:01:05"
 };

@@ -14,13 +14,14 @@ struct AddressingMode
     /// The mode as IpConfig bits for a record. `linkLocal` tells whether Auto IP is to be among them.
     [[nodiscard]] QByteArray asIpConfig(bool linkLocal) const
     {
-        return QByteArray::number((persistentIp ? Tessal::IpConfig::Persistent : 0) |
-                                  (dhcp ? Tessal::IpConfig::Dhcp : 0) |
-                                  (linkLocal ? Tessal::IpConfig::LinkLocal : 0));
+        return QByteArray::number((persistentIp ? Tessal::IpConfig::Persistent : 0U) |
+                                  (dhcp ? Tessal::IpConfig::Dhcp : 0U) |
+                                  (linkLocal ? Tessal::IpConfig::LinkLocal : 0U));
     }
 };
 
-/// Three addresses in the form that the camera libraries take: ASCII, an empty one as 0.0.0.0.
+/// What the editor, or the dialog for a temporary address, holds: three addresses in the form that the camera
+/// libraries take: ASCII, an empty one as 0.0.0.0.
 struct IpSettings
 {
     QByteArray ipAddress;

@@ -3,6 +3,7 @@
 #include "addressranges.h"
 #include "editedconfiguration.h"
 #include "ipconfigurationwidget.h"
+#include "recorddisplay.h"
 #include "trace.h"
 
 #include "ozlog/ozlog.h"
@@ -17,8 +18,6 @@ using ozlog::LogLevel;
 using ozlog::LogTrace;
 
 namespace {
-
-constexpr QLatin1String makersMacPrefix("02-5E-41-");
 
 /// The text, followed by the addresses that a camera behind the adapter can have, when that is known.
 QString withValidAddresses(const QString& text, const CNetworkAdapter* adapter)
@@ -122,22 +121,11 @@ void IpConfigurationWidget::closeDevice()
     if (m_pDevice == nullptr) {
         return;
     }
-    try {
+    warningOfFailure("Failed to close device", "closeDevice", [this] {
         if (m_pDevice->IsOpen()) {
             m_pDevice->Close();
         }
-    } catch (const GenICam::GenericException& exception) {
-        qWarning("Failed to close device");
-        qWarning() << "closeDevice"
-                   << ": " << exception;
-    } catch (const std::exception& exception) {
-        qWarning("Failed to close device");
-        qWarning() << "closeDevice"
-                   << ": " << exception;
-    } catch (...) {
-        qWarning("Failed to close device");
-        qWarning("%s: Unspecified exception occurred.", "closeDevice");
-    }
+    });
 }
 
 bool IpConfigurationWidget::forceIp(const QString& headerText, bool showMacAddress, QString* newIpAddress)
@@ -169,7 +157,7 @@ bool IpConfigurationWidget::forceIp(const QString& headerText, bool showMacAddre
     reportingForceIpFailure(mac, [&mac] {
         LogTrace(GetIPConfigBaseCatID(), LogLevel::Info, "Successfully forced IP for MAC=%hs.", mac);
     });
-    if (!waitForDevice(QString::fromLatin1(mac.c_str()))) {
+    if (!waitForDevice(fromAscii(mac))) {
         return false;
     }
     if (!showMacAddress) {
@@ -193,7 +181,7 @@ void IpConfigurationWidget::fillTemporaryAddressDialog(IpAddressWidget& dialog,
         dialog.setSubnetMask(entry.netmask().toString());
     }
     dialog.setDefaultGateway("0.0.0.0");
-    dialog.setMacAddress(mac.empty() ? QString(makersMacPrefix) : QString::fromLatin1(mac.c_str()));
+    dialog.setMacAddress(fromAscii(mac));
 }
 
 std::optional<IpSettings> IpConfigurationWidget::askForTemporaryAddress(IpAddressWidget& dialog,
@@ -249,7 +237,7 @@ void IpConfigurationWidget::on_assignTemporaryIPAddress()
     try {
         QString newIpAddress;
         forceIp(headerText, false, &newIpAddress);
-        updateTreeRowFromDeviceInfoByMac(QString::fromLatin1(mac.c_str()));
+        updateTreeRowFromDeviceInfoByMac(fromAscii(mac));
         updateUiFromTreeItem(getSelectedTreeItem());
         updateUiState(nullptr);
     } catch (const std::exception& exception) {

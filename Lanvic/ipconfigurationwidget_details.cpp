@@ -45,11 +45,6 @@ QString richTextProperty(const Tessal::COrvikGigEDeviceInfo& record, const char*
     return richText(GetUtf8Property(&record, key));
 }
 
-QString fromAscii(const GenICam::gcstring& text)
-{
-    return QString::fromLatin1(text.c_str());
-}
-
 QString accessibilityHint(int accessibility)
 {
     using namespace Tessal::Accessibility;

@@ -1,6 +1,7 @@
 #include "WaitBox.h"
 #include "addressranges.h"
 #include "ipconfigurationwidget.h"
+#include "recorddisplay.h"
 #include "settingskeys.h"
 
 #include "qtbase/formatting.h"
@@ -208,7 +209,7 @@ bool IpConfigurationWidget::saveChangesBeforeClosing()
     if (answer == QMessageBox::Yes) {
         return true;
     }
-    updateTreeRowFromDeviceInfoByMac(QString::fromLatin1(record->GetMacAddress().c_str()));
+    updateTreeRowFromDeviceInfoByMac(fromAscii(record->GetMacAddress()));
     updateUiFromTreeItem(item);
     updateUiState(nullptr);
     return false;

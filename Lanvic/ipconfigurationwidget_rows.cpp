@@ -99,7 +99,7 @@ void setText(QTreeWidgetItem* item, Column column, const QString& text)
 
 void setText(QTreeWidgetItem* item, Column column, const GenICam::gcstring& text)
 {
-    setText(item, column, QString::fromLatin1(text.c_str()));
+    setText(item, column, fromAscii(text));
 }
 
 /// Takes the picture of an earlier state away when there is none now.

@@ -2,6 +2,7 @@
 
 #include "DeviceLister.h"
 #include "WaitBox.h"
+#include "recorddisplay.h"
 #include "trace.h"
 
 #include "qtbase/messages.h"
@@ -102,8 +103,7 @@ void IpConfigurationWidget::doRefresh()
     const WaitCursor waitCursor;
     announceSearch();
 
-    m_networkAdapters = CNetworkAdapter::allNetworkAdapters(
-        QNetworkInterface::IsUp | QNetworkInterface::IsRunning, QNetworkInterface::IsLoopBack);
+    m_networkAdapters = CNetworkAdapter::allNetworkAdapters(LiveAdapter, QNetworkInterface::IsLoopBack);
     if (m_networkAdapters.isEmpty()) {
         setSelectionInfoText(
             tr("<p>No active network networkAdapter found!</p><p>Please make sure your network "
@@ -163,19 +163,8 @@ void IpConfigurationWidget::releaseDevice()
     if (device == nullptr) {
         return;
     }
-    constexpr char operation[] = "doRefresh";
-    try {
-        DeviceLister::s_pTl->DestroyDevice(device);
-    } catch (const GenICam::GenericException& exception) {
-        qWarning("Failed to destroy device");
-        qWarning() << operation << ": " << exception;
-    } catch (const std::exception& exception) {
-        qWarning("Failed to destroy device");
-        qWarning() << operation << ": " << exception;
-    } catch (...) {
-        qWarning("Failed to destroy device");
-        qWarning("%s: Unspecified exception occurred.", operation);
-    }
+    warningOfFailure("Failed to destroy device", "doRefresh",
+                     [device] { DeviceLister::s_pTl->DestroyDevice(device); });
 }
 
 void IpConfigurationWidget::clearTree()
@@ -243,8 +232,7 @@ QTreeWidgetItem* IpConfigurationWidget::addDeviceRow(const Tessal::COrvikGigEDev
     row->setData(0, ItemKindRole, DeviceItem);
     row->setData(0, DeviceIndexRole, index);
     QTreeWidgetItem* const item = row.release(); // the tree's from here on
-    QTreeWidgetItem* const adapterRow =
-        findAdapterTreeItem(QString::fromLatin1(interfaceNameOf(record).c_str()));
+    QTreeWidgetItem* const adapterRow = findAdapterTreeItem(fromAscii(interfaceNameOf(record)));
     if (adapterRow != nullptr) {
         adapterRow->addChild(item);
         item->setChildIndicatorPolicy(QTreeWidgetItem::DontShowIndicator);

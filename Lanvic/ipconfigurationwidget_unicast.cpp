@@ -2,6 +2,7 @@
 #include "WaitBox.h"
 #include "editedconfiguration.h"
 #include "ipconfigurationwidget.h"
+#include "recorddisplay.h"
 #include "trace.h"
 
 #include "ozlog/ozlog.h"
@@ -78,7 +79,7 @@ bool IpConfigurationWidget::unicastConfiguration(const QString& ipAddress)
         traceOpened(record, oldIp);
         const WaitCursor cursor;
         return writeEditedSettings(record, oldIp) &&
-               restartAfterUnicast(QString::fromLatin1(record.GetMacAddress().c_str()), oldIp);
+               restartAfterUnicast(fromAscii(record.GetMacAddress()), oldIp);
     } catch (const std::exception& exception) {
         showException("unicastConfiguration", exception, nullptr);
     } catch (...) {

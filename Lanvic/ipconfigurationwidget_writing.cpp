@@ -2,6 +2,7 @@
 #include "WaitBox.h"
 #include "editedconfiguration.h"
 #include "ipconfigurationwidget.h"
+#include "recorddisplay.h"
 #include "trace.h"
 
 #include "ozlog/ozlog.h"
@@ -19,8 +20,8 @@ using ozlog::LogTrace;
 
 namespace {
 
-constexpr unsigned int secondsBetweenSearches = 2;
-constexpr int maxSearches = 30;
+constexpr unsigned int secondsBetweenSearches = 2; // a signal may shorten one of them
+constexpr int maxSearches = 30;                    // so a camera has a good minute to come back
 
 /// Tells the log what is about to be sent; false when the editor asks for no mode at all.
 bool traceBroadcast(const QByteArray& mac, const AddressingMode& mode, const IpSettings& settings)
@@ -54,7 +55,7 @@ bool sendBroadcast(const QByteArray& mac, const AddressingMode& mode, const IpSe
 bool lists(const Tessal::DeviceInfoList& cameras, const QString& mac)
 {
     return std::any_of(cameras.begin(), cameras.end(), [&mac](const Tessal::COrvikGigEDeviceInfo& camera) {
-        return mac.compare(QString::fromLatin1(camera.GetMacAddress().c_str()), Qt::CaseInsensitive) == 0;
+        return mac.compare(fromAscii(camera.GetMacAddress()), Qt::CaseInsensitive) == 0;
     });
 }
 
@@ -77,7 +78,7 @@ void IpConfigurationWidget::on_btnWriteConfiguration_clicked()
         if (writeConfiguration(*record)) {
             clearDirtyFlags();
             stopEditing();
-            updateTreeRowFromDeviceInfoByMac(QString::fromLatin1(record->GetMacAddress().c_str()));
+            updateTreeRowFromDeviceInfoByMac(fromAscii(record->GetMacAddress()));
             doRefresh();
         } else {
             QMessageBox::critical(this, windowTitle(), tr("The configuration could not be saved."),
@@ -96,7 +97,7 @@ void IpConfigurationWidget::on_btnWriteConfiguration_clicked()
 bool IpConfigurationWidget::writeConfiguration(const Tessal::COrvikGigEDeviceInfo& deviceInfo)
 {
     try {
-        if (broadcastConfiguration(QString::fromLatin1(deviceInfo.GetMacAddress().c_str()))) {
+        if (broadcastConfiguration(fromAscii(deviceInfo.GetMacAddress()))) {
             return true;
         }
     } catch (const std::exception& exception) {
@@ -105,7 +106,7 @@ bool IpConfigurationWidget::writeConfiguration(const Tessal::COrvikGigEDeviceInf
     qDebug("Broadcast Configuration failed! Trying unicast configuration.");
     try {
         // Read only now: an accepted broadcast has put the camera's new address into the record.
-        return unicastConfiguration(QString::fromLatin1(deviceInfo.GetIpAddress().c_str()));
+        return unicastConfiguration(fromAscii(deviceInfo.GetIpAddress()));
     } catch (const std::exception& exception) {
         qDebug("unicast Configuration failed! (err = '%s')", exception.what());
         return false;

@@ -35,6 +35,11 @@ int GetDeviceAccessibility(const Tessal::COrvikGigEDeviceInfo* record)
     return static_cast<unsigned int>(code) < accessibilityCodeCount ? code : Tessal::Accessibility::Unknown;
 }
 
+QString fromAscii(const GenICam::gcstring& text)
+{
+    return QString::fromLatin1(text.c_str());
+}
+
 QString displayText(QString text)
 {
     std::ranges::replace_if(text, steersDisplay, QChar(QChar::ReplacementCharacter));

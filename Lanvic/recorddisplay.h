@@ -8,6 +8,9 @@
 /// value that is missing, no number or out of range.
 [[nodiscard]] int GetDeviceAccessibility(const Tessal::COrvikGigEDeviceInfo* record);
 
+/// A text of a record that is no name of the user's: Latin-1 as it comes, ASCII as a rule.
+[[nodiscard]] QString fromAscii(const GenICam::gcstring& text);
+
 /// A text from outside made fit to be shown: characters that would break the line or steer the display
 /// (control characters, line separators, direction overrides) become U+FFFD. It is still no markup; put into
 /// rich text it has to be escaped.

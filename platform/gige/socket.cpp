@@ -181,7 +181,7 @@ int UdpSocket::sendTo(gvcp::Bytes bytes, const Endpoint& to, std::optional<Origi
     return sendMessage(m_descriptor, message);
 }
 
-std::optional<Datagram> UdpSocket::receive(std::span<std::uint8_t> buffer, int* error) const
+std::optional<Datagram> UdpSocket::receive(std::span<std::uint8_t> buffer) const
 {
     sockaddr_in source{};
     iovec data{.iov_base = buffer.data(), .iov_len = buffer.size()};
@@ -198,9 +198,6 @@ std::optional<Datagram> UdpSocket::receive(std::span<std::uint8_t> buffer, int* 
         length = ::recvmsg(m_descriptor, &message, MSG_DONTWAIT);
     } while (length < 0 && errno == EINTR);
     if (length < 0) {
-        if (error != nullptr) {
-            *error = errno;
-        }
         return std::nullopt;
     }
     const bool truncated = (message.msg_flags & MSG_TRUNC) != 0;

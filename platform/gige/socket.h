@@ -61,10 +61,9 @@ public:
     [[nodiscard]] int sendTo(gvcp::Bytes bytes, const Endpoint& to,
                              std::optional<Origin> from = std::nullopt) const;
 
-    /// The next datagram, or nullopt when none waits or the socket reports an error of an earlier packet; the
-    /// errno value is then in `*error`, if given. A datagram longer than the buffer counts as none of ours
-    /// and is given with no bytes.
-    [[nodiscard]] std::optional<Datagram> receive(std::span<std::uint8_t> buffer, int* error = nullptr) const;
+    /// The next datagram, or nullopt when none waits or the socket reports an error of an earlier packet. A
+    /// datagram longer than the buffer counts as none of ours and is given with no bytes.
+    [[nodiscard]] std::optional<Datagram> receive(std::span<std::uint8_t> buffer) const;
 
 private:
     int m_descriptor = -1;

@@ -32,6 +32,7 @@ struct MacAddress
 /// zeros do not make a part octal. Blanks, signs and shorthand like "10.1" are refused with nullopt.
 [[nodiscard]] std::optional<Ipv4> parseIpv4(std::string_view text);
 
+/// Dotted quad without leading zeros.
 [[nodiscard]] std::string formatIpv4(Ipv4 address);
 
 /// Reads twelve hexadecimal digits in either case, bare or as six pairs joined throughout by ':' or by '-'.

@@ -92,14 +92,16 @@ public:
     IDeviceFactory& operator=(const IDeviceFactory&) = delete;
 
     /// Fills `list` with the cameras that this host can reach at their present address; with `append`, adds
-    /// them. Returns how many were added.
+    /// them. Returns how many were added. Raises RuntimeException when the host's adapters cannot be listed
+    /// or no socket is to be had.
     virtual int EnumerateDevices(DeviceInfoList& list, bool append) = 0;
     /// A device for the described camera, which needs no more than an IP address, or null. Sends nothing.
     virtual ITessalDevice* CreateDevice(const CDeviceInfo& info) = 0;
-    /// Destroys a device that CreateDevice made, giving back control if it is open.
+    /// Destroys a device that CreateDevice made, giving back control if it is open. Null is allowed; a device
+    /// that was not made here raises LogicalErrorException.
     virtual void DestroyDevice(ITessalDevice* device) = 0;
-    /// Writes an Accessibility code to `*info` if it is not null; returns whether the camera can be opened
-    /// so.
+    /// Writes an Accessibility code to `*accessibility` if that is not null; returns whether the camera can
+    /// be opened. For any `modes`, since each needs control.
     virtual bool QueryDeviceAccessibility(const CDeviceInfo& info, const AccessModeSet& modes,
                                           int* accessibility) = 0;
     virtual ~IDeviceFactory() = default;
@@ -114,12 +116,13 @@ public:
 
 /// GigE Vision. The MAC address of a camera is given as twelve hexadecimal digits; a text that is none, or an
 /// address that is no dotted quad, raises InvalidArgumentException. When no adapter of the host can send, the
-/// operations below the first raise RuntimeException.
+/// commands to a camera raise RuntimeException.
 class IGigETransportLayer : public ITransportLayer
 {
 public:
     /// Fills `list` with every camera that answers discovery on any adapter, whatever its address; one record
-    /// for each host address that asked. With `append`, adds to it. Returns how many were added.
+    /// for each host address that asked. With `append`, adds to it. Returns how many were added; raises as
+    /// EnumerateDevices().
     virtual int EnumerateDevicesAnySubnet(DeviceInfoList& list, bool append) = 0;
     /// Gives the camera an address until its next restart. Returns when the camera acknowledged or had the
     /// time to; whether it obeyed only discovery tells. A camera that refuses raises RuntimeException.
@@ -130,7 +133,8 @@ public:
     /// Stores mode, address and name on a camera that knows the manufacturer's broadcast command; true when
     /// the camera acknowledged it. False, without a packet, for a camera that the latest search did not
     /// report as the maker's; false also when the camera refused or did not answer. Without the static mode
-    /// an address that is no dotted quad counts as 0.0.0.0, since an editor may hold half of one.
+    /// an address that is no dotted quad counts as 0.0.0.0, since an editor may hold half of one. A name of
+    /// more than 16 bytes raises InvalidArgumentException.
     virtual bool BroadcastIpConfig(const GenICam::gcstring& mac, bool enablePersistentIp, bool enableDhcp,
                                    const GenICam::gcstring& ipAddress, const GenICam::gcstring& subnetMask,
                                    const GenICam::gcstring& defaultGateway,
@@ -156,6 +160,7 @@ private:
 /// Once at start, before anything else here; throws a GenICam exception when the SDK cannot work.
 void TessalInitialize();
 /// Once at the end, when no transport layer is left.
+/// The log needs no shutting down here: the argument makes no difference.
 void TessalTerminate(bool shutDownLogging);
 
 } // namespace Tessal

@@ -12,21 +12,19 @@ constexpr std::uint32_t RegisterSize = 4; // bytes
 
 } // namespace
 
-RegisterSpace::RegisterSpace(const CameraConfig& config) : m_description(config.description)
+/// Everything that can be read, and whether it can be written, in ascending order.
+std::vector<RegisterSpace::Range> RegisterSpace::rangesOf(bool hasWritableName, std::size_t descriptionSize)
 {
     using namespace gvcp;
-    const Identity& identity = config.identity;
-    const bool hasName = m_description->kind != DescriptionKind::NoUserId;
-    m_hasWritableName = hasName && m_description->kind != DescriptionKind::ReadOnlyUserId;
     const auto single = [](std::uint32_t address, bool isWritable) {
         return Range{address, address + RegisterSize, isWritable};
     };
-    m_ranges = {
+    return {
         {Register::Version, Register::IpConfigCurrent, false},
         single(Register::IpConfigCurrent, true),
         {Register::IpConfigCurrent + RegisterSize, Register::UserDefinedName, false},
         {Register::UserDefinedName, Register::UserDefinedName + DiscoveryAck::UserDefinedNameSize,
-         m_hasWritableName},
+         hasWritableName},
         {Register::FirstUrl, Register::SecondUrl + Register::UrlSize, false},
         single(Register::NetworkInterfaceCount, false),
         single(Register::PersistentIp, true),
@@ -40,9 +38,17 @@ RegisterSpace::RegisterSpace(const CameraConfig& config) : m_description(config.
         single(Register::PrimaryApplicationPort, false),
         single(Register::PrimaryApplicationIp, false),
         {FeatureAddress, FeatureAddress + FeatureSize, true},
-        {DescriptionAddress, DescriptionAddress + static_cast<std::uint32_t>(m_description->bytes.size()),
-         false},
+        {DescriptionAddress, DescriptionAddress + static_cast<std::uint32_t>(descriptionSize), false},
     };
+}
+
+RegisterSpace::RegisterSpace(const CameraConfig& config) : m_description(config.description)
+{
+    using namespace gvcp;
+    const Identity& identity = config.identity;
+    const bool hasName = m_description->kind != DescriptionKind::NoUserId;
+    m_hasWritableName = hasName && m_description->kind != DescriptionKind::ReadOnlyUserId;
+    m_ranges = rangesOf(m_hasWritableName, m_description->bytes.size());
     const auto& mac = config.mac.bytes;
     set(Register::Version, 0x00010002);
     set(Register::DeviceMode, DeviceMode::BigEndian | DeviceMode::Utf8);

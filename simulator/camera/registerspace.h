@@ -44,6 +44,7 @@ private:
         bool isWritable;
     };
 
+    [[nodiscard]] static std::vector<Range> rangesOf(bool hasWritableName, std::size_t descriptionSize);
     [[nodiscard]] gvcp::Status check(std::uint32_t address, std::size_t size, bool forWriting) const;
     [[nodiscard]] std::span<const std::uint8_t> bytesFrom(std::uint32_t address) const;
 
