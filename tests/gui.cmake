@@ -2,7 +2,7 @@
 # the lab because they make themselves adapters with known addresses.
 add_library(gui_support OBJECT support/scriptedsdk.cpp support/gui.cpp support/window.cpp)
 target_include_directories(gui_support PUBLIC ${CMAKE_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
-target_link_libraries(gui_support PUBLIC lanvic test_support platform_net gige_simulation Qt6::Test)
+target_link_libraries(gui_support PUBLIC lanvic test_support gige_simulation Qt6::Test)
 
 foreach(name IN ITEMS window startup discovery tree editor saving connection closing accessibility)
     lanvic_test(tst_${name} SOURCES tst_${name}.cpp support/onlyinlab.cpp LIBS gui_support lanvic LAUNCHER

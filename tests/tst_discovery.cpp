@@ -38,7 +38,7 @@ private slots:
             {{"A1 10.0.0.1", "a1 172.16.3.4"}, {"A1 10.0.0.1 lan1 1", "a1 172.16.3.4 lan1 1"}},
             {{"A1 9.9.9.9", "A1 8.8.8.8", "A1 127.0.0.1"}, // of no adapter, so nothing is merged
              {"A1 9.9.9.9 - 1", "A1 8.8.8.8 - 1", "A1 127.0.0.1 - 1"}},
-            {{"A1 10.1"}, {"A1 10.1 - 4"}}, // shorthand is no address
+            {{"A1 10.1"}, {"A1 10.1 - 1"}}, // shorthand is no address
             {{" 192.168.1.5"}, {}},
         };
         for (const auto& [heard, expected] : cases) {

@@ -142,7 +142,7 @@ private slots:
         edit();
         key("editIpAddress", Qt::Key_Return);
         QVERIFY(!canSave());
-        sdk::set(cam(), "DefaultGateway", "");
+        cam().record.SetDefaultGateway("");
         refresh();
         key("editIpAddress", Qt::Key_Return);
         QVERIFY(canSave() && !isSaveDefault());

@@ -52,17 +52,15 @@ private slots:
     void broadcastSendsEverythingInEveryMode()
     {
         const QString address = "192.168.1.9, 255.255.255.0, 0.0.0.0, belt";
-        for (const auto& [before, button, arguments, traced] :
-             gui::Table<const char*, const char*, QString, QString>{
-                 {"5", "btnUseDhcp", "false, true, " + address, "DHCP."},
-                 {"5", "btnUseAutoIp", "false, false, " + address, "AutoIP/LLA."},
-                 {"6", "btnUseAutoIp", "false, false, 0.0.0.0, 0.0.0.0, 0.0.0.0, belt", "AutoIP/LLA."},
-             }) {
+        const gui::Table<const char*, const char*, QString, QString> cases{
+            {"5", "btnUseDhcp", "false, true, " + address, "DHCP."},
+            {"5", "btnUseAutoIp", "false, false, " + address, "AutoIP/LLA."},
+            {"6", "btnUseAutoIp", "false, false, 0.0.0.0, 0.0.0.0, 0.0.0.0, belt", "AutoIP/LLA."},
+        };
+        for (const auto& [before, button, arguments, traced] : cases) {
             edit(before);
-            m_world.at["sleep"] = [&] {
-                sdk::set(cam(), "MacAddress", "025e41000001");
-            }; // the same in any case
             clickOn(button);
+            m_world.at["sleep"] = [this] { cam().record.SetPropertyValue("MacAddress", "025e41000001"); };
             save();
             QCOMPARE(m_world.take(), (QStringList{"BroadcastIpConfig(025E41000001, " + arguments + ')',
                                                   "RestartIpConfig(025E41000001)", "sleep(2)"}));
@@ -93,20 +91,20 @@ private slots:
     void failuresAfterWhichTheNameIsSavedAllTheSame()
     {
         const QString unknown = report("Unknown exception occurred");
-        const QString notFound = report("Failed to discover reconfigured device");
-        for (const auto& [call, nth, isStandard, shown, sleeps] :
-             gui::Table<const char*, int, bool, QStringList, int>{
-                 {"BroadcastIpConfig", 1, true, {report("cable")}, 1}, // unicast does it
-                 {"BroadcastIpConfig", 1, false, {unknown}, 1},
-                 {"RestartIpConfig", 1, true, {report("cable")}, 1},
-                 {"RestartIpConfig", 1, false, {unknown}, 1},
-                 {"EnumerateDevicesAnySubnet",
-                  1,
-                  true,
-                  {report("cable") + "|wait cursor 2", notFound},
-                  2},                                                          // two waits
-                 {"EnumerateDevicesAnySubnet", 2, true, {report("cable")}, 1}, // the refresh
-             }) {
+        const QString lost = report("Failed to discover reconfigured device");
+        const gui::Table<const char*, int, bool, QStringList, int> cases{
+            {"BroadcastIpConfig", 1, true, {report("cable")}, 1}, // unicast does it
+            {"BroadcastIpConfig", 1, false, {unknown}, 1},
+            {"RestartIpConfig", 1, true, {report("cable")}, 1},
+            {"RestartIpConfig", 1, false, {unknown}, 1},
+            {"EnumerateDevicesAnySubnet",
+             1,
+             true,
+             {report("cable") + "|wait cursor 2", lost},
+             2},                                                          // by unicast
+            {"EnumerateDevicesAnySubnet", 2, true, {report("cable")}, 1}, // the refresh
+        };
+        for (const auto& [call, nth, isStandard, shown, sleeps] : cases) {
             edit();
             failAt(call, nth, isStandard);
             QCOMPARE(save(QList<gui::Answer>(shown.size(), gui::escape)), shown);
@@ -184,19 +182,19 @@ private slots:
             }
         };
         const auto use = [&](const char* ip) { return [this, ip] { type("editIpAddress", ip); }; };
-        using Row = gui::Table<std::function<void()>, QString, QString, QString>;
-        for (const auto& [breakIt, lastCall, shown, traced] : Row{
-                 {[&] { cam().hasNodeMap = false; }, "GetNodeMap()", "", ""},
-                 {[&] { cam().hasUserId = false; }, "GetNode(DeviceUserID)", nameFailed, nameTraced},
-                 {[&] { failAt("SetValue"); }, "SetValue(belt, true)", nameFailed, nameTraced + "cable'"},
-                 {[&] { failAt("SetIpConfigMode"); }, set, "cable", ""},
-                 {choosesNothing, "SetValue(belt, true)", "",
-                  noMode.arg("MAC=025E41000001") + '\n' + noMode.arg("old IP=192.168.1.9")},
-                 {use("127.0.0.1"), set, refused, refusedTraced.arg("127.0.0.1")},
-                 {use("224.0.0.1"), set, refused, refusedTraced.arg("224.0.0.1")},
-                 {[&] { failAt("SetPersistentIp", 1, false); },
-                  "SetPersistentIp(192.168.1.20, 255.255.255.0, 0.0.0.0)", "Unknown exception occurred", ""},
-             }) {
+        const gui::Table<std::function<void()>, QString, QString, QString> cases{
+            {[&] { cam().hasNodeMap = false; }, "GetNodeMap()", "", ""},
+            {[&] { cam().hasUserId = false; }, "GetNode(DeviceUserID)", nameFailed, nameTraced},
+            {[&] { failAt("SetValue"); }, "SetValue(belt, true)", nameFailed, nameTraced + "cable'"},
+            {[&] { failAt("SetIpConfigMode"); }, set, "cable", ""},
+            {choosesNothing, "SetValue(belt, true)", "",
+             noMode.arg("MAC=025E41000001") + '\n' + noMode.arg("old IP=192.168.1.9")},
+            {use("127.0.0.1"), set, refused, refusedTraced.arg("127.0.0.1")},
+            {use("224.0.0.1"), set, refused, refusedTraced.arg("224.0.0.1")},
+            {[&] { failAt("SetPersistentIp", 1, false); },
+             "SetPersistentIp(192.168.1.20, 255.255.255.0, 0.0.0.0)", "Unknown exception occurred", ""},
+        };
+        for (const auto& [breakIt, lastCall, shown, traced] : cases) {
             edit("6", false);
             clickOn("btnUsePersistentIp");
             type("editIpAddress", "192.168.1.20");

@@ -1,7 +1,5 @@
 #include "support/scriptedsdk.h"
 
-#include "net/addresses.h"
-
 #include <algorithm>
 #include <memory>
 
@@ -42,11 +40,8 @@ void call(const char* name, const Arguments&... arguments)
 
 bool isReachable(const Camera& camera)
 {
-    GenICam::gcstring interface;
-    camera.record.GetPropertyValue(Tessal::Key::Interface, interface);
-    const auto host = net::parseIpv4(interface.view());
-    const auto ip = net::parseIpv4(camera.record.GetIpAddress().view());
-    return !camera.silent && host && ip && net::inSameSubnet(*host, *ip, {0xFFFFFF00});
+    const auto networkOf = [&](const char* key) { return get(camera.record, {key}).section('.', 0, 2); };
+    return !camera.silent && networkOf("Interface") == networkOf("IpAddress");
 }
 
 void move(Camera& camera, const GenICam::gcstring& ip, const GenICam::gcstring& mask,
@@ -78,7 +73,7 @@ public:
     void SetValue(const GenICam::gcstring& value, bool verify) override
     {
         call("SetValue", value, verify);
-        forMac(m_mac, [&](Camera& camera) { set(camera, Tessal::Key::UserDefinedName, value); });
+        forMac(m_mac, [&](Camera& camera) { camera.record.SetPropertyValue("UserDefinedName", value); });
     }
     GenICam::gcstring GetValue(bool) override { return {}; }
     std::int64_t GetMaxLength() override { return 16; }
@@ -92,7 +87,7 @@ class NodeMap final : public GenApi::INodeMap
 public:
     explicit NodeMap(std::unique_ptr<UserIdNode> userId) : m_userId(std::move(userId)) {}
 
-    GenApi::INode* GetNode(const GenICam::gcstring& name) const override
+    [[nodiscard]] GenApi::INode* GetNode(const GenICam::gcstring& name) const override
     {
         call("GetNode", name);
         return m_userId.get();
@@ -224,7 +219,7 @@ public:
         bool taken = false;
         forMac(mac, [&](Camera& camera) {
             if (camera.knowsBroadcast) {
-                set(camera, Tessal::Key::UserDefinedName, name);
+                camera.record.SetPropertyValue("UserDefinedName", name);
                 taken = true;
             }
         });
@@ -265,11 +260,6 @@ QStringList World::take(bool all)
     return calls;
 }
 
-void set(Camera& camera, const char* key, const char* value)
-{
-    camera.record.SetPropertyValue(key, value);
-}
-
 QString get(const Tessal::IProperties& record, std::initializer_list<const char*> keys)
 {
     QStringList values;
@@ -284,7 +274,7 @@ QString get(const Tessal::IProperties& record, std::initializer_list<const char*
 Camera with(Camera camera, std::initializer_list<std::pair<const char*, const char*>> properties)
 {
     for (const auto& [key, value] : properties) {
-        set(camera, key, value);
+        camera.record.SetPropertyValue(key, value);
     }
     return camera;
 }

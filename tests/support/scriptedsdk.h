@@ -36,7 +36,6 @@ struct Camera
 /// The same with other properties.
 [[nodiscard]] Camera with(Camera camera,
                           std::initializer_list<std::pair<const char*, const char*>> properties);
-void set(Camera& camera, const char* key, const char* value);
 /// The properties joined by blanks, "-" for each that the record lacks.
 [[nodiscard]] QString get(const Tessal::IProperties& record, std::initializer_list<const char*> keys);
 
