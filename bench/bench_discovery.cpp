@@ -47,7 +47,7 @@ void add(const std::string& title, Bench& bench, const Layout& layout, Search se
                                  [&bench, layout, search](benchmark::State& state) {
                                      bench.show(layout);
                                      std::size_t found = 0;
-                                     for (auto _ : state)
+                                     while (state.KeepRunning())
                                          found = search(bench);
                                      state.counters["cameras"] = static_cast<double>(found);
                                      if (found != layout.cameras)

@@ -149,7 +149,7 @@ void measureRefresh(benchmark::State& state, Bench& bench, std::size_t cameras)
     bench.show({.cameras = cameras});
     Window window;
     std::vector<double> searches;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         searches.push_back(searchSeconds());
         const auto start = Clock::now();
         window.refresh();
@@ -167,7 +167,7 @@ void measureSave(benchmark::State& state, Bench& bench, const QString& model, bo
     bench.show(SAVE_SCENE);
     Window window;
     static int number = 0; // so that each save has something new to store
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         const double search = searchSeconds();
         const QString address = QString("192.168.10.%1").arg(50 + ++number);
         window.select(model);

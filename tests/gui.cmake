@@ -4,10 +4,18 @@ add_library(gui_support OBJECT support/scriptedsdk.cpp support/gui.cpp support/w
 target_include_directories(gui_support PUBLIC ${CMAKE_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
 target_link_libraries(gui_support PUBLIC lanvic test_support gige_simulation Qt6::Test)
 
+if(LANVIC_PRECOMPILE)
+    target_precompile_headers(gui_support PRIVATE <functional> <map> <QApplication> <QMessageBox> <QSettings> <QTest>
+                              <QTreeWidget>)
+endif()
+
 foreach(name IN ITEMS window startup discovery tree editor saving connection closing accessibility)
-    lanvic_test(tst_${name} SOURCES tst_${name}.cpp support/onlyinlab.cpp LIBS gui_support lanvic LAUNCHER
+    lanvic_test(tst_${name} SOURCES tst_${name}.cpp $<TARGET_OBJECTS:only_in_lab> LIBS gui_support lanvic LAUNCHER
                 ${CMAKE_SOURCE_DIR}/scripts/lab)
     set_tests_properties(tst_${name} PROPERTIES LABELS gui SKIP_RETURN_CODE 77)
+    if(LANVIC_PRECOMPILE)
+        target_precompile_headers(tst_${name} REUSE_FROM gui_support)
+    endif()
 endforeach()
 
 # The window asks for the help file through a name of ours, so that it can be there or missing as the test wants.

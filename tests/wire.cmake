@@ -7,4 +7,7 @@ target_link_libraries(wire_support PUBLIC lanvic platform_gige test_support gige
 
 foreach(name IN ITEMS discovery window saving)
     lanvic_wire_test(wire_${name} SOURCES wire_${name}.cpp LIBS wire_support lanvic)
+    if(LANVIC_PRECOMPILE)
+        target_precompile_headers(wire_${name} REUSE_FROM gui_support)
+    endif()
 endforeach()
