@@ -10,8 +10,9 @@
 
 namespace gige {
 
-/// How long a camera is asked: 2.5 s in five tries, the first repeats early, so that a lost packet costs
-/// little and a slow camera is not flooded.
+/// How long a camera is asked: 2.5 s in seven tries, the first repeats early, so that a lost packet costs
+/// little and a slow camera is not flooded. Where every fifth packet is lost either way, one request in a
+/// thousand fails.
 [[nodiscard]] RetryPlan patientPlan();
 /// For questions whose answer "not there" must not keep the user waiting: half a second.
 [[nodiscard]] RetryPlan quickPlan();
@@ -51,13 +52,17 @@ private:
                                const Accept& accept, Attempts& attempts);
     [[nodiscard]] std::string prefix(const std::string& what) const;
     void readBlock(std::uint32_t address, std::span<std::uint8_t> to);
+    void writeBlock(std::uint32_t address, std::span<const std::uint8_t> block);
+    /// Asks the camera whether these bytes are there; false also when it does not say.
+    [[nodiscard]] bool holds(std::uint32_t address, std::span<const std::uint8_t> block);
 
     net::Ipv4 m_address;
     UdpSocket m_socket;
     RetryPlan m_plan = patientPlan();
     std::uint16_t m_heartbeatId = nextRequestId();
     bool m_writeMemGranted = false;
-    int m_misfits = 0; // datagrams of the camera that did not fit the present request
+    bool m_wasExtended = false; // the camera asked for time for the latest request that timed out
+    int m_misfits = 0;          // datagrams of the camera that did not fit the present request
 };
 
 } // namespace gige

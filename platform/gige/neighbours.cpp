@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstring>
 #include <functional>
 #include <optional>
@@ -46,6 +47,9 @@ bool dump(std::uint16_t request, const std::function<void(const nlmsghdr*)>& han
     alignas(nlmsghdr) std::array<char, answerSize> buffer{};
     while (more) {
         const ssize_t received = ::recv(descriptor, buffer.data(), buffer.size(), 0);
+        if (received < 0 && errno == EINTR) {
+            continue;
+        }
         auto left = static_cast<unsigned>(received > 0 ? received : 0);
         more = received > 0;
         for (auto* part = reinterpret_cast<const nlmsghdr*>(buffer.data()); NLMSG_OK(part, left);
