@@ -1,14 +1,20 @@
 #include "support/simulator.h"
 
 #include <QDeadlineTimer>
+#include <QDir>
 #include <QRegularExpression>
 
 #include <csignal>
 
+#include <sys/prctl.h>
+
 Simulator::Simulator(const QString& scene)
 {
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    m_process.start(qEnvironmentVariable("GIGE_SIMULATOR"), {SCENES "/" + scene + ".json"});
+    // It must not outlive a test program that is killed, and keep the pipe of its output open for ever.
+    m_process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGTERM); });
+    m_process.start(qEnvironmentVariable("GIGE_SIMULATOR"),
+                    {QDir(SCENES).filePath(scene.endsWith(".json") ? scene : scene + ".json")});
     if (!await("ready ")) {
         qFatal("the simulator does not start with %s", qPrintable(scene));
     }

@@ -9,8 +9,8 @@
 class Simulator
 {
 public:
-    /// Starts simulator/scenes/NAME.json and returns when its cameras are up. Ends the test program when they
-    /// do not come.
+    /// Starts simulator/scenes/NAME.json, or the file of that path, and returns when its cameras are up. Ends
+    /// the test program when they do not come.
     explicit Simulator(const QString& scene);
     Q_DISABLE_COPY_MOVE(Simulator)
     ~Simulator();

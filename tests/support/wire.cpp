@@ -19,11 +19,13 @@ void WireTest::start(const QString& scene)
 {
     s_atSleep = [this] {
         ++m_sleeps;
+        m_duringSleep();
         if (!m_awaited.isEmpty()) {
             const QString event = m_awaited.takeFirst();
             QVERIFY2(m_simulator->await(event), qPrintable(event));
         }
     };
+    m_duringSleep = [] {};
     m_controlled.clear();
     m_sleeps = 0;
     m_simulator = std::make_unique<Simulator>(scene);
@@ -32,7 +34,8 @@ void WireTest::start(const QString& scene)
 
 void WireTest::cleanup()
 {
-    const QStringList controlled = m_simulator->controlled(); // while the window is still there
+    const QStringList controlled = // while the window is still there
+        m_simulator ? m_simulator->controlled() : QStringList();
     WindowTest::cleanup();
     m_simulator.reset();
     QCOMPARE(m_awaited, QStringList());

@@ -18,6 +18,9 @@ protected:
     void sleepUntil(const QStringList& events) { m_awaited = events; }
     [[nodiscard]] int takeSleeps() { return std::exchange(m_sleeps, 0); }
 
+    /// What happens to the program at each of its sleeps.
+    std::function<void()> m_duringSleep;
+
     /// Cameras that others control, or that vanished while we did; no other may be controlled when a test
     /// ends.
     QStringList m_controlled;
