@@ -9,6 +9,7 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
+#include <functional>
 #include <stdexcept>
 
 namespace {
@@ -16,16 +17,16 @@ namespace {
 constexpr int Repetitions = 9; // odd, so that the median is one of them
 constexpr std::chrono::milliseconds PlainListening{1000};
 
-using Search = std::size_t (*)(const Bench&);
+using Search = std::function<std::size_t(benchmark::State&, const Bench&)>;
 
-std::size_t searchWithLister(const Bench& /*bench*/)
+std::size_t searchWithLister(benchmark::State& /*state*/, const Bench& /*bench*/)
 {
     DeviceLister lister;
     lister.discoverAllDevices();
     return lister.m_devices.size();
 }
 
-std::size_t searchWithTransportLayer(const Bench& /*bench*/)
+std::size_t searchWithTransportLayer(benchmark::State& /*state*/, const Bench& /*bench*/)
 {
     DeviceLister::createTransportLayer();
     Tessal::DeviceInfoList found;
@@ -33,22 +34,26 @@ std::size_t searchWithTransportLayer(const Bench& /*bench*/)
     return found.size();
 }
 
-std::size_t searchPlainly(const Bench& bench)
+/// With the time that the simulator took for all its answers.
+std::size_t searchAsPlainClient(benchmark::State& state, const Bench& bench)
 {
     std::size_t found = 0;
-    for (const auto& adapter : bench.adapters())
-        found += countCamerasPlainly(adapter, PlainListening);
+    for (const auto& adapter : bench.adapters()) {
+        const PlainSearch search = searchPlainly(adapter, PlainListening);
+        found += search.cameras;
+        state.counters["last_answer_ms"] = search.lastNewAnswer.count() * 1000;
+    }
     return found;
 }
 
-void add(const std::string& title, Bench& bench, const Layout& layout, Search search)
+void add(const std::string& title, Bench& bench, const Layout& layout, const Search& search)
 {
     benchmark::RegisterBenchmark(title.c_str(),
                                  [&bench, layout, search](benchmark::State& state) {
                                      bench.show(layout);
                                      std::size_t found = 0;
                                      while (state.KeepRunning())
-                                         found = search(bench);
+                                         found = search(state, bench);
                                      state.counters["cameras"] = static_cast<double>(found);
                                      if (found != layout.cameras)
                                          state.SkipWithError(
@@ -66,7 +71,7 @@ void addAll(Bench& bench)
     for (const std::size_t cameras : {1, 16, 64, 256, 1024}) {
         const std::string number = std::to_string(cameras);
         const Layout plain{.cameras = cameras};
-        add("plain client/" + number, bench, plain, searchPlainly);
+        add("plain client/" + number, bench, plain, searchAsPlainClient);
         add("transport layer/" + number, bench, plain, searchWithTransportLayer);
         add("discoverAllDevices/" + number, bench, plain, searchWithLister);
         if (cameras >= 16)

@@ -56,11 +56,13 @@ void askEverybody(int socket)
 
 } // namespace
 
-std::size_t countCamerasPlainly(const std::string& adapter, std::chrono::milliseconds listening)
+PlainSearch searchPlainly(const std::string& adapter, std::chrono::milliseconds listening)
 {
     const int socket = openSocket(adapter);
-    const auto deadline = Clock::now() + listening;
+    const auto asked = Clock::now();
+    const auto deadline = asked + listening;
     askEverybody(socket);
+    PlainSearch search;
 
     using Mac = std::array<std::uint8_t, 6>;
     std::set<Mac> found;
@@ -76,8 +78,10 @@ std::size_t countCamerasPlainly(const std::string& adapter, std::chrono::millise
         const auto mac = std::span(answer).subspan(gvcp::HeaderSize + gvcp::DiscoveryAck::Mac, Mac{}.size());
         Mac key{};
         std::copy(mac.begin(), mac.end(), key.begin());
-        found.insert(key);
+        if (found.insert(key).second)
+            search.lastNewAnswer = Clock::now() - asked;
     }
     close(socket);
-    return found.size();
+    search.cameras = found.size();
+    return search;
 }

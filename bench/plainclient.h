@@ -4,7 +4,13 @@
 #include <cstddef>
 #include <string>
 
+struct PlainSearch
+{
+    std::size_t cameras = 0;                       // different MAC addresses that answered
+    std::chrono::duration<double> lastNewAnswer{}; // after the question
+};
+
 /// What any client could do with an afternoon's work, as a yardstick: asks every camera on that adapter once
-/// by limited broadcast, listens for the whole of `listening`, and returns how many different MAC addresses
-/// answered. Throws std::system_error when it cannot send.
-std::size_t countCamerasPlainly(const std::string& adapter, std::chrono::milliseconds listening);
+/// by limited broadcast and listens for the whole of `listening`. Throws std::system_error when it cannot
+/// send.
+PlainSearch searchPlainly(const std::string& adapter, std::chrono::milliseconds listening);
