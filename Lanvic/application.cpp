@@ -1,6 +1,7 @@
 #include "application.h"
 
 #include "MainWnd.h"
+#include "translation.h"
 #include "version.h"
 
 #include "tessal/transportlayer.h"
@@ -22,6 +23,7 @@ int runEventLoop(int argc, char** argv)
     QCoreApplication::setOrganizationDomain(QStringLiteral("orvik.example"));
     QGuiApplication::setDesktopFileName(QStringLiteral("lanvic"));
     QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/Lanvic/Resources/Icon.png")));
+    installTranslations(application);
 
     MainWnd window;
     window.setWindowTitle(QString::asprintf("%s v%d.%d", qUtf8Printable(QCoreApplication::applicationName()),

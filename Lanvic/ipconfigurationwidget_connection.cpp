@@ -42,7 +42,7 @@ bool reportingForceIpFailure(const GenICam::gcstring& mac, Step step)
                  exception.what());
     } catch (...) {
         LogTrace(GetIPConfigBaseCatID(), LogLevel::Error, "Failed to force IP for MAC=%hs.", mac);
-        showUnexpectedException("forceIp", "Unknown exception occurred", nullptr);
+        showUnexpectedException("forceIp", IpConfigurationWidget::tr("Unknown exception occurred"), nullptr);
     }
     return false;
 }

@@ -83,7 +83,7 @@ bool IpConfigurationWidget::unicastConfiguration(const QString& ipAddress)
     } catch (const std::exception& exception) {
         showException("unicastConfiguration", exception, nullptr);
     } catch (...) {
-        showUnexpectedException("unicastConfiguration", "Unknown exception occurred", nullptr);
+        showUnexpectedException("unicastConfiguration", tr("Unknown exception occurred"), nullptr);
     }
     return false;
 }

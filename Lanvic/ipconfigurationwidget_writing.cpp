@@ -90,7 +90,8 @@ void IpConfigurationWidget::on_btnWriteConfiguration_clicked()
     } catch (const std::exception& exception) {
         showException("on_btnWriteConfiguration_clicked", exception, nullptr);
     } catch (...) {
-        showUnexpectedException("on_btnWriteConfiguration_clicked", "Unknown exception occurred", nullptr);
+        showUnexpectedException("on_btnWriteConfiguration_clicked", tr("Unknown exception occurred"),
+                                nullptr);
     }
 }
 
@@ -136,7 +137,7 @@ bool IpConfigurationWidget::broadcastConfiguration(const QString& mac)
     } catch (const std::exception& exception) {
         showException("broadcastConfiguration", exception, nullptr);
     } catch (...) {
-        showUnexpectedException("broadcastConfiguration", "Unknown exception occurred", nullptr);
+        showUnexpectedException("broadcastConfiguration", tr("Unknown exception occurred"), nullptr);
     }
     return false;
 }
@@ -205,7 +206,7 @@ bool IpConfigurationWidget::waitForDevice(const QString& mac)
     } catch (const std::exception& exception) {
         showException("waitForDevice", exception, nullptr);
     } catch (...) {
-        showUnexpectedException("waitForDevice", "Unknown exception occurred", nullptr);
+        showUnexpectedException("waitForDevice", tr("Unknown exception occurred"), nullptr);
     }
     return false;
 }
