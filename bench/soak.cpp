@@ -56,7 +56,7 @@ const std::initializer_list<Line> lines{
 constexpr int savesOfEachKind = 40;
 constexpr int cameras = 8;
 constexpr int reachableCameras = 5;
-constexpr qint64 longestRun = 45 * 60'000; // ms
+constexpr qint64 longestRun = 2'700'000; // ms
 
 QJsonObject camera(const char* name, int count, const char* mac, const char* vendor, const char* ip)
 {
@@ -136,7 +136,7 @@ private:
     bool storeByUnicast(const Target& target, const Settings& wanted);
     bool hasStored(const Target& target, const Settings& wanted);
     bool comesBack(const Target& target, const std::string& ip);
-    gcstring addressOf(const Target& target) const;
+    [[nodiscard]] gcstring addressOf(const Target& target) const;
 
     Tessal::IGigETransportLayer& m_tl;
     std::unique_ptr<Simulator> m_simulator;
@@ -305,7 +305,7 @@ int main(int argc, char** argv)
     const QCoreApplication application(argc, argv);
     try {
         Tessal::TessalInitialize();
-        const bool held = runAll(application.arguments().mid(1));
+        const bool held = runAll(QCoreApplication::arguments().mid(1));
         Tessal::TessalTerminate(true);
         return held ? 0 : 1;
     } catch (const std::exception& failure) {

@@ -179,6 +179,7 @@ private:
 
 } // namespace
 
+// NOLINTBEGIN(bugprone-reserved-identifier): the linker's names
 extern "C" ssize_t __real_sendmsg(int descriptor, const msghdr* message, int flags);
 extern "C" ssize_t __wrap_sendmsg(int descriptor, const msghdr* message, int flags)
 {
@@ -188,6 +189,7 @@ extern "C" ssize_t __wrap_sendmsg(int descriptor, const msghdr* message, int fla
     }
     return __real_sendmsg(descriptor, message, flags);
 }
+// NOLINTEND(bugprone-reserved-identifier)
 
 /// What a network and its cameras can do to the program.
 class FaultsTest : public WireTest
