@@ -62,7 +62,7 @@ class Desktop:
             raise Surprise("the virtual display did not start")
         os.environ.update(DISPLAY=f":{number}", QT_QPA_PLATFORM="xcb", LC_ALL="C.UTF-8", QT_ACCESSIBILITY="1",
                           QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1", QT_LOGGING_RULES="qt.accessibility.*=false")
-        for name in ("WAYLAND_DISPLAY", "XAUTHORITY", "QT_STYLE_OVERRIDE", "QT_SCALE_FACTOR"):
+        for name in ("LANGUAGE", "WAYLAND_DISPLAY", "XAUTHORITY", "QT_STYLE_OVERRIDE", "QT_SCALE_FACTOR"):
             os.environ.pop(name, None)
 
     def _start_manager(self):
