@@ -181,7 +181,7 @@
     </message>
     <message>
         <source>Device User ID</source>
-        <translation>Geräte-Benutzer-ID</translation>
+        <translation>Benutzer-ID</translation>
     </message>
     <message>
         <source>Serial Number</source>
@@ -285,7 +285,7 @@ Eine falsche MAC-Adresse führt zu keiner Fehlermeldung.</translation>
     </message>
     <message>
         <source>&lt;p&gt;&lt;table align=&apos;left&apos; border=&apos;0&apos; cellpadding=&apos;1&apos; cellspacing=&apos;1&apos;&gt;&lt;tr&gt;&lt;td width=&apos;8&apos;&gt;&lt;/td&gt;&lt;td&gt;Vendor:&lt;/td&gt;&lt;td&gt;%1&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td width=&apos;8&apos;&gt;&lt;/td&gt;&lt;td&gt;Model Name:&lt;/td&gt;&lt;td&gt;%2&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td width=&apos;8&apos;&gt;&lt;/td&gt;&lt;td&gt;Device User ID:&lt;/td&gt;&lt;td&gt;%3&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td width=&apos;8&apos;&gt;&lt;/td&gt;&lt;td&gt;Serial Number:&lt;/td&gt;&lt;td&gt;%4&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td width=&apos;8&apos;&gt;&lt;/td&gt;&lt;td&gt;MAC Address:&lt;/td&gt;&lt;td&gt;%5&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td width=&apos;8&apos;&gt;&lt;/td&gt;&lt;td&gt;IP Configuration:&lt;/td&gt;&lt;td&gt;%6&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td width=&apos;8&apos;&gt;&lt;/td&gt;&lt;td&gt;IP Address:&lt;/td&gt;&lt;td&gt;%7&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td width=&apos;8&apos;&gt;&lt;/td&gt;&lt;td&gt;Subnet Mask:&lt;/td&gt;&lt;td&gt;%8&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td width=&apos;8&apos;&gt;&lt;/td&gt;&lt;td&gt;Gateway:&lt;/td&gt;&lt;td&gt;%9&lt;/td&gt;&lt;/tr&gt;&lt;/table&gt;&lt;/p&gt;</source>
-        <translation>&lt;p&gt;&lt;table align=&apos;left&apos; border=&apos;0&apos; cellpadding=&apos;1&apos; cellspacing=&apos;1&apos;&gt;&lt;tr&gt;&lt;td width=&apos;8&apos;&gt;&lt;/td&gt;&lt;td&gt;Hersteller:&lt;/td&gt;&lt;td&gt;%1&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td width=&apos;8&apos;&gt;&lt;/td&gt;&lt;td&gt;Modell:&lt;/td&gt;&lt;td&gt;%2&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td width=&apos;8&apos;&gt;&lt;/td&gt;&lt;td&gt;Geräte-Benutzer-ID:&lt;/td&gt;&lt;td&gt;%3&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td width=&apos;8&apos;&gt;&lt;/td&gt;&lt;td&gt;Seriennummer:&lt;/td&gt;&lt;td&gt;%4&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td width=&apos;8&apos;&gt;&lt;/td&gt;&lt;td&gt;MAC-Adresse:&lt;/td&gt;&lt;td&gt;%5&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td width=&apos;8&apos;&gt;&lt;/td&gt;&lt;td&gt;IP-Konfiguration:&lt;/td&gt;&lt;td&gt;%6&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td width=&apos;8&apos;&gt;&lt;/td&gt;&lt;td&gt;IP-Adresse:&lt;/td&gt;&lt;td&gt;%7&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td width=&apos;8&apos;&gt;&lt;/td&gt;&lt;td&gt;Subnetzmaske:&lt;/td&gt;&lt;td&gt;%8&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td width=&apos;8&apos;&gt;&lt;/td&gt;&lt;td&gt;Gateway:&lt;/td&gt;&lt;td&gt;%9&lt;/td&gt;&lt;/tr&gt;&lt;/table&gt;&lt;/p&gt;</translation>
+        <translation>&lt;p&gt;&lt;table align=&apos;left&apos; border=&apos;0&apos; cellpadding=&apos;1&apos; cellspacing=&apos;1&apos;&gt;&lt;tr&gt;&lt;td width=&apos;8&apos;&gt;&lt;/td&gt;&lt;td&gt;Hersteller:&lt;/td&gt;&lt;td&gt;%1&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td width=&apos;8&apos;&gt;&lt;/td&gt;&lt;td&gt;Modell:&lt;/td&gt;&lt;td&gt;%2&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td width=&apos;8&apos;&gt;&lt;/td&gt;&lt;td&gt;Benutzer-ID:&lt;/td&gt;&lt;td&gt;%3&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td width=&apos;8&apos;&gt;&lt;/td&gt;&lt;td&gt;Seriennummer:&lt;/td&gt;&lt;td&gt;%4&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td width=&apos;8&apos;&gt;&lt;/td&gt;&lt;td&gt;MAC-Adresse:&lt;/td&gt;&lt;td&gt;%5&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td width=&apos;8&apos;&gt;&lt;/td&gt;&lt;td&gt;IP-Konfiguration:&lt;/td&gt;&lt;td&gt;%6&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td width=&apos;8&apos;&gt;&lt;/td&gt;&lt;td&gt;IP-Adresse:&lt;/td&gt;&lt;td&gt;%7&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td width=&apos;8&apos;&gt;&lt;/td&gt;&lt;td&gt;Subnetzmaske:&lt;/td&gt;&lt;td&gt;%8&lt;/td&gt;&lt;/tr&gt;&lt;tr&gt;&lt;td width=&apos;8&apos;&gt;&lt;/td&gt;&lt;td&gt;Gateway:&lt;/td&gt;&lt;td&gt;%9&lt;/td&gt;&lt;/tr&gt;&lt;/table&gt;&lt;/p&gt;</translation>
     </message>
     <message>
         <source>The configuration could not be saved.</source>
@@ -333,11 +333,11 @@ Wenn Sie auf „Nein“ klicken, kehren Sie zur Anwendung zurück.</translation>
     </message>
     <message>
         <source>Not Reachable</source>
-        <translation>Nicht erreichbar</translation>
+        <translation>Unerreichbar</translation>
     </message>
     <message>
         <source>In use</source>
-        <translation>In Benutzung</translation>
+        <translation>Belegt</translation>
     </message>
     <message>
         <source>Failed to enumerate devices</source>
@@ -420,7 +420,7 @@ Es wird gewartet, bis das Gerät wieder gefunden ist...</translation>
     </message>
     <message>
         <source>Device &amp;User ID:</source>
-        <translation>Geräte-&amp;Benutzer-ID:</translation>
+        <translation>&amp;Benutzer-ID:</translation>
     </message>
     <message>
         <source>&amp;Save</source>
