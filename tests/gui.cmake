@@ -9,7 +9,7 @@ if(LANVIC_PRECOMPILE)
                               <QTreeWidget>)
 endif()
 
-foreach(name IN ITEMS window startup discovery tree editor saving connection closing accessibility)
+foreach(name IN ITEMS window startup discovery tree editor saving connection closing accessibility hostiletexts)
     lanvic_test(tst_${name} SOURCES tst_${name}.cpp $<TARGET_OBJECTS:only_in_lab> LIBS gui_support lanvic LAUNCHER
                 ${CMAKE_SOURCE_DIR}/scripts/lab)
     set_tests_properties(tst_${name} PROPERTIES LABELS gui SKIP_RETURN_CODE 77)

@@ -2,8 +2,10 @@
 
 #include <QLoggingCategory>
 
+#include <algorithm>
 #include <deque>
 #include <mutex>
+#include <string_view>
 
 namespace ozlog {
 
@@ -47,16 +49,38 @@ QtMsgType messageTypeOf(LogLevel level)
     return level >= LogLevel::Warning ? QtWarningMsg : QtInfoMsg;
 }
 
-void appendText(std::string& line, const char* text)
+/// How many bytes at the beginning are one character that steers a terminal or the direction of writing: a
+/// control character, C1 controls included, or a mark, embedding, override or isolate of direction.
+std::size_t steeringBytes(std::string_view text)
+{
+    const auto byte = [text](std::size_t at) {
+        return at < text.size() ? static_cast<unsigned char>(text[at]) : 0U;
+    };
+    if (byte(0) < 0x20 || byte(0) == 0x7F) {
+        return 1;
+    }
+    if (byte(0) == 0xC2 && byte(1) >= 0x80 && byte(1) < 0xA0) {
+        return 2;
+    }
+    const bool isMarkOrOverride =
+        byte(1) == 0x80 && (byte(2) == 0x8E || byte(2) == 0x8F || (byte(2) >= 0xA8 && byte(2) <= 0xAE));
+    const bool isIsolate = byte(1) == 0x81 && byte(2) >= 0xA6 && byte(2) <= 0xA9;
+    return byte(0) == 0xE2 && (isMarkOrOverride || isIsolate) ? 3 : 0;
+}
+
+void appendText(std::string& line, std::string_view text)
 {
     static constexpr char digits[] = "0123456789ABCDEF";
-    for (; *text != '\0'; ++text) {
-        const auto byte = static_cast<unsigned char>(*text);
-        if (byte < 0x20 || byte == 0x7F) {
+    while (!text.empty()) {
+        const std::size_t steering = steeringBytes(text);
+        for (const char character : text.substr(0, steering)) {
+            const auto byte = static_cast<unsigned char>(character);
             line += {'\\', 'x', digits[byte >> 4], digits[byte & 0xF]};
-        } else {
-            line += *text;
         }
+        if (steering == 0) {
+            line += text.front();
+        }
+        text.remove_prefix(std::max<std::size_t>(steering, 1));
     }
 }
 

@@ -109,8 +109,9 @@ private:
     const char* m_text;
 };
 
-/// Writes one trace line. Null strings show as "(null)". Control characters in the arguments are written as
-/// \xNN, so that a text that came from a camera cannot forge lines or drive a terminal.
+/// Writes one trace line. Null strings show as "(null)". Control characters in the arguments,
+/// and those that turn the direction of writing, are written byte by byte as \xNN, so that a text that came
+/// from a camera cannot forge lines or drive a terminal.
 template <typename... Args>
 void LogTrace(unsigned long catId, LogLevel level, Format<std::type_identity_t<Args>...> format,
               const Args&... arguments)
