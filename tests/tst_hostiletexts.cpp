@@ -20,8 +20,8 @@ const std::initializer_list<Text> texts{
     {"<img src='x'><b>&amp;</b>", "<img src='x'><b>&amp;</b>"},
     {"a\x1b[31m\tb\n\x7f", "a�[31m�b��"},
     {"gate\xe2\x80\xae"
-     "tag",
-     "gate�tag"},                                                     // would turn around what follows
+     "tag\xe2\x80\xac",
+     "gate�tag�"},                                                    // would turn around what follows
     {"\xe2\x80\xa8\xc2\x9bq", "��q"},                                 // a line separator and a C1 control
     {"\xd7\xa9\xd7\x9c\xd7\x95\xd7\x9d", "\u05E9\u05DC\u05D5\u05DD"}, // right-to-left by itself is a name
     {"e\xcc\x81\xcc\x81\xcc\x81", QString("e") + QString(3, QChar(0x301))}, // combining

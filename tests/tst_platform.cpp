@@ -156,14 +156,14 @@ private slots:
         QVERIFY(base != other && base == ozlog::LogGetCatID("Lanvic.Base"));
         const TraceCapture trace;
         ozlog::LogTrace(base, ozlog::LogLevel::Info, "MAC=%hs. Retries remaining=%i.",
-                        "a\nb\x1b[1m\xc2\x9b\xe2\x80\xae", -3);
+                        "a\nb\x1b[1m\xc2\x9b\xe2\x80\x8e", -3);
         ozlog::LogTrace(base, static_cast<ozlog::LogLevel>(255), "100 %% of %hs",
                         static_cast<const char*>(nullptr));
         ozlog::LogTrace(base, ozlog::LogLevel::Error, "%u", 7u);
         ozlog::LogTrace(other, ozlog::LogLevel::Info, "not shown");
         ozlog::LogTrace(other, ozlog::LogLevel::Warning, "shown");
         const QList<TraceCapture::Line> expected{
-            {"Lanvic.Base", QtInfoMsg, "MAC=a\\x0Ab\\x1B[1m\\xC2\\x9B\\xE2\\x80\\xAE. Retries remaining=-3."},
+            {"Lanvic.Base", QtInfoMsg, "MAC=a\\x0Ab\\x1B[1m\\xC2\\x9B\\xE2\\x80\\x8E. Retries remaining=-3."},
             {"Lanvic.Base", QtWarningMsg, "100 % of (null)"},
             {"Lanvic.Base", QtCriticalMsg, "7"},
             {"Lanvic.Test", QtWarningMsg, "shown"}};
