@@ -163,7 +163,7 @@ private slots:
         ozlog::LogTrace(other, ozlog::LogLevel::Info, "not shown");
         ozlog::LogTrace(other, ozlog::LogLevel::Warning, "shown");
         const QList<TraceCapture::Line> expected{
-            {"Lanvic.Base", QtInfoMsg, "MAC=a\\x0Ab\\x1B[1m\\xC2\\x9B\\xE2\\x80\\x8E. Retries remaining=-3."},
+            {"Lanvic.Base", QtInfoMsg, R"(MAC=a\x0Ab\x1B[1m\xC2\x9B\xE2\x80\x8E. Retries remaining=-3.)"},
             {"Lanvic.Base", QtWarningMsg, "100 % of (null)"},
             {"Lanvic.Base", QtCriticalMsg, "7"},
             {"Lanvic.Test", QtWarningMsg, "shown"}};
