@@ -157,13 +157,13 @@ private slots:
         for (const bool isClosing : {false, true}) {
             openOn();
             cam().comesBack = false; // takes the command and stays away
-            clickOn("btnUseDhcp");
+            clickOn("btnUseAutoIp");
             expect({click(QMessageBox::Yes), gui::escape,
                     gui::escape, // not found again, no temporary address
                     click(isClosing ? QMessageBox::No : QMessageBox::Close)});
             leave(isClosing ? "close" : "row");
             QVERIFY(m_window->isVisible());
-            QCOMPARE(row("km-1").text(5), "DHCP");
+            QCOMPARE(row("km-1").text(5), "Auto IP (LLA)");
             QCOMPARE(current(), isClosing ? "km-1" : "lan0");
             QCOMPARE(text("editIpAddress"), QString());
         }
@@ -181,7 +181,7 @@ private slots:
         const QStringList calls = m_world.take();
         QVERIFY(calls.contains("ForceIp(025E41000001, 192.168.1.50, 255.255.255.0, 0.0.0.0)"));
         QVERIFY(calls.contains("SetValue(belt, true)"));
-        QCOMPARE(current(), "km-2");
+        QCOMPARE(current() + ' ' + row("km-1").text(6), "km-2 192.168.1.50");
     }
 
     void theHeaderComesBack()

@@ -45,7 +45,9 @@ class ConnectionTest : public gui::GuiTest
     /// Chooses the entry of that row's context menu, then answers the dialogs.
     void assign(const QString& camera, const QList<gui::Answer>& answers)
     {
-        expect({[](QWidget& menu) {
+        expect({[=, this](QWidget& menu) {
+            const QRect place = tree().visualItemRect(&row(camera));
+            QCOMPARE(menu.pos(), tree().viewport()->mapToGlobal(place.center()));
             QCOMPARE(menu.actions().size(), 1);
             QCOMPARE(menu.actions().first()->text(), "&Assign Temporary IP Address...");
             QTest::keyClick(&menu, Qt::Key_Down);
@@ -88,7 +90,8 @@ private slots:
     void anUnreachableCameraIsGivenATemporaryAddress()
     {
         edit("10.9.9.9");
-        const auto complete = [](QWidget& dialog) { // the suggestion
+        const auto complete = [this](QWidget& dialog) { // the suggestion
+            QVERIFY(!child<QWidget>("waitMessage").isVisible());
             QTest::keyClicks(&gui::child<QLineEdit>(dialog, "editIpAddress"), "050");
             QTest::keyClick(&dialog, Qt::Key_Return);
         };
@@ -111,12 +114,12 @@ private slots:
         edit("10.9.9.9");
         m_world.at["Open"] = [] { throw GenICam::TimeoutException("no answer", "camera.cpp", 7); };
         takeDebug();
-        QCOMPARE(save({fill({{"editIpAddress", "192.168.1.50"}}), fill({{"editIpAddress", "127.0.0.2"}}),
+        QCOMPARE(save({fill({{"editIpAddress", "223.255.255.255"}}), fill({{"editIpAddress", "0.0.0.0"}}),
                        escape, click(QMessageBox::Close)}),
                  (QStringList{forceIpDialog, forceIpDialog, forceIpDialog, notSaved}));
         QCOMPARE(m_world.take().filter(QRegularExpression("^(Open|Destroy)")),
-                 (QStringList{"Open(10.9.9.9, 1+3+4)", "DestroyDevice()", "Open(192.168.1.50, 1+3+4)",
-                              "DestroyDevice()", "Open(127.0.0.2, 1+3+4)"}));
+                 (QStringList{"Open(10.9.9.9, 1+3+4)", "DestroyDevice()", "Open(223.255.255.255, 1+3+4)",
+                              "DestroyDevice()", "Open(0.0.0.0, 1+3+4)"}));
         QCOMPARE(takeDebug().count("debug Could not open the device. Will try forceIP ('no answer')"), 3);
     }
 
@@ -124,7 +127,7 @@ private slots:
     {
         openOn();
         QList<gui::Answer> answers;
-        for (const QString ip : {"127.0.0.1", "224.0.0.1", "255.255.255.255", "10.1"}) {
+        for (const QString ip : {"127.0.0.1", "224.0.0.0", "255.255.255.255", "10.1"}) {
             answers << fill({{"editIpAddress", ip}}) << click(QMessageBox::Ok);
         }
         assign("km-1", answers << readThen(escape));
@@ -169,6 +172,9 @@ private slots:
         failAt("DestroyDevice");
         QCOMPARE(save({escape, click(QMessageBox::Close)}), (QStringList{report("cable"), notSaved}));
         QCOMPARE(m_world.take().last(), "DestroyDevice()");
+        m_world.at.clear();
+        save({click(QMessageBox::Close)});
+        QCOMPARE(m_world.take()[1], "CreateDeviceInfo()"); // it is not destroyed twice
     }
 
     void aTemporaryAddressOnDemand()
@@ -185,6 +191,7 @@ private slots:
                               "QueryDeviceAccessibility(025E41000001, 1)"})); // the wait's, the record's
         QCOMPARE(calls.filter("AnySubnet").size(), 1);                        // no refresh
         QCOMPARE(rows()[2], "  km-2||000001|02:5E:41:00:00:01|OK|Static IP|192.168.1.50|255.255.255.0");
+        QVERIFY(row("km-2").icon(4).isNull());
         QCOMPARE(text("editIpAddress") + ' ' + text("editDefaultGateway"), "192.168.1.50 192.168.001.1");
         QCOMPARE(
             takeTrace(),
@@ -193,6 +200,13 @@ private slots:
                 "info User entered IP=192.168.1.50; Netmask=255.255.255.0; Gateway=192.168.1.1; MAC=025E41000001",
                 "info Now forcing IP for MAC=025E41000001. Retries remaining=0.",
                 "info Successfully forced IP for MAC=025E41000001."}));
+        failAt("QueryDeviceAccessibility", 3); // the record's
+        assign("km-2", {fill({{"editIpAddress", "192.168.1.51"}, {"editDefaultGateway", ""}})});
+        QCOMPARE(
+            takeDebug().filter("orcing IP"),
+            (QStringList{
+                "debug Forcing IP configuration for MAC: '025E41000001' with IP: '192.168.1.51'; Subnet: '255.255.255.0'; Default Gateway: '0.0.0.0'",
+                "debug error forcing IP (err='cable')"}));
     }
 
     void theDialogKnowsTheAdapter()

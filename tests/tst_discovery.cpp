@@ -29,8 +29,11 @@ class DiscoveryTest : public gui::GuiTest
 private slots:
     void duplicatesAreDroppedAndMerged()
     {
+        const gui::Adapter lan2("lan2", {"10.1.0.1/16", "10.2.0.1/16", "10.3.0.1/16"}, "02:00:00:00:00:02");
         const gui::Table<QStringList, QStringList> cases{
             // "MAC interface"
+            {{"A1 10.1.0.1", "A1 10.2.0.1", "A1 10.3.0.1"}, {"A1 10.1.0.1;10.2.0.1;10.3.0.1 lan2 1"}},
+            {{"A1 9.9.9.9", "A1 9.9.9.9"}, {"A1 9.9.9.9 - 1"}},
             {{"A1 192.168.1.5", "A1 192.168.1.5"}, {"A1 192.168.1.5 lan0 1"}},
             {{"A1 10.0.0.1", "B2 10.0.0.1", "A1 172.16.3.4"},
              {"A1 10.0.0.1;172.16.3.4 lan1 1", "B2 10.0.0.1 lan1 1"}},

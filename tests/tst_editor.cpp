@@ -33,10 +33,10 @@ private slots:
     {
         for (const auto& [accessibility, mode, chosen, enabled] :
              gui::Table<int, const char*, const char*, int>{
-                 {1, "7", "btnUsePersistentIp", 7}, // static before DHCP
-                 {1, "6", "btnUseDhcp", 4},         // all but the addresses
-                 {1, "4", "btnUseAutoIp", 4},
-                 {4, "5", "btnUsePersistentIp", 7},
+                 {1, "7", "btnUsePersistentIp", 11}, // static before DHCP
+                 {1, "6", "btnUseDhcp", 5},          // all but the addresses
+                 {1, "4", "btnUseAutoIp", 5},
+                 {4, "5", "btnUsePersistentIp", 11},
                  {0, "5", "btnUsePersistentIp", 0},
                  {2, "6", "btnUseDhcp", 0},
                  {3, "4", "btnUseAutoIp", 0},
@@ -46,11 +46,12 @@ private slots:
             openOn({made});
             QString states;
             for (const char* const name :
-                 {"btnUsePersistentIp", "btnUseDhcp", "btnUseAutoIp", "editCustomName", "editIpAddress",
-                  "editNetmask", "editDefaultGateway"}) {
+                 {"btnUsePersistentIp", "btnUseDhcp", "btnUseAutoIp", "labelCustomName", "editCustomName",
+                  "labelIpAddress", "editIpAddress", "labelNetmask", "editNetmask", "labelDefaultGateway",
+                  "editDefaultGateway"}) {
                 states += child<QWidget>(name).isEnabled() ? '1' : '0';
             }
-            QCOMPARE(states, QString(enabled, '1').leftJustified(7, '0'));
+            QCOMPARE(states, QString(enabled, '1').leftJustified(11, '0'));
             QVERIFY(child<QRadioButton>(chosen).isChecked() && !canSave());
             QCOMPARE(addresses(),
                      QString(chosen).contains("Persistent") ? "192.168.1.9 255.255.255.0 0.0.0.0" : "  ");
@@ -92,8 +93,12 @@ private slots:
 
     void staticModeProposesTheNetwork()
     {
+        const gui::Adapter lan2("lan2", {"172.31.0.1/16"}, "02:00:00:00:00:02");
+        const gui::Adapter lan3("lan3", {"11.0.0.1/8"}, "02:00:00:00:00:03");
         for (const auto& [interface, proposal] :
              {std::pair{"192.168.1.5", "192.168.1. 255.255.255.0 "},
+              {"172.31.0.1", "172.31. 255.255.0.0 "},
+              {"11.0.0.1", "11. 255.0.0.0 "},
               {"10.0.0.1", "172.16. 255.255.240.0 "}, // its adapter's first
               {"9.9.9.9", "  "}}) {
             edit("6", interface);

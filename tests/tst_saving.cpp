@@ -46,7 +46,8 @@ private slots:
                 "info Restarting IP configuration and waiting for rediscovery for MAC=025E41000001.",
                 "info Successfully rediscovered MAC=025E41000001.",
             }));
-        QVERIFY(row("km-1").isSelected() && row("km-1").text(1) == "belt" && !canSave());
+        QVERIFY(row("km-1").isSelected() && row("km-1").text(1) == "belt" && !canSave() &&
+                !tree().hasFocus());
     }
 
     void broadcastSendsEverythingInEveryMode()
@@ -101,11 +102,13 @@ private slots:
              1,
              true,
              {report("cable") + "|wait cursor 2", lost},
-             2},                                                          // by unicast
+             2}, // by unicast
+            {"EnumerateDevicesAnySubnet", 1, false, {unknown + "|wait cursor 2", lost}, 2},
+            {"EnumerateDevicesAnySubnet", 2, false, {unknown}, 1},
             {"EnumerateDevicesAnySubnet", 2, true, {report("cable")}, 1}, // the refresh
         };
         for (const auto& [call, nth, isStandard, shown, sleeps] : cases) {
-            edit();
+            edit("6");
             failAt(call, nth, isStandard);
             QCOMPARE(save(QList<gui::Answer>(shown.size(), gui::escape)), shown);
             QCOMPARE(m_world.take().count("sleep(2)"), sleeps);
@@ -147,8 +150,8 @@ private slots:
         for (const auto& [mode, field, typed, write] :
              gui::Table<const char*, const char*, const char*, QString>{
                  {"5", "editCustomName", "gate", "SetValue(gate, true)"},
-                 {"5", "btnUseDhcp", "", "SetIpConfigMode(false, true)"},
-                 {"6", "btnUseAutoIp", "", "SetIpConfigMode(false, false)"},
+                 {"5", "btnUseDhcp", " to DHCP.", "SetIpConfigMode(false, true)"}, // what is traced
+                 {"6", "btnUseAutoIp", " to AutoIP/LLA", "SetIpConfigMode(false, false)"},
                  {"5", "editNetmask", "255.255.0.0", "SetPersistentIp(192.168.1.9, 255.255.0.0, 0.0.0.0)"},
                  {"5", "editDefaultGateway", "192.168.001.001",
                   "SetPersistentIp(192.168.1.9, 255.255.255.0, 192.168.1.1)"},
@@ -160,8 +163,11 @@ private slots:
             } else {
                 enter(field, typed);
             }
+            takeTrace();
             save();
             QCOMPARE(m_world.take().filter("Set"), QStringList{write});
+            const QString traced = takeTrace().filter("Setting ip config").join('\n');
+            QVERIFY2(QString(field).startsWith("btn") ? traced.endsWith(typed) : traced.isEmpty(), typed);
             QVERIFY(!canSave());
         }
     }
@@ -221,12 +227,16 @@ private slots:
     void aCameraThatCannotBeClosedIsStillRestarted()
     {
         edit("5", false);
-        m_world.at["Close"] = [] { throw GenICam::RuntimeException("stuck", "device.cpp", 7); };
-        save();
-        QCOMPARE(takeDebug().filter(QRegularExpression("^warning (Failed|close)")),
-                 (QStringList{"warning Failed to close device",
-                              "warning closeDevice :  Exception occurred:\n stuck \n device.cpp : 7 \n"}));
-        QVERIFY(m_world.take().contains("RestartIpConfig(025E41000001)"));
+        cam().comesBack = false;
+        failAt("Close");
+        QCOMPARE(save({gui::escape, click(QMessageBox::Close)}),
+                 (QStringList{report("Failed to discover reconfigured device"), notSaved}));
+        QCOMPARE(takeTrace(QString()).filter(QRegularExpression("^warning (Failed to (cl|re)|close)")),
+                 (QStringList{
+                     "warning Failed to close device", "warning closeDevice :  Exception occurred:\n cable",
+                     "warning Failed to rediscover the configured device with old IP=192.168.1.9."}));
+        QCOMPARE(m_world.take().last(31),
+                 QStringList{"RestartIpConfig(025E41000001)"} + QStringList(30, "sleep(2)"));
     }
 
     void theFocusMovesOnFromSave()
@@ -236,6 +246,7 @@ private slots:
         button.setFocus();
         QTest::mouseClick(&button, Qt::LeftButton);
         QVERIFY(!button.isEnabled() && tree().hasFocus());
+        QCOMPARE(takeDebug().filter("unicast"), QStringList());
 
         select("lan0"); // and without a camera nothing happens
         m_world.take(true);

@@ -25,6 +25,10 @@ private slots:
         const gui::Adapter lan("lan0", {"192.168.1.5/24"}, "02:00:00:00:01:05");
         const QTemporaryDir settings;
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
+        QSettings stored("Orvik", "Tessal Lanvic");
+        stored.setValue("MainWindow/pos", QPoint(20, 30));
+        stored.setValue("MainWindow/size", QSize(770, 610));
+        stored.sync();
         QStringList seen;
         const auto note = [&](const QString& what) {
             const bool isShown = qApp != nullptr && QApplication::activeWindow() != nullptr;
@@ -37,6 +41,7 @@ private slots:
             QTimer::singleShot(0, qApp, [&] {
                 QVERIFY(QTest::qWaitFor([] { return QApplication::activeWindow() != nullptr; }));
                 note(QApplication::activeWindow()->windowTitle());
+                QCOMPARE(QApplication::activeWindow()->size(), QSize(770, 610));
                 QApplication::activeWindow()->close();
             });
         };
@@ -48,7 +53,8 @@ private slots:
                                     "Tessal Lanvic v4.0 64-Bit before the user", "released in the background",
                                     "terminated alone"}));
         QVERIFY(sdk::world().take().contains("TessalTerminate(true)"));
-        QVERIFY(QSettings("Orvik", "Tessal Lanvic").contains("MainWindow/size"));
+        stored.sync();
+        QVERIFY(stored.contains("MainWindow/header"));
     }
 
     void withoutTheSdkNothingStarts()

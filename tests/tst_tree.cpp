@@ -1,5 +1,7 @@
 #include "support/gui.h"
 
+#include <QAction>
+#include <QDir>
 #include <QIcon>
 #include <QLabel>
 #include <QStyle>
@@ -93,8 +95,12 @@ private slots:
                      image(QIcon(":/Lanvic/Resources/Generic_Camera_16x16px.png")));
         }
         QCOMPARE(image(row("lan0").icon(0)), image(QIcon(":/Lanvic/Resources/network_adapter.png")));
-        int code = 0;
-        for (const QString word : {"Unknown", "OK", "In use", "In use", "Not Reachable", "Unknown"}) {
+        QCOMPARE(
+            QDir(":/Lanvic/Resources").entryList().join(' '),
+            "Dorun-Icon_16x16.png error.png Generic_Camera_16x16px.png Icon.png information.png Kimra-Icon_16x16.png Mivex-Icon_16x16.png network_adapter.png Sarpo_GigE-Icon_16x16.png Tulka_Icon_16x16.png Velto-Icon_16x16.png Velto_light_Icon_16x16.png");
+        int code = -1;
+        for (const QString word :
+             {"Unknown", "Unknown", "OK", "In use", "In use", "Not Reachable", "Unknown"}) {
             cam().accessibility = code++;
             refresh();
             const auto symbol =
@@ -124,6 +130,11 @@ private slots:
     void anAdapterTellsItsAddresses()
     {
         openWindow();
+        QString before; // what is painted before the search
+        QMetaObject::invokeMethod(
+            this, [&] { before = info(); }, Qt::QueuedConnection);
+        child<QAction>("actionRefresh").trigger();
+        QCOMPARE(before, "Searching for devices...");
         QCOMPARE(hint(),
                  "<p>No devices found!</p>Click <b>Refresh</b> or press <b>F5</b> to search for devices.");
         m_world.cameras = {camera()};
@@ -144,31 +155,37 @@ private slots:
         const char* const lan0 = "192.168.1.5";
         const char* const near = "192.168.1.9";
         const char* const classC = "255.255.255.0";
-        const QString inUse = "in use by another application!";
-        const QString gone = "The device is unreachable!";
-        for (const auto& [code, interface, address, mask, says, ending] :
-             gui::Table<int, const char*, const char*, const char*, QString, QString>{
-                 {1, lan0, near, classC, "", ""},
-                 {1, lan0, near, "none", "", ""},
-                 {1, "10.0.0.1", "10.0.0.9", "255.255.0.0", "", ""}, // the second network of its adapter
-                 {1, "10.0.0.1", "10.0.0.9", "255.0.0.0", "not in the same subnet", "subnet mask.</p>"},
-                 {2, lan0, near, classC, inUse, "check the status again."},
-                 {3, lan0, near, classC, inUse, "check the status again."},
-                 {0, lan0, near, classC, "There was an error", "<b>Refresh</b>."},
-                 {4, lan0, near, classC, gone,
-                  "<p>Possible addresses are:<br>192.168.1.1 - 192.168.1.254<br></p>"},
-                 {4, "10.0.0.1", near, classC, gone,
-                  "172.16.0.1 - 172.16.15.254<br>10.0.0.1 - 10.0.255.254<br></p>"},
-                 {4, "169.254.7.9", near, classC, gone, "are:<br>169.254.1.0 - 169.254.254.255<br></p>"},
-                 {4, "9.9.9.9", near, classC, gone, "connected to."}, // under no adapter
+        const QString unknown =
+            "There was an error while trying to determine the accessibility status of the device.</p>Try refreshing the list by clicking <b>Refresh</b>.";
+        const QString apart =
+            "<p>The network adapter and the device are currently not in the same subnet. Therefore, the device will currently not be visible to applications.</p><p>Make sure the device and the network adapter share the same network prefix and subnet mask.</p>";
+        const QString inUse =
+            "The device is currently in use by another application!</p><p>Please close any applications currently using the device and click <b>Refresh</b> to check the status again.";
+        const QString gone =
+            "The device is unreachable!</p><p>Currently you will not be able to use the device.</p>Please make sure the IP address is in the same subnet as the adapter the device is connected to.";
+        const QString possible = gone + "<p>Possible addresses are:<br>%1<br></p>";
+        for (const auto& [code, interface, address, mask, says] :
+             gui::Table<int, const char*, const char*, const char*, QString>{
+                 {1, lan0, near, classC, ""},
+                 {1, lan0, near, "none", ""},
+                 {1, lan0, "192.168.1.x", classC, ""},
+                 {1, "10.0.0.1", "10.0.0.9", "255.255.0.0", ""}, // the second network of its adapter
+                 {1, "10.0.0.1", "10.0.0.9", "255.0.0.0", apart},
+                 {2, lan0, near, classC, inUse},
+                 {3, lan0, near, classC, inUse},
+                 {0, lan0, near, classC, unknown},
+                 {4, lan0, near, classC, possible.arg("192.168.1.1 - 192.168.1.254")},
+                 {4, "10.0.0.1", near, classC,
+                  possible.arg("172.16.0.1 - 172.16.15.254<br>10.0.0.1 - 10.0.255.254")},
+                 {4, "169.254.7.9", near, classC, possible.arg("169.254.1.0 - 169.254.254.255")},
+                 {4, "9.9.9.9", near, classC, gone}, // under no adapter
              }) {
             sdk::Camera made =
                 with(camera("km-1", "025E41000001", address, interface), {{"SubnetMask", mask}});
             made.accessibility = code;
             openOn({made});
-            QVERIFY2(hint().contains(says) && hint().right(ending.size()) == ending, qPrintable(hint()));
-            QCOMPARE(hint().startsWith("<p><img src=':/Lanvic/Resources/error.png'><br>"), !says.isEmpty());
-            QCOMPARE(hint().isEmpty(), says.isEmpty());
+            const QString picture = "<p><img src=':/Lanvic/Resources/error.png'><br>";
+            QCOMPARE(hint(), says.isEmpty() ? QString() : picture + says);
         }
     }
 
@@ -177,7 +194,7 @@ private slots:
         disconnectAdapters();
         const gui::Adapter withoutAddress("lan2", {}, "02:00:00:00:00:02");
         openWindow();
-        const QString said = info();
+        const QString said = info() + hint();
         const QStringList asked = m_world.take(true);
         connectAdapters();
         QCOMPARE(

@@ -55,6 +55,26 @@ private slots:
                               "on-both" + both + '1', "on-both lab1 192.168.20.1 1"}));
     }
 
+    void tellsWhoCannotBeOpenedAndWhy()
+    {
+        const Simulator simulator("demo");
+        DeviceLister lister;
+        lister.discoverAllDevices();
+        const QStringList heard = found(lister);
+        for (const auto& [address, line, expected] :
+             {std::tuple{"192.168.10.21", "Front left lab0 192.168.10.1 1", 1},
+              {"192.168.10.25", "Conveyor lab0 192.168.10.1 2", 2},
+              {"192.168.10.26", "Robot arm lab0 192.168.10.1 3", 3},
+              {"172.16.4.9", "Gate lab0 192.168.10.1 4", 4}}) {
+            QVERIFY2(heard.contains(line), qPrintable(heard.join('\n')));
+            Tessal::CDeviceInfo info; // which no search knows, so the camera itself is asked
+            info.SetPropertyValue(Tessal::Key::IpAddress, address);
+            int code = 0;
+            DeviceLister::s_pTl->QueryDeviceAccessibility(info, Tessal::EDeviceAccessMode::Control, &code);
+            QCOMPARE(code, expected);
+        }
+    }
+
     void losesNoCameraOnANoisyLine()
     {
         const Simulator simulator("test-noise");

@@ -100,6 +100,8 @@ private slots:
         // a MAC address that no camera has
         const QStringList before = rows();
         takeDialogs();
+        select("km-1");
+        type("editCustomName", "pending"); // a refresh would ask
         expect({gui::fill({{"editMacAddress", "02-A3-17-00-00-44"}, {"editIpAddress", "192.168.10.44"}})});
         press(QKeySequence("Alt+Shift+Ctrl+F"));
         QCOMPARE(takeSleeps(), 30);

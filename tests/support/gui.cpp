@@ -7,7 +7,8 @@ namespace gui {
 void GuiTest::connectAdapters()
 {
     m_adapters.emplace_back("lan0", QStringList{"192.168.1.5/24"}, "02:00:00:00:01:05");
-    m_adapters.emplace_back("lan1", QStringList{"172.16.3.4/20", "10.0.0.1/16"}, "02:00:00:00:00:01");
+    m_adapters.emplace_back("lan1", QStringList{"fe80::5/64 nodad", "172.16.3.4/20", "10.0.0.1/16"},
+                            "02:00:00:00:00:01");
 }
 
 void GuiTest::init()
