@@ -162,19 +162,6 @@ private slots:
         }
     }
 
-    void onlyTheLatestWriteIsTakenForARepeat()
-    {
-        Bench bench;
-        bench.tell(takeControl);
-        QCOMPARE(bench.tell(writeHeartbeat), "000000830004000500000001");
-        QCOMPARE(bench.tell(writeHeartbeat), "000000830004000500000001");
-        bench.tell("42010082000800060000093800000BB8");
-        QCOMPARE(bench.tell(readRegister("00000938")), "000000810004000100000BB8");
-        bench.tell(writeHeartbeat);
-        QCOMPARE(bench.tell(readRegister("00000938")), "000000810004000100000FA0");
-        QVERIFY(bench.tell("O" + writeHeartbeat).startsWith("8006"));
-    }
-
     void controlIsTakenKeptAndLost()
     {
         Bench bench;
@@ -367,17 +354,6 @@ private slots:
                 QCOMPARE(QByteArray(error.what()), complaint);
             }
         }
-    }
-
-    void countMultipliesACamera()
-    {
-        const std::string text =
-            sceneText(R"("count": 300, "forced": {"ip": "10.0.0.250", "mask": "255.0.0.0"})");
-        const sim::CameraConfig last = sim::parseScene(text, ".").cameras.at(299).config;
-        QCOMPARE(last.name + ' ' + net::formatMac(last.mac) + ' ' + last.identity.serial,
-                 "a-300 025E4100012C 21000300");
-        QCOMPARE(net::formatIpv4(last.persistent.ip) + ' ' + net::formatIpv4(last.forced->ip),
-                 "192.168.11.64 10.0.2.37");
     }
 
     void shippedScenesAreValid()

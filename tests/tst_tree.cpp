@@ -3,7 +3,6 @@
 #include <QAction>
 #include <QDir>
 #include <QIcon>
-#include <QLabel>
 #include <QStyle>
 
 using sdk::camera;
@@ -70,20 +69,6 @@ private slots:
             info(),
             "<p><b>Förderband (000001)</b></p><p><table align='left' border='0' cellpadding='1' cellspacing='1'><tr><td width='8'></td><td>" +
                 table + "</td></tr></table></p>");
-    }
-
-    void namesAreShownLiterally()
-    {
-        const char* const name = "<i>x</i>&amp;";
-        openOn({with(camera(), {{"UserDefinedName", name},
-                                {"FriendlyName", name},
-                                {"VendorName", name},
-                                {"SerialNumber", name}})});
-        auto& label = child<QLabel>("labelSelectionInfo");
-        QTest::mouseClick(&label, Qt::LeftButton);
-        QTest::keySequence(&label, QKeySequence::SelectAll);
-        QCOMPARE(label.selectedText().count(name), 4);
-        QCOMPARE(text("editCustomName"), name);
     }
 
     void picturesTellFamilyAndStatus()

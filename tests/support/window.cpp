@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QNetworkInterface>
@@ -10,6 +11,7 @@
 #include <QSettings>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <cstdio>
 #include <stdexcept>
 
@@ -79,6 +81,26 @@ int cursorDepth()
         QGuiApplication::setOverrideCursor(cursor);
     }
     return static_cast<int>(stack.size());
+}
+
+QString letters(const QWidget& window, const QList<QAction*>& actions)
+{
+    QStringList texts;
+    for (const auto* const button : window.findChildren<QAbstractButton*>()) {
+        texts << button->text();
+    }
+    for (const auto* const label : window.findChildren<QLabel*>()) {
+        texts << (label->buddy() != nullptr ? label->text() : QString());
+    }
+    for (const QAction* const action : actions) {
+        texts << action->text();
+    }
+    QString found;
+    for (const QString& text : texts) {
+        found += QKeySequence::mnemonic(text).toString().section('+', -1);
+    }
+    std::ranges::sort(found);
+    return found;
 }
 
 void escape(QWidget& shown)

@@ -41,6 +41,10 @@ T& child(QWidget& parent, const char* name)
     return *found;
 }
 
+/// The letters that work with Alt in a window, and those of menus, in order: what has two meanings comes
+/// twice.
+[[nodiscard]] QString letters(const QWidget& window, const QList<QAction*>& actions = {});
+
 /// What a user does with a dialog or menu that came up.
 using Answer = std::function<void(QWidget&)>;
 void escape(QWidget& shown);
