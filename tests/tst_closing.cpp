@@ -173,8 +173,9 @@ private slots:
 
     void theCameraThatIsLeftGetsTheTemporaryAddress()
     {
-        openOn({camera("km-1", "025E41000001", "10.9.9.9"), camera("km-2", "025E41000002", "192.168.1.10")});
-        cam().knowsBroadcast = false;
+        openOn({camera("km-1", "025E41000001", "10.9.9.9"), camera("km-2", "025E41000002", "192.168.1.10"),
+                camera("km-1", "025E41000001", "10.9.9.9", "10.0.0.1")});
+        cam().knowsBroadcast = m_world.cameras.back().knowsBroadcast = false;
         type("editCustomName", "belt");
         expect({click(QMessageBox::Yes), gui::fill({{"editIpAddress", "192.168.1.50"}})});
         select("km-2");
@@ -182,6 +183,7 @@ private slots:
         QVERIFY(calls.contains("ForceIp(025E41000001, 192.168.1.50, 255.255.255.0, 0.0.0.0)"));
         QVERIFY(calls.contains("SetValue(belt, true)"));
         QCOMPARE(current() + ' ' + row("km-1").text(6), "km-2 192.168.1.50");
+        QCOMPARE(row("lan1").child(0)->text(6), "192.168.1.50");
     }
 
     void theHeaderComesBack()

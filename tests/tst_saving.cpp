@@ -229,12 +229,19 @@ private slots:
         edit("5", false);
         cam().comesBack = false;
         failAt("Close");
+        int painted = 0, before = 0; // the last search
+        m_world.at["sleep"] = [&] {
+            before = painted;
+            QMetaObject::invokeMethod(
+                this, [&] { ++painted; }, Qt::QueuedConnection);
+        };
         QCOMPARE(save({gui::escape, click(QMessageBox::Close)}),
                  (QStringList{report("Failed to discover reconfigured device"), notSaved}));
         QCOMPARE(takeTrace(QString()).filter(QRegularExpression("^warning (Failed to (cl|re)|close)")),
                  (QStringList{
                      "warning Failed to close device", "warning closeDevice :  Exception occurred:\n cable",
                      "warning Failed to rediscover the configured device with old IP=192.168.1.9."}));
+        QCOMPARE(before, 29);
         QCOMPARE(m_world.take().last(31),
                  QStringList{"RestartIpConfig(025E41000001)"} + QStringList(30, "sleep(2)"));
     }
