@@ -131,19 +131,19 @@ private slots:
 
     void aCameraThatAnotherProgramTookMeanwhileIsLeftAlone()
     {
-        edit("BX-5");
+        edit("km-1"); // of the maker: refuses the broadcast command as well
         OtherProgram other;
-        QCOMPARE(other.ask("192.168.10.25", "420100820008000100000a0000000002"), "000000830004000100000001");
+        QCOMPARE(other.ask("192.168.10.21", "420100820008000100000a0000000002"), "000000830004000100000001");
         type("editCustomName", "mine");
         QCOMPARE(
             save({escape, click(QMessageBox::Close)}),
             (QStringList{
                 "Connection failed|Access denied\nThe device is controlled by another application.\nClose the connection before changing the IP configuration.|OK|",
                 notSaved}));
-        QVERIFY(takeTrace().last().startsWith("error Could not open device with old IP=192.168.10.25 "));
+        QVERIFY(takeTrace().last().startsWith("error Could not open device with old IP=192.168.10.21 "));
         QCOMPARE(simulator().takeEvents().filter("configured"), QStringList());
         QVERIFY(text("editCustomName") == "mine" && canSave());
-        m_controlled = {"contested"};
+        m_controlled = {"belt"};
     }
 
     void aCameraThatTookTheAddressOfAnotherIsLeftAlone()
