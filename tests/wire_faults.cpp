@@ -265,6 +265,10 @@ private slots:
 
     void aSearchWithTooFewFilesFindsLessOrSaysWhy()
     {
+#ifdef __SANITIZE_ADDRESS__
+        QSKIP(
+            "the sanitizer of undefined behaviour looks at objects through a pipe, for which there is no file left");
+#endif
         start("test-discovery");
         const QStringList all = search();
         QList<qsizetype> outcomes;
