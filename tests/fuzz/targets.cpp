@@ -1,0 +1,122 @@
+#include "camera/camera.h"
+#include "gige/codec.h"
+#include "gige/description.h"
+#include "gige/descriptionerror.h"
+#include "gige/registerport.h"
+#include "gige/stringnode.h"
+#include "gige/xmldescription.h"
+#include "gige/zipdescription.h"
+#include "scene/scene.h"
+
+#include <cstdlib>
+#include <numeric>
+
+void require(bool holds)
+{
+    if (!holds) {
+        std::abort();
+    }
+}
+
+constexpr std::uint64_t spaceEnd = std::uint64_t{1} << 32;
+
+/// Takes every access that is within the register space, and those of writing in whole words only.
+struct AnyPort : gige::RegisterPort
+{
+    void read(std::uint32_t address, std::span<std::uint8_t> to) override
+    {
+        require(!to.empty() && to.size() <= spaceEnd - address);
+        std::iota(to.begin(), to.end(), static_cast<std::uint8_t>(address));
+    }
+    void write(std::uint32_t address, std::span<const std::uint8_t> from) override
+    {
+        require(!from.empty() && (address | from.size()) % 4 == 0 && from.size() <= spaceEnd - address);
+    }
+};
+
+// One function for each program, of its name: that is what FUZZED says when it is compiled.
+
+using gvcp::Bytes;
+
+void fuzz_description_url(Bytes input)
+{
+    const gige::DescriptionUrl url = gige::parseDescriptionUrl(std::string(input.begin(), input.end()));
+    require(url.length != 0 && url.length <= spaceEnd - url.address && !url.fileName.empty());
+}
+
+void fuzz_zip(Bytes input)
+{
+    constexpr std::size_t MaxSize = std::size_t{1} << 20;
+    require(gige::unzipDescription(input, MaxSize).size() <= MaxSize);
+}
+
+void fuzz_nodemap(Bytes input)
+try {
+    const gige::XmlDescription description(std::string(input.begin(), input.end()));
+    if (const pugi::xml_node node = description.find("DeviceUserID"); gige::XmlStringNode::handles(node)) {
+        AnyPort port;
+        gige::XmlStringNode name(node, description, port);
+        static_cast<void>(name.GetValue(false));
+        name.SetValue("abc", false);
+        name.SetValue("abc", true);
+    }
+} catch (const GenICam::GenericException&) {
+    return;
+}
+
+void fuzz_gvcp(Bytes input) noexcept
+{
+    const auto acknowledge = gvcp::decodeAcknowledge(input);
+    const Bytes payload = acknowledge ? acknowledge->payload : Bytes();
+    const auto identity = gvcp::decodeIdentity(payload);
+    require(!identity || identity->userDefinedName.size() <= gvcp::DiscoveryAck::UserDefinedNameSize);
+    require(!identity || identity->model.find('\0') == std::string::npos);
+    const std::size_t count = payload.size() < 4 ? 0 : payload.size() - 4;
+    require(gvcp::decodeReadMemAck(payload, 0, count).value_or(payload).size() >= count);
+    static_cast<void>(gvcp::decodeReadRegAck(payload));
+    static_cast<void>(gvcp::isWriteAck(payload));
+    static_cast<void>(gvcp::decodePendingAck(payload));
+}
+
+/// A simulated camera, and what two hosts say to it: for each datagram one byte that tells who speaks and
+/// how, one with its length, and the datagram itself. A quarter of a second passes between two of them.
+void fuzz_command(Bytes input) noexcept
+{
+    sim::CameraConfig config;
+    config.mac = {{2, 0, 0, 0, 0, 1}};
+    config.persistent = {{0xC0A80A15}, {0xFFFFFF00}, {}};
+    config.description = std::make_shared<sim::Description>();
+    sim::Instant now{};
+    sim::Camera camera(config, now);
+    sim::Effects effects;
+    while (input.size() >= 2) {
+        const Bytes said = input.subspan(2, std::min<std::size_t>(input[1], input.size() - 2));
+        const std::vector<std::uint8_t> datagram(said.begin(), said.end());
+        const sim::Endpoint from{{0xC0A80A01U + (input[0] & 1U)}, 40000};
+        effects.clear();
+        camera.hear({from, (input[0] & 2) != 0, datagram}, now, effects);
+        for (const sim::Answer& answer : effects.answers) {
+            require(answer.message.size >= gvcp::HeaderSize && answer.message.size <= gvcp::MaxPacketSize);
+        }
+        now += std::chrono::milliseconds(250);
+        camera.advance(now, effects);
+        input = input.subspan(2 + said.size());
+    }
+    static_cast<void>(camera.state());
+}
+
+void fuzz_scene(Bytes input)
+{
+    static_cast<void>(sim::parseScene(std::string(input.begin(), input.end()), "/nonexistent"));
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+try {
+    // In a buffer of its own, so that a byte read beyond it is seen.
+    FUZZED(std::vector(data, data + size));
+    return 0;
+} catch (const gige::DescriptionError&) {
+    return 0;
+} catch (const sim::SceneError&) {
+    return 0;
+}
