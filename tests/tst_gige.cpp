@@ -1,0 +1,164 @@
+#include "gige/attempts.h"
+#include "gige/codec.h"
+#include "gige/errors.h"
+#include "gige/record.h"
+#include "gige/reversepath.h"
+#include "net/routes.h"
+
+#include <QtTest>
+
+using namespace gvcp;
+using namespace std::chrono_literals;
+
+namespace {
+
+Packet fromHex(const QByteArray& hex)
+{
+    const QByteArray bytes = QByteArray::fromHex(hex);
+    return {bytes.begin(), bytes.end()};
+}
+
+QByteArray toHex(Bytes bytes)
+{
+    return QByteArray(reinterpret_cast<const char*>(bytes.data()), std::ssize(bytes)).toHex();
+}
+
+constexpr net::MacAddress mac{{0x02, 0x5E, 0x41, 0x0A, 0x0B, 0x0C}};
+const QByteArray gap(24, '0');
+
+} // namespace
+
+/// What the camera layer does without a network.
+class GigeTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void commandsAreTheBytesThatCamerasExpect()
+    {
+        const std::array<std::uint8_t, 8> data{1, 2, 3, 4, 5, 6, 7, 8};
+        QCOMPARE(toHex(encodeDiscovery(0x1234)), "4211000200001234");
+        QCOMPARE(toHex(encodeForceIp(7, {mac, {0xC0A80A33}, {0xFFFFFF00}, {0xC0A80AFE}})),
+                 "42110004003800070000025e410a0b0c" + gap + "c0a80a33" + gap + "ffffff00" + gap + "c0a80afe");
+        QCOMPARE(toHex(encodeBroadcastIpConfig(
+                     8, {mac, 5, {0x0A000001}, {0xFF000000}, {}, "sixteen bytes and more"})),
+                 "42118010002800080000025e410a0b0c000000050a000001ff00000000000000"
+                 "7369787465656e20627974657320616e");
+        QCOMPARE(toHex(encodeReadReg(9, 0x0A00)), "420100800004000900000a00");
+        QCOMPARE(toHex(encodeWriteReg(0xFFFF, 0x0A00, 2)), "420100820008ffff00000a0000000002");
+        QCOMPARE(toHex(encodeReadMem(10, 0x200, 512)), "420100840008000a0000020000000200");
+        QCOMPARE(toHex(encodeWriteMem(11, 0xE8, data)), "42010086000c000b000000e80102030405060708");
+    }
+
+    void anAcknowledgeIsTakenOnlyWhole()
+    {
+        const Packet datagram = fromHex("000000810004010200000002");
+        const auto acknowledge = decodeAcknowledge(datagram);
+        QVERIFY(acknowledge && acknowledge->code == Ack::ReadReg && acknowledge->requestId == 0x0102);
+        QVERIFY(!acknowledge->isRefusal());
+        QCOMPARE(decodeReadRegAck(acknowledge->payload), std::optional<std::uint32_t>(2));
+        for (std::size_t size = 0; size < datagram.size(); ++size) {
+            QVERIFY2(!decodeAcknowledge(Bytes(datagram).first(size)), qPrintable(QString::number(size)));
+        }
+        QVERIFY(!decodeAcknowledge(fromHex("000000810003010200000002"))); // announces less than there is
+        const auto refusal = decodeAcknowledge(fromHex("8006008300000001"));
+        QVERIFY(refusal && refusal->isRefusal());
+        QCOMPARE(gige::describeStatus(refusal->status), "access is denied (8006)");
+        QVERIFY(!decodeAcknowledge(fromHex("010000830004000100000001"))->isRefusal());
+
+        const Packet memory = fromHex("000002000102030405060708");
+        QCOMPARE(toHex(decodeReadMemAck(memory, 0x200, 8).value_or(Bytes())), "0102030405060708");
+        QVERIFY(!decodeReadMemAck(memory, 0x204, 8) && !decodeReadMemAck(memory, 0x200, 4));
+        QVERIFY(!decodeReadMemAck({}, 0, 0) && !decodeReadRegAck(memory));
+        QVERIFY(isWriteAck(fromHex("00000000")) && !isWriteAck({}));
+        QVERIFY(decodePendingAck(fromHex("000003e8")) == 1000ms && !decodePendingAck(fromHex("0000")));
+    }
+
+    void anIdentityIsReadFieldByField()
+    {
+        // each text fills its field, so that none of them ends in a NUL
+        Packet payload = fromHex("00020000800000010000025e410a0b0c0000000f00000006" + gap + "c0a80a33" + gap +
+                                 "ffffff00" + gap + "c0a80afe");
+        payload.resize(248, 'x');
+        const auto record = [&payload](std::initializer_list<const char*> keys) {
+            QByteArrayList values;
+            for (const char* const key : keys) {
+                GenICam::gcstring value;
+                gige::makeRecord(decodeIdentity(payload).value(), {0xC0A80A01}).GetPropertyValue(key, value);
+                values << value.c_str();
+            }
+            return values.join(' ');
+        };
+        QCOMPARE(
+            record({"MacAddress", "Interface", "Address", "SubnetMask", "DefaultGateway", "IpConfigOptions",
+                    "IpConfigCurrent", "FriendlyName"}),
+            "025E410A0B0C 192.168.10.1 192.168.10.51:3956 255.255.255.0 192.168.10.254 7 6 xxxxxxxxxxxxxxxx (xxxxxxxxxxxxxxxx)");
+        // A text ends with its field, or at its first NUL; bytes that are no ASCII stay as they are.
+        const auto put = [&payload](int offset, const QByteArray& hex) {
+            std::ranges::copy(fromHex(hex), payload.begin() + offset);
+        };
+        for (const auto& [key, offset, size] : {std::tuple{"VendorName", 72, 32},
+                                                {"ModelName", 104, 32},
+                                                {"DeviceVersion", 136, 32},
+                                                {"ManufacturerInfo", 168, 48},
+                                                {"SerialNumber", 216, 16},
+                                                {"UserDefinedName", 232, 16}}) {
+            QCOMPARE(record({key}), QByteArray(size, 'x'));
+            put(offset, "c3a900");
+            QCOMPARE(record({key}), "\xC3\xA9");
+        }
+        // What is no UTF-8 must not make a name longer than a camera can store; flash memory is erased to FF.
+        const QByteArray longest = "c280e0a080ed9fbff0908080f48fbfbf";
+        for (const auto& [stored, name] : {std::pair{longest, QByteArray::fromHex(longest)},
+                                           {"6be46c6e 20 c3 ff", "k?ln ?"},
+                                           {"c1bf e09fbf eda080 f09f98 f5808080 00", "???????????????"},
+                                           {"f08fbfbf f4908080 c3a9 00", "????????\xC3\xA9"}}) {
+            put(232, stored);
+            QCOMPARE(record({"UserDefinedName"}), name);
+        }
+        put(104, "6b6d00"); // model
+        put(232, "00");
+        QCOMPARE(record({"FriendlyName"}), "km (\xC3\xA9)");
+        put(216, "00"); // serial number
+        QCOMPARE(record({"FriendlyName"}), "km");
+        QVERIFY(!decodeIdentity(Bytes(payload).first(247)));
+        payload.push_back(0);
+        QVERIFY(!decodeIdentity(payload));
+    }
+
+    void aCameraIsWaitedForAsItAsksButNotForEver()
+    {
+        constexpr std::array sends{0ms, 100ms};
+        const auto start = gige::Clock::now();
+        gige::Attempts attempts({sends, 300ms}, start);
+        attempts.countSent();
+        QVERIFY(!attempts.isSendDue(start + 99ms) && attempts.isSendDue(start + 100ms));
+        QVERIFY(!attempts.isOver(start + 299ms) && attempts.isOver(start + 300ms));
+        attempts.extend(1s, start + 50ms);
+        QVERIFY(!attempts.isSendDue(start + 100ms) && attempts.nextEvent() == start + 1550ms);
+        attempts.extend(65s, start + 1s);
+        QVERIFY(attempts.nextEvent() == start + 10s);
+    }
+
+    void theReversePathFilterHidesCameras()
+    {
+        using enum gige::ReversePath;
+        const auto judge = [](int all, int own, const char* defaultAdapter) {
+            return gige::judgeReversePath(all, own, "eth0", defaultAdapter);
+        };
+        QVERIFY(judge(0, 0, "") == Open && judge(0, 1, "") == Strict && judge(1, 0, "") == Strict);
+        QVERIFY(judge(1, 1, "wlan0") == Strict && judge(1, 1, "eth0") == Open);
+        QVERIFY(judge(1, 2, "wlan0") == Open && judge(2, 1, "") == NoRoute);
+        const std::string network = "titles\neth0\t000AA8C0\t00000000\t0001\t0\t0\t0\t00FFFFFF\t0\n";
+        const std::string rejected = "*\t00000000\t00000000\t0201\t0\t0\t0\t00000000\t0\n";
+        const std::string half = "tun0\t00000000\t00000000\t0001\t0\t0\t0\t00000080\t0\n";
+        const std::string down = "eth2\t00000000\t0102A8C0\t0002\t0\t0\t0\t00000000\t0\n";
+        const std::string costly = "wlan0\t00000000\t0101A8C0\t0003\t0\t0\t600\t00000000\t0\n";
+        const std::string cheap = "eth1\t00000000\t0102A8C0\t0003\t0\t0\t100\t00000000\t0\n";
+        QCOMPARE(net::defaultRouteAdapter(network + rejected + half + down), std::string());
+        QCOMPARE(net::defaultRouteAdapter(network + costly + rejected + cheap + half), std::string("eth1"));
+    }
+};
+
+QTEST_GUILESS_MAIN(GigeTest)
+#include "tst_gige.moc"
