@@ -9,7 +9,7 @@ if(LANVIC_PRECOMPILE)
                               <QTreeWidget>)
 endif()
 
-foreach(name IN ITEMS window startup discovery tree editor saving connection closing accessibility hostiletexts)
+foreach(name IN ITEMS window startup discovery tree editor saving connection closing accessibility)
     lanvic_test(tst_${name} SOURCES tst_${name}.cpp $<TARGET_OBJECTS:only_in_lab> LIBS gui_support lanvic LAUNCHER
                 ${CMAKE_SOURCE_DIR}/scripts/lab)
     set_tests_properties(tst_${name} PROPERTIES LABELS gui SKIP_RETURN_CODE 77)
@@ -20,3 +20,6 @@ endforeach()
 
 # The window asks for the help file through a name of ours, so that it can be there or missing as the test wants.
 target_link_options(tst_window PRIVATE "LINKER:--wrap=_Z15GetHelpFilePathv")
+
+# The whole program, and its translation against the sources as they are.
+target_compile_definitions(tst_startup PRIVATE SOURCES="${CMAKE_SOURCE_DIR}" LUPDATE="$<TARGET_FILE:Qt6::lupdate>")

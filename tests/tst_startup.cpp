@@ -1,26 +1,77 @@
 #include "application.h"
-
+#include "qtbase/ipaddresswidget.h"
 #include "support/gui.h"
+#include "translation.h"
 
 #include <QApplication>
+#include <QMenuBar>
+#include <QProcess>
+#include <QPushButton>
+#include <QRegularExpression>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QTimer>
+#include <QXmlStreamReader>
 
-/// The whole program from start to end.
+namespace {
+
+/// What a translation must leave as it is: placeholders, markup, keys, whether there is a mnemonic.
+QStringList fixedParts(const QString& text)
+{
+    static const QRegularExpression pattern("%\\d+|%[a-z]+|<[^>]*>|(?:(?:Alt|Shift|Ctrl)\\+)+\\w|\\bF\\d+|"
+                                            "&(?=[\\w?])|\\.\\.\\.$|:$|\\n|\\d+\\.[\\d.]+\\d");
+    QStringList found;
+    for (auto match = pattern.globalMatch(text); match.hasNext();) {
+        found << match.next().captured();
+    }
+    found.sort();
+    return found;
+}
+
+int runProgram()
+{
+    QByteArray name("lanvic");
+    char* arguments[] = {name.data(), nullptr};
+    return runApplication(1, arguments);
+}
+
+} // namespace
+
+/// The whole program from start to end, and the language that it speaks.
 class StartupTest : public QObject
 {
     Q_OBJECT
 
-    static int runProgram()
+    /// What the user sees of a window with one camera.
+    static QStringList look(QWidget& window)
     {
-        QByteArray name("lanvic");
-        char* arguments[] = {name.data(), nullptr};
-        return runApplication(1, arguments);
+        const auto& tree = gui::child<QTreeWidget>(window, "treeWidget");
+        const auto bar = gui::child<QMenuBar>(window, "menuBar").actions();
+        QStringList letters{gui::letters(gui::child<QWidget>(window, "IpConfigurationWidgetClass"), bar),
+                            gui::letters(IpAddressWidget(&window))};
+        for (const QAction* const menu : bar) {
+            letters << gui::letters(*menu->menu(), menu->menu()->actions());
+        }
+        const QString entry = SOURCES "/packaging/" + QGuiApplication::desktopFileName() + ".desktop";
+        return {window.windowTitle(),
+                "width " + QString::number(window.width()),
+                window.windowIcon().pixmap(48).isNull() ? "no picture" : "picture",
+                QFile::exists(entry) ? "known to the desktop" : entry,
+                gui::child<QMenu>(window, "menuFile").title(),
+                gui::child<QPushButton>(window, "btnRefresh").text(),
+                tree.headerItem()->text(2),
+                tree.topLevelItem(0)->child(0)->text(5),
+                QCoreApplication::translate("QPlatformTheme", "Cancel"),
+                letters.join(' ').contains(QRegularExpression("(\\S)\\1")) ? letters.join(' ')
+                                                                           : "no letter twice"};
     }
 
+public:
+    // Qt asks for the session's language once, at the first look at it.
+    static void initMain() { qputenv("LC_ALL", "de_AT.UTF-8"); }
+
 private slots:
-    void theSdkOutlivesWindowAndApplication()
+    void aGermanSessionFromStartToEnd()
     {
         const gui::Adapter lan("lan0", {"192.168.1.5/24"}, "02:00:00:00:01:05");
         const QTemporaryDir settings;
@@ -29,7 +80,7 @@ private slots:
         stored.setValue("MainWindow/pos", QPoint(20, 30));
         stored.setValue("MainWindow/size", QSize(770, 610));
         stored.sync();
-        QSize size;
+        sdk::world().cameras = {sdk::camera()};
         QStringList seen;
         const auto note = [&](const QString& what) {
             const bool isShown = qApp != nullptr && QApplication::activeWindow() != nullptr;
@@ -41,22 +92,23 @@ private slots:
             note("discovered");
             QTimer::singleShot(0, qApp, [&] {
                 QVERIFY(QTest::qWaitFor([] { return QApplication::activeWindow() != nullptr; }));
-                note(QApplication::activeWindow()->windowTitle());
-                size = QApplication::activeWindow()->size();
+                note("seen");
+                seen << look(*QApplication::activeWindow());
                 QApplication::activeWindow()->close();
             });
         };
         script["ReleaseTl"] = [&] { note("released"); };
         script["TessalTerminate"] = [&] { note("terminated"); };
 
+        const TraceCapture trace;
         QCOMPARE(runProgram(), 0);
-        QCOMPARE(seen, (QStringList{"initialised alone", "discovered in the background",
-                                    "Tessal Lanvic v4.0 64-Bit before the user", "released in the background",
-                                    "terminated alone"}));
+        QVERIFY(trace.lines("qt.core.qmetaobject.connectslotsbyname").isEmpty());
+        QCOMPARE(seen,
+                 (QStringList{"initialised alone", "discovered in the background", "seen before the user",
+                              "Tessal Lanvic v4.0 64-Bit", "width 770", "picture", "known to the desktop",
+                              "&Datei", "Aktualisieren", "Seriennummer", "Statische IP", "Abbrechen",
+                              "no letter twice", "released in the background", "terminated alone"}));
         QVERIFY(sdk::world().take().contains("TessalTerminate(true)"));
-        QCOMPARE(size, QSize(770, 610));
-        stored.sync();
-        QVERIFY(stored.contains("MainWindow/header"));
     }
 
     void withoutTheSdkNothingStarts()
@@ -65,6 +117,44 @@ private slots:
         sdk::world().at["TessalInitialize"] = [] { throw std::runtime_error("no SDK"); };
         QVERIFY_THROWS_EXCEPTION(std::runtime_error, (void)runProgram());
         QCOMPARE(sdk::world().take(), QStringList{"TessalInitialize()"});
+    }
+
+    void theFirstLanguageThatItKnowsIsSpoken()
+    {
+        for (const auto& [wanted, spoken] : gui::Table<QStringList, QString>{
+                 {{"de-AT", "de", "en-US"}, "de"},
+                 {{"fr-FR", "fr", "de-DE"}, "de"},
+                 {{"en-GB", "en", "de-DE"}, "en"},
+                 {{"C", "de-DE"}, "en"},
+                 {{"fr-FR", "fr"}, "en"},
+             }) {
+            QCOMPARE(spokenLanguage(wanted), spoken);
+        }
+    }
+
+    void everyTextOfTheProgramIsTranslatedAndNoOther()
+    {
+        const QTemporaryDir directory;
+        QFile merged(directory.filePath("merged_de.ts"));
+        QVERIFY(QFile::copy(SOURCES "/Lanvic/translations/lanvic_de.ts", merged.fileName()));
+        const QStringList arguments{"-silent", SOURCES "/Lanvic", SOURCES "/platform", "-ts",
+                                    merged.fileName()};
+        QCOMPARE(QProcess::execute(LUPDATE, arguments), 0);
+        QVERIFY(merged.open(QFile::ReadOnly));
+        QXmlStreamReader xml(&merged);
+        QString source;
+        while (!xml.atEnd()) {
+            const bool begins = xml.readNext() == QXmlStreamReader::StartElement;
+            if (begins && xml.name() == QLatin1String("source")) {
+                source = xml.readElementText();
+            } else if (begins && xml.name() == QLatin1String("translation")) {
+                // Marked is what is missing, and what the program says no longer.
+                QVERIFY2(xml.attributes().isEmpty(), qPrintable(source));
+                const QString text = xml.readElementText();
+                QVERIFY2(!text.isEmpty() && fixedParts(text) == fixedParts(source), qPrintable(text));
+            }
+        }
+        QVERIFY(!xml.hasError());
     }
 };
 

@@ -2,16 +2,17 @@
 
 #include "qtbase/helpandsupport.h"
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QClipboard>
 #include <QDesktopServices>
-#include <QFileInfo>
 #include <QGuiApplication>
+#include <QHeaderView>
 #include <QLabel>
 #include <QMenuBar>
-#include <QPushButton>
 #include <QSettings>
 #include <QTemporaryDir>
+#include <QTextDocumentFragment>
 #include <QUrl>
 
 namespace {
@@ -27,7 +28,7 @@ QString wrappedHelpFilePath()
     return helpFile;
 }
 
-/// Title, menus, geometry and the commands around help and support.
+/// Menus and their commands, what is kept between runs, and texts that mean no good.
 class WindowTest : public gui::GuiTest
 {
     Q_OBJECT
@@ -37,112 +38,117 @@ class WindowTest : public gui::GuiTest
     {
         QStringList lines;
         for (const QAction* const menu : m_window->menuBar()->actions()) {
-            QStringList entries{menu->text()};
+            lines << menu->text();
             for (const QAction* const entry : menu->menu<QMenu*>()->actions()) {
-                entries << (entry->text() + ' ' + entry->shortcut().toString()).trimmed();
+                lines.last() += '|' + (entry->text() + ' ' + entry->shortcut().toString()).trimmed();
             }
-            lines << entries.join('|');
         }
         return lines;
     }
 
     void trigger(const char* action) { child<QAction>(action).trigger(); }
+    QHeaderView& header() { return *tree().header(); }
 
-    QTemporaryDir m_directory;
     QList<QUrl> m_urls;
 
     Q_SLOT void keepUrl(const QUrl& url) { m_urls << url; }
 
 private slots:
-    void initTestCase()
+    void init()
     {
-        GuiTest::initTestCase();
+        GuiTest::init();
+        m_urls.clear();
         helpFile = QCoreApplication::applicationFilePath();
         for (const char* const scheme : {"file", "https", "mailto"}) {
             QDesktopServices::setUrlHandler(scheme, this, "keepUrl"); // no browser, no mail program
         }
     }
 
-    void init()
-    {
-        GuiTest::init();
-        m_urls.clear();
-    }
-
     void menusOfferTheCommands()
     {
+        const QString others = "||Submit &Feedback...|&Contact Orvik Support...||&About Tessal Lanvic";
         openWindow();
         QCOMPARE(
             takeTrace("qt.core.qmetaobject.connectslotsbyname"), // every other slot found its signal
             QStringList{
                 "warning QMetaObject::connectSlotsByName: No matching signal for on_selectionInfo_linkActivated(QString)"});
-        QCOMPARE(
-            menus(),
-            (QStringList{
-                "&File|E&xit", "&View|&Refresh F5",
-                "&?|View &Help F1||Submit &Feedback...|&Contact Orvik Support...||&About Tessal Lanvic"}));
+        QCOMPARE(menus(), (QStringList{"&File|E&xit", "&View|&Refresh F5", "&?|View &Help F1" + others}));
+        QString said;
+        expect({[&](QWidget& about) {
+                    for (const QLabel* const label : about.findChildren<QLabel*>()) {
+                        said += label->text() + '\n';
+                    }
+                    gui::escape(about);
+                },
+                gui::escape});
+        trigger("actionAbout");
+        const QRegularExpression version("Version 4.0.0.62 64-Bit\n[^\n]+\n.* 20\\d\\d-20\\d\\d Orvik\n");
+        QVERIFY2(said.contains(version), qPrintable(said));
+        trigger("actionFeedback");
+        const QString page = "https://www.orvik.example/feedback";
+        QDesktopServices::unsetUrlHandler("https");
+        trigger("actionFeedback");
+        QCOMPARE(takeDialogs(),
+                 (QStringList{
+                     "About Tessal Lanvic",
+                     "Submit Feedback|No browser could be started.\n\nPlease open this address yourself:\n" +
+                         page + "|OK|"}));
         press(QKeySequence("F1"));
-        QCOMPARE(m_urls, QList<QUrl>{QUrl::fromLocalFile(helpFile)});
-        m_world.take(true);
-        refresh();
-        QCOMPARE(m_world.take(true), QStringList{"EnumerateDevicesAnySubnet(false)"});
-        press(QKeySequence("Alt+Shift+Ctrl+N"));
-        QCOMPARE(m_world.take(true), QStringList());
+        QCOMPARE(m_urls, (QList<QUrl>{QUrl(page), QUrl::fromLocalFile(helpFile)}));
+        helpFile = "/nowhere"; // gone since the start
+        press(QKeySequence("F1"));
         trigger("actionExit");
         QVERIFY(!m_window->isVisible());
-    }
-
-    void withoutAHelpFileThereIsNoHelp()
-    {
-        const QString before = std::exchange(helpFile, "/nowhere");
         openWindow();
         QVERIFY(takeDebug().contains("debug View Help removed"));
-        QVERIFY(menus().last().startsWith("&?||Submit &Feedback..."));
-        helpFile = before; // even if it came back, F1 has gone with its entry
-        press(QKeySequence("F1"));
-        QCOMPARE(m_urls, QList<QUrl>());
+        QCOMPARE(menus().last(), "&?" + others);
+        QCOMPARE(m_urls.size(), 2);
     }
 
     void geometryIsRestoredWhereItCanBeSeen()
     {
-        const QSize size(760, 600);
-        const MainWnd first;
-        const QRect usual(first.pos(), first.size());
-        const auto isRestored = [&](const QVariant& pos, const QVariant& stored) {
-            QSettings().clear();
-            for (const auto& [key, value] : {std::pair{"MainWindow/pos", pos}, {"MainWindow/size", stored}}) {
-                if (value.isValid()) {
-                    QSettings().setValue(key, value);
-                }
-            }
+        const auto restored = [](const QPoint& pos, const QSize& size, const char* missing = "none") {
+            QSettings settings;
+            settings.setValue("MainWindow/pos", pos);
+            settings.setValue("MainWindow/size", size);
+            settings.remove(missing);
             const MainWnd window;
-            const QRect place(window.pos(), window.size());
-            return place == QRect(pos.toPoint(), size) ? "yes" : place == usual ? "no" : "partly";
+            return QRect(window.pos(), window.size());
         };
+        const QSize size(760, 600);
+        const QRect usual = restored(QPoint(), QSize());
         // The platform's one screen goes from 0, 0 to 799, 799.
         for (const auto& [seen, hidden] :
              {std::pair{QPoint(-751, 30), QPoint(-752, 30)}, // by its last column
               {QPoint(807, 30), QPoint(808, 30)},
               {QPoint(20, 815), QPoint(20, 816)},
               {QPoint(20, -591), QPoint(20, -592)}}) {
-            QCOMPARE(isRestored(seen, size), "yes");
-            QCOMPARE(isRestored(hidden, size), "no");
+            QCOMPARE(restored(seen, size), QRect(seen, size));
+            QCOMPARE(restored(hidden, size), usual);
         }
-        QCOMPARE(isRestored(QPoint(20, 30), QSize(0, 600)), "no");
-        QCOMPARE(isRestored({}, size), "no");
-        QCOMPARE(isRestored(QPoint(20, 30), {}), "no");
+        QCOMPARE(restored(QPoint(20, 30), QSize(0, 600)), usual);
+        QCOMPARE(restored(QPoint(20, 30), size, "MainWindow/pos"), usual);
+        QCOMPARE(restored(QPoint(20, 30), size, "MainWindow/size"), usual);
     }
 
-    void geometryIsStoredAtClosing()
+    void theLayoutComesBack()
     {
-        openWindow();
-        m_window->setGeometry(40, 50, 770, 610);
-        const QRect place(m_window->pos(), m_window->size());
-        QCOMPARE(QSettings().allKeys(), QStringList());
-        m_window->close();
-        openWindow();
-        QCOMPARE(QRect(m_window->pos(), m_window->size()), place);
-
+        for (const int version : {1, 2}) { // of the header's layout
+            QSettings().clear();
+            openWindow();
+            const int width = header().sectionSize(1);
+            m_window->move(40, 50);
+            m_window->resize(770, 610);
+            header().resizeSection(1, width + 33);
+            header().moveSection(0, 2);
+            m_window->close();
+            QCOMPARE(QSettings().value("MainWindow/headerver"), 1);
+            QSettings().setValue("MainWindow/headerver", version);
+            openWindow();
+            QCOMPARE(QRect(m_window->pos(), m_window->size()), QRect(40, 50, 770, 610));
+            QCOMPARE(header().sectionSize(1), version == 1 ? width + 33 : width);
+            QCOMPARE(header().visualIndex(0), version == 1 ? 2 : 0);
+        }
         const QString directory = QFileInfo(QSettings().fileName()).path() + "/..";
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, "/proc/nowhere");
         m_window->close();
@@ -151,65 +157,73 @@ private slots:
         QCOMPARE(takeDebug().filter("could not be stored in /proc/nowhere").size(), 1);
     }
 
-    void aboutAndFeedback()
-    {
-        openWindow();
-        QString said;
-        expect({[&](QWidget& about) {
-            for (const QLabel* const label : about.findChildren<QLabel*>()) {
-                said += label->text() + '\n';
-            }
-            gui::escape(about);
-        }});
-        trigger("actionAbout");
-        QVERIFY2(said.contains("Version 4.0.0.62 64-Bit\n"), qPrintable(said));
-        QVERIFY2(said.contains(QRegularExpression("20\\d\\d-20\\d\\d")), qPrintable(said));
-        trigger("actionFeedback");
-        QVERIFY(m_urls.takeFirst().host().endsWith("orvik.example"));
-    }
-
     void supportIsOfferedByMailOrClipboard()
     {
-        QVERIFY(QFile::link("/bin/echo", m_directory.filePath("xdg-mime"))); // names some mail program
+        const char* const command = "actionContact_Orvik_Support";
+        const gui::Adapter usb("enx020000000107", {}, "02:00:00:00:01:07");
+        const QTemporaryDir directory;
+        QVERIFY(QFile::link("/bin/echo", directory.filePath("xdg-mime"))); // names some mail program
         const QByteArray path = qgetenv("PATH");
         openWindow();
-        qputenv("PATH", m_directory.path().toLocal8Bit());
-        trigger("actionContact_Orvik_Support");
-        QCOMPARE(m_urls.takeFirst().scheme(), "mailto");
-        QCOMPARE(takeDialogs(), QStringList());
+        qputenv("PATH", directory.path().toLocal8Bit());
+        trigger(command);
+        const QUrl mail = m_urls.takeFirst();
+        QCOMPARE(mail.scheme() + ':' + mail.path(), "mailto:support@orvik.example");
+        QVERIFY(mail.query(QUrl::FullyDecoded).contains("MTU"));
 
         qputenv("PATH", "/nonexistent");
         QClipboard& clipboard = *QGuiApplication::clipboard();
         clipboard.setText("before");
         QString details;
-        expect({[&](QWidget& box) {
+        const auto copy = [&](QWidget& box) {
             details = qobject_cast<QMessageBox*>(&box)->detailedText();
-            gui::escape(box);
-        }});
-        trigger("actionContact_Orvik_Support");
+            for (QAbstractButton* const button : box.findChildren<QAbstractButton*>()) {
+                if (button->text() == "Copy to Clipboard") {
+                    return button->click();
+                }
+            }
+        };
+        expect({gui::click(QMessageBox::Close), copy, gui::click(QMessageBox::Ok)});
+        trigger(command);
         QCOMPARE(clipboard.text(), "before");
-        QVERIFY(details.contains("@orvik.example") && details.contains("MTU"));
-        QCOMPARE(
-            takeDialogs(),
-            QStringList{
-                "Contact Orvik Support|In order to contact Orvik support, you can copy the information (e-mail address and Tessal information) to your clipboard.\n\n"
-                "The copied information is visible via \u201CShow Details\u201D.\n\n"
-                "Afterwards you can send this information to the indicated address (visible via \u201CShow Details\u201D).|Close,Copy to Clipboard,Show Details...|"});
-
-        expect({[](QWidget& box) {
-                    for (QAbstractButton* const button : qobject_cast<QMessageBox*>(&box)->buttons()) {
-                        if (button->text() == "Copy to Clipboard") {
-                            return button->click();
-                        }
-                    }
-                },
-                gui::click(QMessageBox::Ok)});
-        trigger("actionContact_Orvik_Support");
+        trigger(command);
         qputenv("PATH", path);
         QCOMPARE(clipboard.text(), details);
-        QCOMPARE(takeDialogs().last(),
-                 "Contact Orvik Support|E-Mail information copied to clipboard successfully.|OK|OK");
-        QCOMPARE(m_urls, QList<QUrl>());
+        QVERIFY(details.contains("support@orvik.example") && details.contains("MTU"));
+        QVERIFY(!details.contains("020000000107")); // an adapter's name can hold its hardware address
+        const QString title = "Contact Orvik Support|";
+        const QString offer =
+            title +
+            "In order to contact Orvik support, you can copy the information (e-mail address and Tessal information) to your clipboard.\n\n"
+            "The copied information is visible via \u201CShow Details\u201D.\n\n"
+            "Afterwards you can send this information to the indicated address (visible via \u201CShow Details\u201D).|Close,Copy to Clipboard,Show Details...|";
+        QCOMPARE(takeDialogs(),
+                 (QStringList{offer, offer,
+                              title + "E-Mail information copied to clipboard successfully.|OK|OK"}));
+    }
+
+    void aCamerasTextsAreShownLiterally()
+    {
+        for (const auto& [sent, shown] : gui::Table<const char*, QString>{
+                 {"<img src='x'><b>&amp;</b>", "<img src='x'><b>&amp;</b>"},
+                 {"a\x1b[31m\tb\n\x7f\xc2\x9bq\xe2\x80\xa8", "a�[31m�b���q�"}, // controls, and a line's end
+                 {"gate\xe2\x80\xaetag\xe2\x80\xac\xe2\x81\xa7is\xe2\x81\xa9\xe2\x80\x8f",
+                  "gate�tag��is��"}, // would turn around what follows
+                 {"%1 %s %n &Save \xd7\xa9\xd7\x9c\xff", "%1 %s %n &Save \u05E9\u05DC�"},
+             }) {
+            sdk::Camera made = sdk::camera();
+            for (const char* const key :
+                 {"VendorName", "ModelName", "UserDefinedName", "SerialNumber", "FriendlyName"}) {
+                made.record.SetPropertyValue(key, sent);
+            }
+            m_world.cameras = {made};
+            openWindow();
+            select("02:5E:41:00:00:01");
+            QCOMPARE(tree().currentItem()->text(1), shown);
+            QVERIFY(!rows()[1].contains(QRegularExpression("\\p{Cc}")));
+            const QString details = QTextDocumentFragment::fromHtml(text("labelSelectionInfo")).toPlainText();
+            QCOMPARE(details.count(shown.simplified()), 5);
+        }
     }
 };
 
