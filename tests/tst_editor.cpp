@@ -1,23 +1,22 @@
 #include "support/gui.h"
 
-#include "qtbase/ipaddresswidget.h"
-
-#include <QLineEdit>
-#include <QPushButton>
 #include <QRadioButton>
 
+using namespace gui;
 using sdk::camera;
 
 /// What the editor offers, proposes, corrects and accepts while one camera is edited.
-class EditorTest : public gui::GuiTest
+class EditorTest : public GuiTest
 {
     Q_OBJECT
 
     /// Edits one camera in that mode, in bits as the record gives it.
-    void edit(const char* mode = "5", const char* interface = "192.168.1.5")
+    void edit(const char* mode = "5", const char* interface = "192.168.1.5", int accessibility = 1)
     {
-        openOn({sdk::with(camera("km-1", "025E41000001", "192.168.1.9", interface),
-                          {{"IpConfigCurrent", mode}})});
+        sdk::Camera made =
+            sdk::with(camera("km-1", "025E41000001", "192.168.1.9", interface), {{"IpConfigCurrent", mode}});
+        made.accessibility = accessibility;
+        openOn({made});
     }
     bool isSaveDefault() { return child<QPushButton>("btnWriteConfiguration").isDefault(); }
     void key(const char* name, Qt::Key key) { QTest::keyClick(&child<QLineEdit>(name), key); }
@@ -26,24 +25,19 @@ class EditorTest : public gui::GuiTest
     {
         return text("editIpAddress") + ' ' + text("editNetmask") + ' ' + text("editDefaultGateway");
     }
-    QString sent() { return m_world.take().value(0); }
 
 private slots:
     void theEditorFollowsTheCamera()
     {
         for (const auto& [accessibility, mode, chosen, enabled] :
-             gui::Table<int, const char*, const char*, int>{
-                 {1, "7", "btnUsePersistentIp", 11}, // static before DHCP
-                 {1, "6", "btnUseDhcp", 5},          // all but the addresses
-                 {1, "4", "btnUseAutoIp", 5},
-                 {4, "5", "btnUsePersistentIp", 11},
-                 {0, "5", "btnUsePersistentIp", 0},
-                 {2, "6", "btnUseDhcp", 0},
-                 {3, "4", "btnUseAutoIp", 0},
-             }) {
-            sdk::Camera made = sdk::with(camera(), {{"IpConfigCurrent", mode}});
-            made.accessibility = accessibility;
-            openOn({made});
+             Table<int, const char*, const char*, int>{{1, "7", "btnUsePersistentIp", 11}, // before DHCP
+                                                       {1, "6", "btnUseDhcp", 5}, // all but the addresses
+                                                       {1, "4", "btnUseAutoIp", 5},
+                                                       {4, "5", "btnUsePersistentIp", 11},
+                                                       {0, "5", "btnUsePersistentIp", 0},
+                                                       {2, "6", "btnUseDhcp", 0},
+                                                       {3, "4", "btnUseAutoIp", 0}}) {
+            edit(mode, "192.168.1.5", accessibility);
             QString states;
             for (const char* const name :
                  {"btnUsePersistentIp", "btnUseDhcp", "btnUseAutoIp", "labelCustomName", "editCustomName",
@@ -56,9 +50,8 @@ private slots:
             QCOMPARE(addresses(),
                      QString(chosen).contains("Persistent") ? "192.168.1.9 255.255.255.0 0.0.0.0" : "  ");
             select("lan0");
-            QVERIFY(child<QRadioButton>("btnUseAutoIp").isChecked() &&
-                    !child<QRadioButton>("btnUseAutoIp").isEnabled());
-            QCOMPARE(addresses(), "  ");
+            const auto& autoIp = child<QRadioButton>("btnUseAutoIp");
+            QVERIFY(autoIp.isChecked() && !autoIp.isEnabled() && addresses() == "  ");
         }
     }
 
@@ -66,7 +59,11 @@ private slots:
     {
         edit();
         QVERIFY(!canSave() && !isSaveDefault());
-        for (const auto& [field, typed, isValid] : gui::Table<const char*, const char*, bool>{
+        for (const auto& [field, typed, isValid] : Table<QByteArray, QString, bool>{
+                 // a tab leaves the field
+                 {"editCustomName", "belt\t", true},
+                 {"editCustomName", "", true}, // the old name is no change, but the user may still be typing
+                 {"editCustomName", "\t", false},
                  {"editIpAddress", "192.168.1x", false}, // the letter is refused
                  {"editIpAddress", "192.168.1.20", true},
                  {"editDefaultGateway", "192.168.1.", false},
@@ -77,24 +74,27 @@ private slots:
                  {"editNetmask", "255.255.0.0", true},
                  {"editDefaultGateway", "192.168.255.255", false},
                  {"editDefaultGateway", "192.168.255.1", true},
-             }) {
-            if (QString(field).startsWith("btn")) {
+                 {"editNetmask", "255.0.255.0\t", false},
+                 {"editNetmask", "16\t", true}}) {
+            if (field.startsWith("btn")) {
                 clickOn(field);
+            } else if (typed.endsWith('\t')) {
+                enter(field, typed.chopped(1));
             } else {
                 type(field, typed);
             }
-            QCOMPARE(canSave() && isSaveDefault(), isValid);
-            QCOMPARE(canSave() || isSaveDefault(), isValid);
+            QCOMPARE(canSave(), isValid);
+            QCOMPARE(isSaveDefault(), isValid);
         }
-        expect({gui::click(QMessageBox::No)});
+        expect({escape});
         select("lan0");
         QVERIFY(!canSave() && !isSaveDefault());
     }
 
     void staticModeProposesTheNetwork()
     {
-        const gui::Adapter lan2("lan2", {"172.31.0.1/16"}, "02:00:00:00:00:02");
-        const gui::Adapter lan3("lan3", {"11.0.0.1/8"}, "02:00:00:00:00:03");
+        const Adapter lan2("lan2", {"172.31.0.1/16"}, "02:00:00:00:00:02");
+        const Adapter lan3("lan3", {"11.0.0.1/8"}, "02:00:00:00:00:03");
         for (const auto& [interface, proposal] :
              {std::pair{"192.168.1.5", "192.168.1. 255.255.255.0 "},
               {"172.31.0.1", "172.31. 255.255.0.0 "},
@@ -113,33 +113,26 @@ private slots:
         }
     }
 
-    void aTypedAddressBringsItsMask()
+    void aTypedAddressBringsTheMaskOfTheSmallestHostSubnet()
     {
-        edit("6", "9.9.9.9");
-        clickOn("btnUsePersistentIp");
-        for (const auto& [typed, expected] :
-             {std::pair{"10.0.", "10.0.  "},
-              {"10.0.0.77", "10.0.0.77 255.255.0.0 "},          // as on the adapter
-              {"192.168.1.77", "192.168.1.77 255.255.0.0 "}}) { // filled already
+        const Adapter lan2("lan2", {"10.0.48.1/20", "10.0.60.7/32"}, "02:00:00:00:00:02");
+        for (const auto& [typed, mask] :
+             {std::pair{"10.0.", " "},
+              {"10.0.63.9", " 255.255.240.0"},
+              {"10.0.60.7", " 255.255.240.0"}, // an adapter's own /32 is no subnet for a camera
+              {"10.0.64.9", " 255.255.0.0"},
+              {"10.1.0.9", " 255.0.0.0"}}) { // of no adapter
+            edit("6", "9.9.9.9");
+            clickOn("btnUsePersistentIp");
             enter("editIpAddress", typed);
-            QCOMPARE(addresses(), expected);
+            QCOMPARE(addresses(), QString(typed) + mask + ' ');
         }
+        enter("editIpAddress", "192.168.1.77");
+        QCOMPARE(addresses(), "192.168.1.77 255.0.0.0 "); // filled already
         QVERIFY(canSave());
         type("editNetmask", "");
         enter("editIpAddress", "192.168.1.78");
         QCOMPARE(addresses(), "192.168.1.78  "); // the user wants it empty
-    }
-
-    void theMaskIsThatOfTheSmallestHostSubnet()
-    {
-        const gui::Adapter lan2("lan2", {"10.0.48.1/20", "10.0.60.7/32"}, "02:00:00:00:00:02");
-        const auto maskOf = [](const char* address) {
-            return IpAddressWidget::subnetFromAddress(QHostAddress(QString(address))).toString();
-        };
-        QCOMPARE(maskOf("10.0.63.9"), "255.255.240.0");
-        QCOMPARE(maskOf("10.0.60.7"), "255.255.240.0"); // an adapter's own /32 is no subnet for a camera
-        QCOMPARE(maskOf("10.0.64.9"), "255.255.0.0");
-        QCOMPARE(maskOf("10.1.0.9"), "255.0.0.0"); // of no adapter
     }
 
     void anEmptyGatewayCountsAsAChange()
@@ -151,65 +144,31 @@ private slots:
         refresh();
         key("editIpAddress", Qt::Key_Return);
         QVERIFY(canSave() && !isSaveDefault());
-        save();
-        QCOMPARE(sent(),
-                 "BroadcastIpConfig(025E41000001, true, false, 192.168.1.9, 255.255.255.0, 0.0.0.0, )");
-    }
-
-    void theMaskIsNormalised()
-    {
-        edit();
-        for (const auto& [typed, kept] : {std::pair{"24", "255.255.255.0"}, {"255.0.255.0", "255.0.255.0"}}) {
-            enter("editNetmask", typed);
-            QCOMPARE(text("editNetmask"), kept);
-            QCOMPARE(canSave() && isSaveDefault(), typed == QString("24"));
-        }
-        type("editNetmask", "20");
-        key("editNetmask", Qt::Key_Return);
-        QVERIFY(sent().contains("192.168.1.9, 255.255.240.0"));
     }
 
     void theNameHasSixteenBytes()
     {
         edit();
-        for (const QString typed : {"0123456789abcdefg", "äääääääää", "0123456789abcdeäf", "<b>&amp;"}) {
+        for (const QString typed : {"0123456789abcdefg", "äääääääää", "0123456789abcdeäf"}) {
             QString kept; // a letter that does not fit is refused, a later one that does is taken
             for (const QChar letter : typed) {
                 kept += (kept + letter).toUtf8().size() <= 16 ? QString(letter) : QString();
             }
             type("editCustomName", typed);
             QCOMPARE(text("editCustomName"), kept);
-            save();
-            QVERIFY(sent().endsWith(", " + kept + ')'));
-            QCOMPARE(row("km-1").text(1), kept);
         }
     }
 
-    void enterSavesANewName()
+    void enterSaves()
     {
         edit();
         key("editCustomName", Qt::Key_Return);
-        QCOMPARE(sent(), QString()); // nothing to save yet
-        enter("editCustomName", "belt");
-        QVERIFY(canSave());
-        type("editCustomName", "");
-        QVERIFY(canSave()); // the old name is no change, but the user may still be typing
-        key("editCustomName", Qt::Key_Tab);
-        QVERIFY(!canSave());
+        QCOMPARE(m_world.take(), QStringList()); // nothing to save yet
         type("editCustomName", "belt");
-        key("editCustomName", Qt::Key_Return);
-        QVERIFY(sent().endsWith(", belt)"));
-    }
-
-    void whatIsTypedIsPutRight()
-    {
-        edit();
-        type("editIpAddress", "192.168.001.020");
-        type("editDefaultGateway", "");
-        type("editCustomName", "  left ");
-        save();
-        QCOMPARE(sent(),
-                 "BroadcastIpConfig(025E41000001, true, false, 192.168.1.20, 255.255.255.0, 0.0.0.0, left)");
+        type("editNetmask", "20");
+        key("editNetmask", Qt::Key_Return);
+        QCOMPARE(m_world.take().first(),
+                 "BroadcastIpConfig(025E41000001, true, false, 192.168.1.9, 255.255.240.0, 0.0.0.0, belt)");
     }
 };
 

@@ -1,15 +1,15 @@
+#include "Lanvic/DeviceLister.h"
 #include "support/gui.h"
 
-#include <QAction>
-#include <QDir>
-#include <QIcon>
 #include <QStyle>
 
+using namespace gui;
 using sdk::camera;
+using sdk::get;
 using sdk::with;
 
-/// The tree of adapters and cameras, what a selected row tells, and how a refresh brings it up to date.
-class TreeTest : public gui::GuiTest
+/// What a search finds, the tree of adapters and cameras that comes of it, and what a selected row tells.
+class TreeTest : public GuiTest
 {
     Q_OBJECT
 
@@ -17,8 +17,88 @@ class TreeTest : public gui::GuiTest
     QString hint() { return text("labelHint"); }
     static QImage image(const QIcon& icon) { return icon.pixmap(16, 16).toImage(); }
 
+    /// Every record of a search as "MAC interface adapter accessibility".
+    static QStringList search()
+    {
+        DeviceLister lister;
+        lister.discoverAllDevices();
+        QStringList lines;
+        for (const Tessal::COrvikGigEDeviceInfo& record : lister.m_devices) {
+            lines << get(record, {"MacAddress", "Interface", "IF_~_Name", "DEV_~_Accessible"});
+        }
+        return lines;
+    }
+
 private slots:
-    void camerasStandUnderTheirAdapters()
+    void recordsAreMergedNamedAndJudged()
+    {
+        const Adapter lan2("lan2", {"10.1.0.1/16", "10.2.0.1/16", "110.2.0.1/16"}, "02:00:00:00:00:02");
+        for (const auto& [heard, expected] : Table<QStringList, QStringList>{
+                 // "MAC interface", then what is not as usual: address, accessibility when asked
+                 {{"A1 10.1.0.1", "A1 10.2.0.1", "A1 110.2.0.1"}, {"A1 10.1.0.1;10.2.0.1;110.2.0.1 lan2 1"}},
+                 {{"A1 110.2.0.1", "A1 10.2.0.1"}, {"A1 110.2.0.1 lan2 1"}}, // told apart by their ends
+                 {{"A1 9.9.9.9", "A1 9.9.9.9"}, {"A1 9.9.9.9 - 1"}},
+                 {{"A1 10.0.0.1", "B2 10.0.0.1", "A1 172.16.3.4"},
+                  {"A1 10.0.0.1;172.16.3.4 lan1 1", "B2 10.0.0.1 lan1 1"}},
+                 {{"A1 192.168.1.5", "A1 10.0.0.1"}, {"A1 192.168.1.5 lan0 1", "A1 10.0.0.1 lan1 1"}},
+                 {{"A1 10.0.0.1", "a1 172.16.3.4"}, {"A1 10.0.0.1 lan1 1", "a1 172.16.3.4 lan1 1"}},
+                 {{"A1 9.9.9.9", "A1 8.8.8.8", "A1 127.0.0.1"}, // of no adapter, so nothing is merged
+                  {"A1 9.9.9.9 - 1", "A1 8.8.8.8 - 1", "A1 127.0.0.1 - 1"}},
+                 {{"A1 10.1"}, {"A1 10.1 - 1"}}, // shorthand is no address
+                 {{" 192.168.1.5"}, {}},
+                 {{"A1 192.168.1.5 10.9.9.9", "B2 192.168.1.5"},
+                  {"A1 192.168.1.5 lan0 4", "B2 192.168.1.5 lan0 1"}},
+                 {{"A1 192.168.1.5 10.9.9.9 2"}, {"A1 192.168.1.5 lan0 2"}},
+                 {{"A1 192.168.1.5 10.9.9.9 0"}, {"A1 192.168.1.5 lan0 0"}}}) {
+            m_world.cameras.clear();
+            for (const QString& line : heard) {
+                const QList<QByteArray> words = line.toLatin1().split(' ');
+                const QByteArray address = words.value(2, words[1]);
+                m_world.cameras.push_back(camera("km-1", words[0], address, words[1]));
+                m_world.cameras.back().accessibility = words.value(3, "1").toInt();
+            }
+            QCOMPARE(search(), expected);
+        }
+    }
+
+    void listersShareOneTransportLayer()
+    {
+        auto lister = std::make_unique<DeviceLister>();
+        QCOMPARE(m_world.take(true), QStringList());
+        lister->discoverAllDevices(); // nobody there: one enumeration only
+        m_world.cameras = {camera()};
+        QCOMPARE(search().size(), 1);
+        lister.reset();
+        QCOMPARE(m_world.take(true),
+                 (QStringList{"CreateTl(OrvikGigE)", "EnumerateDevicesAnySubnet(false)",
+                              "EnumerateDevicesAnySubnet(false)", "EnumerateDevices(false)",
+                              "QueryDeviceAccessibility(025E41000001, 1)", "ReleaseTl(true)"}));
+        QVERIFY(DeviceLister::s_pTl == nullptr);
+    }
+
+    void recordsArePatched()
+    {
+        m_world.cameras = {camera(), camera("km-1", "025E41000001", "192.168.1.9", "10.0.0.1"),
+                           camera("km-2", "025E41000002", "192.168.1.10")};
+        DeviceLister lister;
+        lister.discoverAllDevices();
+        m_world.take(true);
+        const auto values = [&](std::size_t index) {
+            return get(lister.m_devices.at(index),
+                       {"IpConfigCurrent", "Address", "SubnetMask", "DefaultGateway", "DEV_~_Accessible"});
+        };
+        const char* const mac = "025E41000001";
+        m_world.cameras[0].accessibility = m_world.cameras[1].accessibility = 3;
+        QCOMPARE(lister.updateDeviceInfo(mac, "6", nullptr, nullptr, nullptr, false), 2);
+        QCOMPARE(values(0), "6 192.168.1.9:3956 255.255.255.0 0.0.0.0 1");
+        QCOMPARE(lister.updateDeviceInfo(mac, nullptr, "10.0.0.7", "255.0.0.0", "10.0.0.254", true), 2);
+        QCOMPARE(values(0), "6 10.0.0.7:3956 255.0.0.0 10.0.0.254 3");
+        QCOMPARE(values(1), "6 10.0.0.7:3956 255.0.0.0 10.0.0.254 1"); // not asked again
+        QCOMPARE(values(2), "5 192.168.1.10:3956 255.255.255.0 0.0.0.0 1");
+        QCOMPARE(m_world.take(true), QStringList{"QueryDeviceAccessibility(025E41000001, 1)"});
+    }
+
+    void camerasStandUnderTheirAdaptersAndStaySelected()
     {
         m_world.cameras = {
             camera("vt-9", "025E41000003"),
@@ -28,16 +108,25 @@ private slots:
             camera("aa-1", "025E41000009", "192.168.1.12", "192.168.77.1"),
             with({}, {{"MacAddress", "025E41000008"}, {"Interface", "192.168.1.5"}})}; // no model
         openWindow();
-        QStringList found;
-        for (const QString& line : rows()) {
-            found << line.section('|', 0, 0) + ' ' + line.section('|', 3, 3).right(2);
-        }
-        QCOMPARE(found, (QStringList{"lan0 ", "   08", "  km-1 01", "  km-1 02", "  vt-9 03", "lan1 ",
+        QStringList found = rows();
+        found.replaceInStrings(QRegularExpression("\\|.*:(..)\\|.*"), " \\1");
+        QCOMPARE(found, (QStringList{"lan0", "   08", "  km-1 01", "  km-1 02", "  vt-9 03", "lan1",
                                      "  km-1 02", "aa-1 09"}));
         QVERIFY(row("lan1").isExpanded() && row("lan1").isFirstColumnSpanned() && tree().hasFocus());
         QCOMPARE(current(), "lan0");
         select("vt-9"); // the first in the lister's order
         QVERIFY2(info().contains("<b>vt-9</b>"), qPrintable(info()));
+
+        select(*row("lan1").child(0));
+        refresh();
+        QCOMPARE(tree().currentItem(), row("lan1").child(0)); // not the same camera under lan0
+        select("lan1");
+        clickOn("btnRefresh");
+        QCOMPARE(current(), "lan1");
+        select("vt-9");
+        m_world.cameras.erase(m_world.cameras.begin());
+        refresh();
+        QCOMPARE(current(), "lan0");
     }
 
     void rowsShowWhatTheRecordSays()
@@ -54,17 +143,10 @@ private slots:
         QCOMPARE(
             headers.join('|'),
             "Name|Device User ID|Serial Number|MAC Address|Status|IP Configuration|IP Address|Subnet Mask");
-        QStringList lines{"Vendor:Orvik",
-                          "Model Name:km-1",
-                          "Device User ID:Förderband",
-                          "Serial Number:000001",
-                          "MAC Address:02#5E#41#00#00#01",
-                          "IP Configuration:DHCP",
-                          "IP Address:192.168.1.9",
-                          "Subnet Mask:255.255.255.0",
-                          "Gateway:192.168.1.1"};
-        const QString table =
-            lines.join("</td></tr><tr><td width='8'></td><td>").replace(":", ":</td><td>").replace('#', ':');
+        QString table = "Vendor|Orvik,Model Name|km-1,Device User ID|Förderband,Serial Number|000001,"
+                        "MAC Address|02:5E:41:00:00:01,IP Configuration|DHCP,IP Address|192.168.1.9,"
+                        "Subnet Mask|255.255.255.0,Gateway|192.168.1.1";
+        table.replace(",", "</td></tr><tr><td width='8'></td><td>").replace("|", ":</td><td>");
         QCOMPARE(
             info(),
             "<p><b>Förderband (000001)</b></p><p><table align='left' border='0' cellpadding='1' cellspacing='1'><tr><td width='8'></td><td>" +
@@ -80,9 +162,6 @@ private slots:
                      image(QIcon(":/Lanvic/Resources/Generic_Camera_16x16px.png")));
         }
         QCOMPARE(image(row("lan0").icon(0)), image(QIcon(":/Lanvic/Resources/network_adapter.png")));
-        QCOMPARE(
-            QDir(":/Lanvic/Resources").entryList().join(' '),
-            "Dorun-Icon_16x16.png error.png Generic_Camera_16x16px.png Icon.png information.png Kimra-Icon_16x16.png Mivex-Icon_16x16.png network_adapter.png Sarpo_GigE-Icon_16x16.png Tulka_Icon_16x16.png Velto-Icon_16x16.png Velto_light_Icon_16x16.png");
         int code = -1;
         for (const QString word :
              {"Unknown", "Unknown", "OK", "In use", "In use", "Not Reachable", "Unknown"}) {
@@ -96,22 +175,6 @@ private slots:
         }
     }
 
-    void selectionSurvivesARefresh()
-    {
-        openOn({camera(), camera("km-2", "025E41000002", "192.168.1.10"),
-                camera("km-2", "025E41000002", "10.0.0.10", "10.0.0.1")});
-        select(*row("lan1").child(0));
-        refresh();
-        QCOMPARE(tree().currentItem()->text(6), "10.0.0.10"); // the one under the same adapter
-        select("lan1");
-        clickOn("btnRefresh");
-        QCOMPARE(current(), "lan1");
-        select("km-1");
-        m_world.cameras.erase(m_world.cameras.begin());
-        refresh();
-        QCOMPARE(current(), "lan0");
-    }
-
     void anAdapterTellsItsAddresses()
     {
         openWindow();
@@ -120,6 +183,7 @@ private slots:
             this, [&] { before = info(); }, Qt::QueuedConnection);
         child<QAction>("actionRefresh").trigger();
         QCOMPARE(before, "Searching for devices...");
+        QVERIFY(row("lan1").isExpanded());
         QCOMPARE(hint(),
                  "<p>No devices found!</p>Click <b>Refresh</b> or press <b>F5</b> to search for devices.");
         m_world.cameras = {camera()};
@@ -136,7 +200,7 @@ private slots:
 
     void hintsSayWhatIsTheMatter()
     {
-        const gui::Adapter linkLocal("lan2", {"169.254.7.9/16"}, "02:00:00:00:07:09");
+        const Adapter linkLocal("lan2", {"169.254.7.9/16"}, "02:00:00:00:07:09");
         const char* const lan0 = "192.168.1.5";
         const char* const near = "192.168.1.9";
         const char* const classC = "255.255.255.0";
@@ -148,9 +212,10 @@ private slots:
             "The device is currently in use by another application!</p><p>Please close any applications currently using the device and click <b>Refresh</b> to check the status again.";
         const QString gone =
             "The device is unreachable!</p><p>Currently you will not be able to use the device.</p>Please make sure the IP address is in the same subnet as the adapter the device is connected to.";
+        QVERIFY(!QImage(":/Lanvic/Resources/error.png").isNull());
         const QString possible = gone + "<p>Possible addresses are:<br>%1<br></p>";
         for (const auto& [code, interface, address, mask, says] :
-             gui::Table<int, const char*, const char*, const char*, QString>{
+             Table<int, const char*, const char*, const char*, QString>{
                  {1, lan0, near, classC, ""},
                  {1, lan0, near, "none", ""},
                  {1, lan0, "192.168.1.x", classC, ""},
@@ -177,60 +242,36 @@ private slots:
     void aHostWithoutAdaptersIsToldSo()
     {
         disconnectAdapters();
-        const gui::Adapter withoutAddress("lan2", {}, "02:00:00:00:00:02");
+        const Adapter withoutAddress("lan2", {}, "02:00:00:00:00:02");
         openWindow();
-        const QString said = info() + hint();
-        const QStringList asked = m_world.take(true);
-        connectAdapters();
+        QCOMPARE(m_world.take(true) + rows(), QStringList());
         QCOMPARE(
-            said,
+            info() + hint(),
             "<p>No active network networkAdapter found!</p><p>Please make sure your network adapters are enabled and working correctly.</p>Click <b>Refresh</b> or press <b>F5</b> to refresh the list of adapters.");
-        QCOMPARE(asked + rows(), QStringList());
         QVERIFY(child<QWidget>("btnRefresh").hasFocus());
+        connectAdapters();
         refresh();
         QCOMPARE(rows(), (QStringList{"lan0", "lan1"}));
     }
 
     void aFailedSearchIsShown()
     {
+        m_world.makesTransportLayer = false;
+        expect({escape, escape, escape});
         openWindow();
+        m_world.makesTransportLayer = true;
         m_world.at["EnumerateDevicesAnySubnet"] = [] {
-            QCOMPARE(gui::cursorDepth(), 1);
+            QCOMPARE(cursorDepth(), 1);
             throw GenICam::RuntimeException("cable <cut>", "socket", 7);
         };
-        expect({gui::escape, gui::escape});
         refresh();
         failAt("EnumerateDevicesAnySubnet", 1, false);
         refresh();
-        QCOMPARE(takeDialogs(), (QStringList{gui::report("Failed to enumerate devices\n\ncable <cut>"),
-                                             gui::report("Failed to enumerate devices")}));
+        const QString failed = "Failed to enumerate devices";
+        QCOMPARE(takeDialogs(),
+                 (QStringList{report(failed + "\n\nFailed to create transport layer object", "refresh"),
+                              report(failed + "\n\ncable <cut>", "refresh"), report(failed, "refresh")}));
         QCOMPARE(rows(), QStringList());
-    }
-
-    void aHeldCameraIsGivenBackByARefresh()
-    {
-        openOn();
-        cam().knowsBroadcast = cam().hasNodeMap = false; // a save fails with the camera open
-        for (const bool fails : {false, true}) {
-            type("editCustomName", "left");
-            save({gui::click(QMessageBox::Close)});
-            m_world.take();
-            takeDebug();
-            if (fails) {
-                m_world.at["DestroyDevice"] = [] {
-                    throw GenICam::RuntimeException("stuck", "device.cpp", 7);
-                };
-            }
-            expect({gui::click(QMessageBox::No)});
-            refresh();
-            QCOMPARE(m_world.take(), QStringList{"DestroyDevice()"});
-            QCOMPARE(rows().size(), 3);
-        }
-        QCOMPARE(takeDebug().filter(QRegularExpression("^warning (Failed|doRefresh)")),
-                 (QStringList{"warning Failed to destroy device",
-                              "warning doRefresh :  Exception occurred:\n stuck \n device.cpp : 7 \n"}));
-        refresh();
-        QCOMPARE(m_world.take(), QStringList()); // never a second time
     }
 };
 

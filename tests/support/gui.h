@@ -3,6 +3,7 @@
 #include "support/scriptedsdk.h"
 #include "support/window.h"
 
+#include <stdexcept>
 #include <vector>
 
 namespace gui {
@@ -15,20 +16,48 @@ class GuiTest : public WindowTest
 
 protected slots:
     void initTestCase() { connectAdapters(); }
-    void init();
+    void init()
+    {
+        m_world = {};
+        WindowTest::init();
+    }
 
 private:
     std::vector<Adapter> m_adapters;
 
 protected:
-    void connectAdapters();
+    void connectAdapters()
+    {
+        m_adapters.emplace_back("lan0", QStringList{"192.168.1.5/24"}, "02:00:00:00:01:05");
+        m_adapters.emplace_back("lan1", QStringList{"fe80::5/64 nodad", "172.16.3.4/20", "10.0.0.1/16"},
+                                "02:00:00:00:00:01");
+    }
     void disconnectAdapters() { m_adapters.clear(); }
     /// The world's one or first camera, which most tests are about.
     sdk::Camera& cam() { return m_world.cameras.front(); }
     /// Opens the window on these cameras and selects the first, the "km-1" with MAC 025E41000001.
-    void openOn(const std::vector<sdk::Camera>& cameras = {sdk::camera()});
+    void openOn(const std::vector<sdk::Camera>& cameras = {sdk::camera()})
+    {
+        m_window.reset();
+        m_world = {};
+        m_world.cameras = cameras;
+        openWindow();
+        select("km-1");
+        m_world.take();
+        takeTrace();
+    }
     /// Makes the nth call of that name fail, by a std::runtime_error or by something unheard of.
-    void failAt(const char* call, int nth = 1, bool isStandard = true);
+    void failAt(const char* call, int nth = 1, bool isStandard = true)
+    {
+        m_world.at[call] = [=, calls = 0]() mutable {
+            if (++calls == nth && isStandard) {
+                throw std::runtime_error("cable");
+            }
+            if (calls == nth) {
+                throw 7;
+            }
+        };
+    }
 
     sdk::World& m_world = sdk::world();
 };

@@ -1,5 +1,7 @@
 #include "support/scriptedsdk.h"
 
+#include <QRegularExpression>
+
 #include <algorithm>
 #include <memory>
 
@@ -7,7 +9,9 @@ namespace sdk {
 
 namespace {
 
-QString text(const GenICam::gcstring& value)
+using Text = const GenICam::gcstring&;
+
+QString text(Text value)
 {
     return QString::fromUtf8(value.c_str());
 }
@@ -19,13 +23,8 @@ QString text(bool value)
 
 QString text(const Tessal::AccessModeSet& modes)
 {
-    QStringList numbers;
-    for (const int mode : {1, 2, 3, 4, 5}) {
-        if (modes.contains(Tessal::EDeviceAccessMode{mode})) {
-            numbers << QString::number(mode);
-        }
-    }
-    return numbers.join('+');
+    using enum Tessal::EDeviceAccessMode;
+    return modes == (Stream | Control | Event) ? "1+3+4" : modes == Control ? "1" : "others";
 }
 
 /// Writes a call down and lets the world's script act.
@@ -44,8 +43,7 @@ bool isReachable(const Camera& camera)
     return !camera.silent && networkOf("Interface") == networkOf("IpAddress");
 }
 
-void move(Camera& camera, const GenICam::gcstring& ip, const GenICam::gcstring& mask,
-          const GenICam::gcstring& gateway)
+void move(Camera& camera, Text ip, Text mask, Text gateway)
 {
     camera.record.SetIpAddress(ip);
     camera.record.SetSubnetMask(mask);
@@ -55,7 +53,7 @@ void move(Camera& camera, const GenICam::gcstring& ip, const GenICam::gcstring& 
 
 /// Runs `action` on every appearance of that camera.
 template <typename Action>
-void forMac(const GenICam::gcstring& mac, Action action)
+void forMac(Text mac, Action action)
 {
     for (Camera& camera : world().cameras) {
         if (camera.record.GetMacAddress() == mac && !camera.silent) {
@@ -64,45 +62,14 @@ void forMac(const GenICam::gcstring& mac, Action action)
     }
 }
 
-class UserIdNode final : public GenApi::INode, public GenApi::IString
+/// A device that is its own node map, and the one node of that.
+class Device final : public Tessal::ITessalGigEDevice,
+                     public GenApi::INodeMap,
+                     public GenApi::INode,
+                     public GenApi::IString
 {
 public:
-    explicit UserIdNode(GenICam::gcstring mac) : m_mac(std::move(mac)) {}
-
-    [[nodiscard]] GenICam::gcstring GetName() const override { return "DeviceUserID"; }
-    void SetValue(const GenICam::gcstring& value, bool verify) override
-    {
-        call("SetValue", value, verify);
-        forMac(m_mac, [&](Camera& camera) { camera.record.SetPropertyValue("UserDefinedName", value); });
-    }
-    GenICam::gcstring GetValue(bool) override { return {}; }
-    std::int64_t GetMaxLength() override { return 16; }
-
-private:
-    GenICam::gcstring m_mac;
-};
-
-class NodeMap final : public GenApi::INodeMap
-{
-public:
-    explicit NodeMap(std::unique_ptr<UserIdNode> userId) : m_userId(std::move(userId)) {}
-
-    [[nodiscard]] GenApi::INode* GetNode(const GenICam::gcstring& name) const override
-    {
-        call("GetNode", name);
-        return m_userId.get();
-    }
-
-private:
-    std::unique_ptr<UserIdNode> m_userId;
-};
-
-/// Base is ITessalGigEDevice, or ITessalDevice for a camera that is not GigE.
-template <typename Base>
-class DeviceOf : public Base
-{
-public:
-    explicit DeviceOf(Tessal::COrvikGigEDeviceInfo info) : m_record(std::move(info)) {}
+    explicit Device(Tessal::COrvikGigEDeviceInfo info) : m_record(std::move(info)) {}
 
     void Open(const Tessal::AccessModeSet& modes) override
     {
@@ -113,12 +80,9 @@ public:
         if (found == world().cameras.end()) {
             throw GenICam::TimeoutException("nobody answers", "camera", 1, "TimeoutException");
         }
-        if (found->accessibility != Tessal::Accessibility::Ok) {
-            throw GenICam::AccessException("controlled elsewhere", "camera", 1, "AccessException");
-        }
         m_record = found->record;
-        auto userId = found->hasUserId ? std::make_unique<UserIdNode>(m_record.GetMacAddress()) : nullptr;
-        m_nodes = found->hasNodeMap ? std::make_unique<NodeMap>(std::move(userId)) : nullptr;
+        m_userId = found->hasUserId ? this : nullptr;
+        m_nodes = found->hasNodeMap ? this : nullptr;
         m_open = true;
     }
     void Close() override
@@ -126,31 +90,38 @@ public:
         call("Close");
         m_open = false;
     }
+    void SetIpConfigMode(bool persistent, bool dhcp) override { call("SetIpConfigMode", persistent, dhcp); }
+    void SetPersistentIp(Text ip, Text mask, Text gateway) override
+    {
+        call("SetPersistentIp", ip, mask, gateway);
+    }
     [[nodiscard]] bool IsOpen() const override { return m_open; }
     [[nodiscard]] const Tessal::CDeviceInfo& GetDeviceInfo() const override { return m_record; }
     GenApi::INodeMap* GetNodeMap() override
     {
         call("GetNodeMap");
-        return m_nodes.get();
+        return m_nodes;
     }
+    [[nodiscard]] GenApi::INode* GetNode(Text name) const override
+    {
+        call("GetNode", name);
+        return m_userId;
+    }
+    [[nodiscard]] GenICam::gcstring GetName() const override { return "DeviceUserID"; }
+    void SetValue(Text value, bool verify) override
+    {
+        call("SetValue", value, verify);
+        forMac(m_record.GetMacAddress(),
+               [&](Camera& camera) { camera.record.SetPropertyValue("UserDefinedName", value); });
+    }
+    GenICam::gcstring GetValue(bool) override { return {}; }
+    std::int64_t GetMaxLength() override { return 16; }
 
 private:
     Tessal::COrvikGigEDeviceInfo m_record;
     bool m_open = false;
-    std::unique_ptr<NodeMap> m_nodes;
-};
-
-class GigEDevice final : public DeviceOf<Tessal::ITessalGigEDevice>
-{
-public:
-    using DeviceOf::DeviceOf;
-
-    void SetIpConfigMode(bool persistent, bool dhcp) override { call("SetIpConfigMode", persistent, dhcp); }
-    void SetPersistentIp(const GenICam::gcstring& ip, const GenICam::gcstring& mask,
-                         const GenICam::gcstring& gateway) override
-    {
-        call("SetPersistentIp", ip, mask, gateway);
-    }
+    GenApi::INodeMap* m_nodes = nullptr;
+    GenApi::INode* m_userId = nullptr;
 };
 
 class TransportLayer final : public Tessal::IGigETransportLayer
@@ -159,12 +130,12 @@ public:
     int EnumerateDevicesAnySubnet(Tessal::DeviceInfoList& list, bool append) override
     {
         call("EnumerateDevicesAnySubnet", append);
-        return enumerate(list, [](const Camera& camera) { return !camera.silent; });
+        return enumerate(list, false);
     }
     int EnumerateDevices(Tessal::DeviceInfoList& list, bool append) override
     {
         call("EnumerateDevices", append);
-        return enumerate(list, isReachable);
+        return enumerate(list, true);
     }
     bool QueryDeviceAccessibility(const Tessal::CDeviceInfo& info, const Tessal::AccessModeSet& modes,
                                   int* accessibility) override
@@ -183,15 +154,7 @@ public:
     {
         const Tessal::COrvikGigEDeviceInfo record(info);
         call("CreateDevice", record.GetIpAddress());
-        if (!world().makesDevices) {
-            return nullptr;
-        }
-        if (world().cameras.front().isGigE) {
-            m_devices.push_back(std::make_unique<GigEDevice>(record));
-        } else {
-            m_devices.push_back(std::make_unique<DeviceOf<Tessal::ITessalDevice>>(record));
-        }
-        return m_devices.back().get();
+        return world().isGigE ? m_devices.emplace_back(std::make_unique<Device>(record)).get() : nullptr;
     }
     void DestroyDevice(Tessal::ITessalDevice* device) override
     {
@@ -200,45 +163,42 @@ public:
             throw GenICam::LogicalErrorException("destroyed before", "camera", 1);
         }
     }
-    void ForceIp(const GenICam::gcstring& mac, const GenICam::gcstring& ip, const GenICam::gcstring& mask,
-                 const GenICam::gcstring& gateway) override
+    void ForceIp(Text mac, Text ip, Text mask, Text gateway) override
     {
         call("ForceIp", mac, ip, mask, gateway);
         forMac(mac, [&](Camera& camera) { move(camera, ip, mask, gateway); });
     }
-    void RestartIpConfig(const GenICam::gcstring& mac) override
+    void RestartIpConfig(Text mac) override
     {
         call("RestartIpConfig", mac);
         forMac(mac, [](Camera& camera) { camera.silent = !camera.comesBack; });
     }
-    bool BroadcastIpConfig(const GenICam::gcstring& mac, bool persistent, bool dhcp,
-                           const GenICam::gcstring& ip, const GenICam::gcstring& mask,
-                           const GenICam::gcstring& gateway, const GenICam::gcstring& name) override
+    bool BroadcastIpConfig(Text mac, bool persistent, bool dhcp, Text ip, Text mask, Text gateway,
+                           Text name) override
     {
         call("BroadcastIpConfig", mac, persistent, dhcp, ip, mask, gateway, name);
         bool taken = false;
         forMac(mac, [&](Camera& camera) {
-            if (camera.knowsBroadcast) {
+            taken = camera.knowsBroadcast;
+            if (taken) {
                 camera.record.SetPropertyValue("UserDefinedName", name);
-                taken = true;
             }
         });
         return taken;
     }
 
 private:
-    template <typename Condition>
-    static int enumerate(Tessal::DeviceInfoList& list, Condition condition)
+    static int enumerate(Tessal::DeviceInfoList& list, bool onlyReachable)
     {
         for (const Camera& camera : world().cameras) {
-            if (condition(camera)) {
+            if (onlyReachable ? isReachable(camera) : !camera.silent) {
                 list.push_back(camera.record);
             }
         }
         return static_cast<int>(list.size());
     }
 
-    std::vector<std::unique_ptr<Tessal::ITessalDevice>> m_devices;
+    std::vector<std::unique_ptr<Device>> m_devices;
 };
 
 std::unique_ptr<TransportLayer> transportLayer;
@@ -253,11 +213,8 @@ World& world()
 
 QStringList World::take(bool all)
 {
-    QStringList calls = std::exchange(journal, {});
-    if (!all) {
-        calls.removeIf([](const auto& line) { return line.startsWith("Enum") || line.startsWith("Query"); });
-    }
-    return calls;
+    const QStringList calls = std::exchange(journal, {});
+    return all ? calls : calls.filter(QRegularExpression("^(?!Enum|Query)"));
 }
 
 QString get(const Tessal::IProperties& record, std::initializer_list<const char*> keys)

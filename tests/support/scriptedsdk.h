@@ -23,7 +23,6 @@ struct Camera
     int accessibility = Tessal::Accessibility::Ok; // what a query reports
     bool knowsBroadcast = true;                    // the manufacturer's broadcast command
     bool comesBack = true;                         // is heard again after a restart or a forced address
-    bool isGigE = true;
     bool hasNodeMap = true;
     bool hasUserId = true; // among the nodes
 
@@ -46,7 +45,7 @@ struct World
     /// throw. "sleep" is the program's own sleep.
     std::map<std::string, std::function<void()>> at;
     bool makesTransportLayer = true;
-    bool makesDevices = true;
+    bool isGigE = true;  // has devices for its cameras
     QStringList journal; // every call with its arguments, in order
 
     /// The journal since the last call, without what discovery asks unless `all`.

@@ -21,7 +21,8 @@ void keep(QtMsgType level, const QMessageLogContext& context, const QString& tex
 
 TraceCapture::TraceCapture()
 {
-    clear();
+    const std::scoped_lock lock(s_mutex);
+    s_lines.clear();
     s_previous = qInstallMessageHandler(keep);
 }
 
@@ -36,10 +37,4 @@ QList<TraceCapture::Line> TraceCapture::lines(const QString& category) const
     QList<Line> selected = s_lines;
     selected.removeIf([&](const Line& line) { return !category.isEmpty() && line.category != category; });
     return selected;
-}
-
-void TraceCapture::clear()
-{
-    const std::scoped_lock lock(s_mutex);
-    s_lines.clear();
 }

@@ -23,5 +23,4 @@ public:
 
     /// The lines in order, of one category where that is given.
     [[nodiscard]] QList<Line> lines(const QString& category = {}) const;
-    void clear();
 };

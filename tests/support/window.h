@@ -4,7 +4,12 @@
 #include "support/trace.h"
 #include "wire/tapdevice.h"
 
+#include <QAction>
+#include <QLabel>
+#include <QLineEdit>
 #include <QMessageBox>
+#include <QPushButton>
+#include <QSettings>
 #include <QTest>
 #include <QTreeWidget>
 
@@ -47,17 +52,21 @@ T& child(QWidget& parent, const char* name)
 
 /// What a user does with a dialog or menu that came up.
 using Answer = std::function<void(QWidget&)>;
-void escape(QWidget& shown);
+inline void escape(QWidget& shown)
+{
+    QTest::keyClick(&shown, Qt::Key_Escape);
+}
 [[nodiscard]] Answer click(QMessageBox::StandardButton button);
 /// Types into fields, by object name, and confirms with Enter.
 [[nodiscard]] Answer fill(const QList<std::pair<const char*, QString>>& fields);
 
-/// Dialogs as takeDialogs() gives them; report() is that of showException() and its kin.
+/// Dialogs as takeDialogs() gives them; report() is that of showException() and its kin, which names the
+/// operation among the details.
 inline const QString notSaved = "|The configuration could not be saved.|Close|Close";
 inline const QString forceIpDialog = "Assign Temporary IP Address (Force IP)";
-[[nodiscard]] inline QString report(const QString& text)
+[[nodiscard]] inline QString report(const QString& text, const QString& operation = "broadcastConfiguration")
 {
-    return "Tessal Lanvic|" + text + "|OK,Show Details...|";
+    return "Tessal Lanvic|" + text + "|OK,Show Details...||Operation: " + operation;
 }
 
 /// Base of the tests of the real window: one at a time, with private settings. A dialog or menu that nobody
@@ -67,7 +76,12 @@ class WindowTest : public QObject
     Q_OBJECT
 
 protected:
-    void openWindow();
+    void openWindow()
+    {
+        m_window = std::make_unique<MainWnd>();
+        m_window->show();
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    }
 
     template <typename T>
     T& child(const char* name)
@@ -80,9 +94,14 @@ protected:
     /// The row with that text in its first column, or in its MAC column.
     QTreeWidgetItem& row(const QString& text);
     QString current() { return tree().currentItem()->text(0); }
-    void select(QTreeWidgetItem& item);
+    QPoint placeOf(QTreeWidgetItem& item) { return tree().visualItemRect(&item).center(); }
+    void select(QTreeWidgetItem& item)
+    {
+        tree().scrollToItem(&item);
+        QTest::mouseClick(tree().viewport(), Qt::LeftButton, {}, placeOf(item));
+    }
     void select(const QString& text) { select(row(text)); }
-    void openMenuOf(const QString& row);
+    void openMenuOf(const QString& text) { emit tree().customContextMenuRequested(placeOf(row(text))); }
     QString text(const char* name) { return child<QWidget>(name).property("text").toString(); }
     bool canSave() { return child<QWidget>("btnWriteConfiguration").isEnabled(); }
 
@@ -90,12 +109,26 @@ protected:
     /// Replaces the text of a field by keys, as a user would.
     void type(const char* name, const QString& text);
     /// Types and leaves the field by Tab.
-    void enter(const char* name, const QString& text);
-    void press(const QKeySequence& keys);
+    void enter(const char* name, const QString& text)
+    {
+        type(name, text);
+        QTest::keyClick(&child<QLineEdit>(name), Qt::Key_Tab);
+    }
+    void press(const QKeySequence& keys)
+    {
+        m_window->activateWindow(); // a dialog may have been the active one
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+        QTest::keySequence(m_window.get(), keys);
+    }
     void refresh() { press(QKeySequence("F5")); }
     /// Saves by Ctrl+S, answering the dialogs that come, and gives these. The button shows for a moment that
     /// it was pressed before it acts.
     QStringList save(const QList<Answer>& answers = {});
+    /// Saves, expecting these dialogs, each of which is dismissed.
+    void saveFails(const QStringList& dialogs)
+    {
+        QCOMPARE(save(QList<Answer>(dialogs.size(), escape)), dialogs);
+    }
 
     /// Answers the next dialogs and menus, in this order.
     void expect(const QList<Answer>& answers) { m_answers << answers; }
@@ -108,7 +141,12 @@ protected:
 
     std::unique_ptr<MainWnd> m_window;
 
-    Q_SLOT void init();
+    Q_SLOT void init()
+    {
+        qApp->installEventFilter(this);
+        m_messages.emplace();
+        QSettings().clear();
+    }
     Q_SLOT void cleanup();
 
 private:
