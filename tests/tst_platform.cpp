@@ -94,13 +94,11 @@ private slots:
         QCOMPARE(formatIPConfiguration("7", 0), "Static IP, DHCP, Auto IP (LLA)");
 
         Tessal::COrvikGigEDeviceInfo record;
+        const Tessal::COrvikGigEDeviceInfo empty(record);
         record.SetPropertyValue(Tessal::Key::UserDefinedName, "K\xC3\xBC\x63he");
-        Tessal::COrvikGigEDeviceInfo copy(record);
-        QVERIFY(copy == record && copy.IsSubset(record));
-        copy.SetIpAddress("192.168.1.2");
-        QVERIFY(!(copy == record) && copy.IsSubset(record) && !record.IsSubset(copy));
-        QCOMPARE(GetUtf8Property(&record, "UserDefinedName"), QString::fromUtf8("Küche"));
-        QCOMPARE(GetUtf8Property(&record, "ModelName") + GetUtf8Property(nullptr, "ModelName"), "");
+        QVERIFY(record.IsSubset(empty) && !empty.IsSubset(record) && !(record == empty));
+        QCOMPARE(GetUtf8Property(&record, "UserDefinedName") + GetUtf8Property(nullptr, "ModelName"),
+                 QString::fromUtf8("Küche"));
     }
 
     void addressesAndMasksAreJudged()
@@ -167,13 +165,10 @@ private slots:
         const GenICam::RuntimeException failure(qPrintable(name), "/src/a.cpp", 12, "x");
         const QString critical = "Critical|" + QGuiApplication::applicationDisplayName() + '|';
         const QString details = "|Operation: refresh\n" + name + " : x thrown (file '/src/a.cpp', line 12)";
-        QCOMPARE(boxOf([&] { showException("refresh", failure, nullptr); }), critical + name + details);
         QCOMPARE(boxOf([&] { showException("refresh", failure, "Heading", nullptr); }),
                  critical + "Heading\n\n" + name + details);
         QCOMPARE(boxOf([] { showException("refresh", std::runtime_error(" "), nullptr); }),
                  critical + "The operation failed without saying why.|Operation: refresh\n ");
-        QCOMPARE(boxOf([&] { showUnexpectedException("refresh", name, nullptr); }),
-                 critical + name + "|Operation: refresh");
         QCOMPARE(boxOf([&] { showWarningMessage("Title", "", name, nullptr); }),
                  "Warning|Title|" + name + '|');
         QCOMPARE(
@@ -198,11 +193,8 @@ private slots:
             dialog.hide();
         }
         QCOMPARE(dialog.macAddress() + ' ' + dialog.ipAddress(), "02-5E-41-0a-0B:0c 192.168.0.17");
-    }
 
-    void maskFollowsUntilTyped()
-    {
-        IpAddressWidget dialog;
+        // the mask follows the address until it is typed itself
         dialog.setSubnetMask("255.255.255.0");
         const auto maskAfter = [&](const char* field, const QString& text) {
             auto* const edit = dialog.findChild<QLineEdit*>(field);
