@@ -27,4 +27,9 @@ net::Ipv4 addressArgument(const GenICam::gcstring& text, const char* what)
     return *address;
 }
 
+net::Ipv4 storedAddressArgument(const GenICam::gcstring& text, const char* what, bool isInForce)
+{
+    return isInForce ? addressArgument(text, what) : net::parseIpv4(text.view()).value_or(net::Ipv4{});
+}
+
 } // namespace gige

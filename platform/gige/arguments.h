@@ -10,5 +10,9 @@ namespace gige {
 [[nodiscard]] net::MacAddress macArgument(const GenICam::gcstring& text);
 /// A dotted quad; `what` says what it is for, as in "subnet mask".
 [[nodiscard]] net::Ipv4 addressArgument(const GenICam::gcstring& text, const char* what);
+/// As addressArgument() for an address of the static mode that will be in force. For one that is only kept
+/// for later an editor may hold half a text, which counts as 0.0.0.0.
+[[nodiscard]] net::Ipv4 storedAddressArgument(const GenICam::gcstring& text, const char* what,
+                                              bool isInForce);
 
 } // namespace gige

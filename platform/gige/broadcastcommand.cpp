@@ -4,7 +4,6 @@
 #include "gige/broadcaster.h"
 #include "gige/errors.h"
 
-#include <algorithm>
 #include <array>
 
 namespace gige {
@@ -20,9 +19,9 @@ constexpr std::size_t batch = 64; // datagrams of one socket before the clock is
 class Conversation
 {
 public:
-    Conversation(std::uint16_t requestId, gvcp::Ack expected, const std::vector<net::Ipv4>& sources,
+    Conversation(std::uint16_t requestId, gvcp::Ack expected, const Answerers& answerers,
                  const RetryPlan& plan)
-        : m_requestId(requestId), m_expected(expected), m_sources(sources), m_attempts(plan, Clock::now())
+        : m_requestId(requestId), m_expected(expected), m_answerers(answerers), m_attempts(plan, Clock::now())
     {}
 
     std::optional<gvcp::Status> run(const gvcp::Packet& packet);
@@ -30,10 +29,11 @@ public:
 private:
     void listen();
     void handle(const Datagram& datagram);
+    bool mayBeTheCameras(const gvcp::Acknowledge& acknowledge, net::Ipv4 source) const;
 
     std::uint16_t m_requestId;
     gvcp::Ack m_expected;
-    const std::vector<net::Ipv4>& m_sources;
+    const Answerers& m_answerers;
     Broadcaster m_broadcaster;
     Attempts m_attempts;
     std::optional<gvcp::Status> m_status;
@@ -75,9 +75,8 @@ void Conversation::listen()
 void Conversation::handle(const Datagram& datagram)
 {
     const auto acknowledge = gvcp::decodeAcknowledge(datagram.bytes);
-    const bool mayBeTheCamera =
-        m_sources.empty() || std::ranges::find(m_sources, datagram.source.address) != m_sources.end();
-    if (m_settled || !acknowledge || acknowledge->requestId != m_requestId || !mayBeTheCamera) {
+    if (m_settled || !acknowledge || acknowledge->requestId != m_requestId ||
+        !mayBeTheCameras(*acknowledge, datagram.source.address)) {
         return;
     }
     if (acknowledge->code == gvcp::Ack::Pending) {
@@ -89,6 +88,13 @@ void Conversation::handle(const Datagram& datagram)
         // A camera that is busy with the first copy of the command may yet do it.
         m_settled = acknowledge->status != gvcp::Status::Busy;
     }
+}
+
+bool Conversation::mayBeTheCameras(const gvcp::Acknowledge& acknowledge, net::Ipv4 source) const
+{
+    const auto& [camera, others] = m_answerers;
+    return camera.contains(source) ||
+           (!others.contains(source) && (camera.empty() || !acknowledge.isRefusal()));
 }
 
 } // namespace
@@ -104,10 +110,10 @@ RetryPlan restartPlan()
 }
 
 std::optional<gvcp::Status> broadcastCommand(std::uint16_t requestId, const gvcp::Packet& packet,
-                                             gvcp::Ack expected, const std::vector<net::Ipv4>& sources,
+                                             gvcp::Ack expected, const Answerers& answerers,
                                              const RetryPlan& plan)
 {
-    return Conversation(requestId, expected, sources, plan).run(packet);
+    return Conversation(requestId, expected, answerers, plan).run(packet);
 }
 
 } // namespace gige

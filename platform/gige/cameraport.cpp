@@ -170,6 +170,7 @@ void CameraPort::exchange(std::uint16_t requestId, const gvcp::Packet& packet, g
 {
     m_misfits = 0;
     m_wasExtended = false;
+    m_wasBusy = false;
     const auto start = Clock::now();
     Attempts attempts(m_plan, start);
     auto heartbeatAt = start + heartbeatInterval;
@@ -191,6 +192,9 @@ void CameraPort::exchange(std::uint16_t requestId, const gvcp::Packet& packet, g
         }
     }
     m_wasExtended = attempts.wasExtended();
+    if (m_wasBusy) {
+        raise<RefusalException>(prefix(what) + describeStatus(gvcp::Status::Busy));
+    }
     const auto waited = std::chrono::duration_cast<std::chrono::milliseconds>(now - start).count();
     raise<GenICam::TimeoutException>(
         prefix(what) + "no answer within " + std::to_string(waited) + " ms" +
@@ -234,6 +238,10 @@ bool CameraPort::receive(std::uint16_t requestId, gvcp::Ack expected, const std:
     }
     if (acknowledge->code == expected && acknowledge->status == gvcp::Status::AccessDenied) {
         raise<GenICam::AccessException>(prefix(what) + describeStatus(acknowledge->status));
+    }
+    m_wasBusy = acknowledge->code == expected && acknowledge->status == gvcp::Status::Busy;
+    if (m_wasBusy) {
+        return false; // one of the repeats may find it at leisure
     }
     if (acknowledge->code == expected && acknowledge->isRefusal()) {
         raise<RefusalException>(prefix(what) + describeStatus(acknowledge->status));

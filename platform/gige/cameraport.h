@@ -62,6 +62,7 @@ private:
     std::uint16_t m_heartbeatId = nextRequestId();
     bool m_writeMemGranted = false;
     bool m_wasExtended = false; // the camera asked for time for the latest request that timed out
+    bool m_wasBusy = false;     // so was its latest answer to the present request
     int m_misfits = 0;          // datagrams of the camera that did not fit the present request
 };
 

@@ -38,6 +38,12 @@ std::string getText(Bytes payload, std::size_t offset, std::size_t size)
     return {field.begin(), std::ranges::find_if(field, [](auto byte) { return byte == 0 || byte == 0xFF; })};
 }
 
+std::string getBytes(Bytes payload, std::size_t offset, std::size_t size)
+{
+    const Bytes field = payload.subspan(offset, size);
+    return {field.begin(), std::ranges::find(field, 0)};
+}
+
 /// How many bytes the UTF-8 character at the beginning takes (RFC 3629); 0 when there is none.
 std::size_t characterSize(std::string_view text)
 {
@@ -175,6 +181,7 @@ std::optional<Identity> decodeIdentity(Bytes payload)
     identity.manufacturerInfo = getText(payload, ManufacturerInfo, ManufacturerInfoSize);
     identity.serialNumber = getText(payload, SerialNumber, SerialNumberSize);
     identity.userDefinedName = validUtf8(getText(payload, UserDefinedName, UserDefinedNameSize));
+    identity.storedUserDefinedName = getBytes(payload, UserDefinedName, UserDefinedNameSize);
     return identity;
 }
 

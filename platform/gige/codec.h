@@ -18,7 +18,7 @@ using Packet = std::vector<std::uint8_t>;
 using Bytes = std::span<const std::uint8_t>;
 
 /// How a camera describes itself: the payload of a DISCOVERY acknowledge and the first 248 bytes of its
-/// registers. Texts are the camera's bytes up to the first NUL, and at most the field.
+/// registers. Texts are the camera's bytes up to the first NUL or FF, and at most the field.
 struct Identity
 {
     net::MacAddress mac;
@@ -32,7 +32,8 @@ struct Identity
     std::string deviceVersion;
     std::string manufacturerInfo;
     std::string serialNumber;
-    std::string userDefinedName;
+    std::string userDefinedName;       // UTF-8, with '?' for each byte that is none
+    std::string storedUserDefinedName; // byte for byte, up to the first NUL
 
     friend bool operator==(const Identity&, const Identity&) = default;
 };

@@ -14,8 +14,19 @@ namespace {
 
 gvcp::Identity readIdentity(CameraPort& port)
 {
+    using namespace gvcp::Register;
+    static_assert(Version == 0); // so that each address is an offset as well
     std::array<std::uint8_t, gvcp::DiscoveryAck::Size> registers{};
-    port.read(gvcp::Register::Version, registers);
+    try {
+        port.read(Version, registers);
+    } catch (const RefusalException&) {
+        // Most of what lies between is reserved, and a camera need not let it be read. Texts can be done
+        // without.
+        for (const std::uint32_t address :
+             {MacHigh, MacLow, IpConfigSupported, IpConfigCurrent, CurrentIp, CurrentMask, CurrentGateway}) {
+            port.read(address, std::span(registers).subspan(address, 4));
+        }
+    }
     return gvcp::decodeIdentity(registers).value();
 }
 
@@ -136,11 +147,11 @@ CameraPort& Device::port()
     return *m_port;
 }
 
-void Device::writeChecked(std::uint32_t address, std::uint32_t value, const char* what)
+void Device::writeChecked(std::uint32_t address, std::uint32_t value, const char* what, std::uint32_t judged)
 {
     port().writeRegister(address, value);
     const std::uint32_t kept = port().readRegister(address);
-    if (kept != value) {
+    if ((kept & judged) != (value & judged)) {
         raise<GenICam::RuntimeException>("Camera " + net::formatIpv4(port().address()) +
                                          " did not keep the " + what + ": it was given " + hex(value) +
                                          " and has " + hex(kept));
@@ -153,15 +164,18 @@ void Device::SetIpConfigMode(bool enablePersistentIp, bool enableDhcp)
     const std::uint32_t others =
         port().readRegister(gvcp::Register::IpConfigCurrent) & ~(Persistent | Dhcp | LinkLocal);
     const std::uint32_t modes = LinkLocal | (enablePersistentIp ? Persistent : 0) | (enableDhcp ? Dhcp : 0);
-    writeChecked(gvcp::Register::IpConfigCurrent, others | modes, "IP configuration mode");
+    // The other bits may be read-only or change by themselves.
+    writeChecked(gvcp::Register::IpConfigCurrent, others | modes, "IP configuration mode", Persistent | Dhcp);
 }
 
 void Device::SetPersistentIp(const GenICam::gcstring& ipAddress, const GenICam::gcstring& subnetMask,
                              const GenICam::gcstring& defaultGateway)
 {
     const net::Ipv4 ip = addressArgument(ipAddress, "IP address");
-    const net::Ipv4 mask = addressArgument(subnetMask, "subnet mask");
-    const net::Ipv4 gateway = addressArgument(defaultGateway, "default gateway");
+    const bool isInForce =
+        (port().readRegister(gvcp::Register::IpConfigCurrent) & gvcp::IpConfig::Persistent) != 0;
+    const net::Ipv4 mask = storedAddressArgument(subnetMask, "subnet mask", isInForce);
+    const net::Ipv4 gateway = storedAddressArgument(defaultGateway, "default gateway", isInForce);
     writeChecked(gvcp::Register::PersistentIp, ip.value, "static IP address");
     writeChecked(gvcp::Register::PersistentMask, mask.value, "static subnet mask");
     writeChecked(gvcp::Register::PersistentGateway, gateway.value, "static default gateway");

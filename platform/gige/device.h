@@ -43,7 +43,9 @@ public:
 
 private:
     [[nodiscard]] CameraPort& port();
-    void writeChecked(std::uint32_t address, std::uint32_t value, const char* what);
+    /// Judges only the bits of `judged` when it reads the value back.
+    void writeChecked(std::uint32_t address, std::uint32_t value, const char* what,
+                      std::uint32_t judged = ~std::uint32_t{0});
 
     Tessal::CDeviceInfo m_info;
     CheckAddress m_checkAddress;

@@ -29,6 +29,9 @@ std::string_view property(const Tessal::CDeviceInfo& info, const char* name, Gen
 /// Asks the camera itself who controls it.
 int askAccessibility(net::Ipv4 address)
 {
+    if (address == net::Ipv4{}) { // for the kernel this computer itself
+        return Tessal::Accessibility::NotReachable;
+    }
     try {
         CameraPort port(address);
         port.setPlan(quickPlan());
@@ -57,11 +60,16 @@ std::string_view nameArgument(const GenICam::gcstring& userDefinedName)
 void GigETransportLayer::search()
 {
     forgetFreshness();
-    m_found = searchCameras();
+    m_found = searchCameras(m_searches);
     m_foundIndex.clear();
     for (std::size_t i = 0; i < m_found.size(); ++i) {
         const FoundCamera& camera = m_found[i];
         m_foundIndex.emplace(HeardAs(camera.identity.mac, camera.identity.ip, camera.heardBy.address), i);
+        if (Tessal::IsSupportedDevice(makeRecord(camera.identity, camera.heardBy.address), false)) {
+            m_makersOwn.insert(camera.identity.mac);
+        } else {
+            m_makersOwn.erase(camera.identity.mac);
+        }
     }
     m_freshUntil = Clock::now() + freshFor;
 }
@@ -113,7 +121,7 @@ Tessal::CDeviceInfo GigETransportLayer::CreateDeviceInfo()
 Tessal::ITessalDevice* GigETransportLayer::CreateDevice(const Tessal::CDeviceInfo& info)
 {
     GenICam::gcstring address;
-    if (!net::parseIpv4(property(info, Tessal::Key::IpAddress, address))) {
+    if (!info.GetPropertyValue(Tessal::Key::IpAddress, address)) {
         return nullptr;
     }
     m_devices.push_back(std::make_unique<Device>(
@@ -198,31 +206,32 @@ bool GigETransportLayer::QueryDeviceAccessibility(const Tessal::CDeviceInfo& inf
     return code == Tessal::Accessibility::Ok;
 }
 
-std::vector<net::Ipv4> GigETransportLayer::knownAddresses(const net::MacAddress& mac) const
+Answerers GigETransportLayer::answerersFor(const net::MacAddress& mac) const
 {
-    std::vector<net::Ipv4> addresses;
+    Answerers answerers;
     for (const FoundCamera& camera : m_found) {
-        if (camera.identity.mac == mac) {
-            addresses.push_back(camera.identity.ip);
-        }
+        (camera.identity.mac == mac ? answerers.camera : answerers.others).insert(camera.identity.ip);
     }
-    return addresses;
+    return answerers;
 }
 
 void GigETransportLayer::assign(const gvcp::AddressAssignment& assignment, const char* operation,
                                 const RetryPlan& plan)
 {
     forgetFreshness();
-    std::vector<net::Ipv4> sources = knownAddresses(assignment.mac);
-    if (!sources.empty()) {
-        sources.push_back(assignment.ip);
+    Answerers answerers = answerersFor(assignment.mac);
+    if (!answerers.camera.empty()) {
+        answerers.camera.insert(assignment.ip);
     }
     const std::uint16_t id = nextRequestId();
     const auto status =
-        broadcastCommand(id, gvcp::encodeForceIp(id, assignment), gvcp::Ack::ForceIp, sources, plan);
+        broadcastCommand(id, gvcp::encodeForceIp(id, assignment), gvcp::Ack::ForceIp, answerers, plan);
     const std::string camera = "Camera MAC=" + net::formatMac(assignment.mac) + ", " + operation + ": ";
     if (!status) {
         trace::requests(ozlog::LogLevel::Info, "%hsnot acknowledged.", camera.c_str());
+    } else if (*status == gvcp::Status::Busy && assignment.ip == net::Ipv4{}) {
+        trace::requests(ozlog::LogLevel::Info, "%hsthe camera is busy, perhaps with that already.",
+                        camera.c_str());
     } else if (*status != gvcp::Status::Success) {
         raise<RefusalException>(camera + describeStatus(*status));
     }
@@ -244,12 +253,12 @@ void GigETransportLayer::RestartIpConfig(const GenICam::gcstring& mac)
            restartPlan());
 }
 
-bool GigETransportLayer::knowsBroadcastConfiguration(const net::MacAddress& mac) const
+std::string_view GigETransportLayer::nameToStore(const net::MacAddress& mac, std::string_view name) const
 {
-    return std::ranges::any_of(m_found, [&](const FoundCamera& camera) {
-        return camera.identity.mac == mac &&
-               Tessal::IsSupportedDevice(makeRecord(camera.identity, camera.heardBy.address), false);
-    });
+    const auto camera =
+        std::ranges::find(m_found, mac, [](const FoundCamera& found) { return found.identity.mac; });
+    const bool isUnchanged = camera != m_found.end() && camera->identity.userDefinedName == name;
+    return isUnchanged ? camera->identity.storedUserDefinedName : name;
 }
 
 bool GigETransportLayer::BroadcastIpConfig(const GenICam::gcstring& mac, bool enablePersistentIp,
@@ -260,25 +269,21 @@ bool GigETransportLayer::BroadcastIpConfig(const GenICam::gcstring& mac, bool en
 {
     using namespace gvcp::IpConfig;
     const net::MacAddress camera = macArgument(mac);
-    if (!knowsBroadcastConfiguration(camera)) {
+    if (!m_makersOwn.contains(camera)) {
         return false;
     }
-    const auto address = [enablePersistentIp](const GenICam::gcstring& text, const char* what) {
-        return enablePersistentIp ? addressArgument(text, what)
-                                  : net::parseIpv4(text.view()).value_or(net::Ipv4{});
-    };
     const gvcp::StoredConfiguration configuration{
         .mac = camera,
         .ipConfig = LinkLocal | (enablePersistentIp ? Persistent : 0) | (enableDhcp ? Dhcp : 0),
-        .ip = address(ipAddress, "IP address"),
-        .mask = address(subnetMask, "subnet mask"),
-        .gateway = address(defaultGateway, "default gateway"),
-        .userDefinedName = nameArgument(userDefinedName)};
+        .ip = storedAddressArgument(ipAddress, "IP address", enablePersistentIp),
+        .mask = storedAddressArgument(subnetMask, "subnet mask", enablePersistentIp),
+        .gateway = storedAddressArgument(defaultGateway, "default gateway", enablePersistentIp),
+        .userDefinedName = nameToStore(camera, nameArgument(userDefinedName))};
     forgetFreshness();
     const std::uint16_t id = nextRequestId();
     const auto status =
         broadcastCommand(id, gvcp::encodeBroadcastIpConfig(id, configuration), gvcp::Ack::BroadcastIpConfig,
-                         knownAddresses(configuration.mac), acknowledgedPlan());
+                         answerersFor(configuration.mac), acknowledgedPlan());
     if (status == gvcp::Status::Success) {
         return true;
     }

@@ -1,11 +1,14 @@
 #pragma once
 
+#include "gige/broadcastcommand.h"
 #include "gige/device.h"
 #include "gige/search.h"
 #include "tessal/transportlayer.h"
 
 #include <map>
 #include <memory>
+#include <set>
+#include <string_view>
 #include <tuple>
 #include <vector>
 
@@ -43,9 +46,10 @@ private:
     /// Lists what the latest search found, all of it or what answers over unicast. Returns how many.
     int list(Tessal::DeviceInfoList& list, bool append, bool onlyUnicast) const;
     [[nodiscard]] const FoundCamera* findFresh(const Tessal::CDeviceInfo& info);
-    /// Whether the latest search reported it as the maker's.
-    [[nodiscard]] bool knowsBroadcastConfiguration(const net::MacAddress& mac) const;
-    [[nodiscard]] std::vector<net::Ipv4> knownAddresses(const net::MacAddress& mac) const;
+    [[nodiscard]] Answerers answerersFor(const net::MacAddress& mac) const;
+    /// The camera's own bytes where `name` is how its present name is shown; a name that is no UTF-8 is not
+    /// to be changed by a save of an address.
+    [[nodiscard]] std::string_view nameToStore(const net::MacAddress& mac, std::string_view name) const;
     /// Throws RuntimeException when two cameras claimed the address in the latest search.
     void checkUncontested(net::Ipv4 address) const;
     /// Throws RuntimeException when the latest search heard another camera there: leases may have changed
@@ -56,8 +60,10 @@ private:
     using HeardAs =
         std::tuple<net::MacAddress, net::Ipv4, net::Ipv4>; // MAC, address, host address that heard it
 
+    SearchHistory m_searches;
     std::vector<FoundCamera> m_found;            // by the latest search
     std::map<HeardAs, std::size_t> m_foundIndex; // into m_found
+    std::set<net::MacAddress> m_makersOwn;       // by the latest record of each; know the broadcast command
     Clock::time_point m_freshUntil;
     std::vector<std::unique_ptr<Device>> m_devices;
 };

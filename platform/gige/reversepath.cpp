@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <mutex>
 #include <set>
 
 namespace gige {
@@ -22,9 +21,7 @@ int readFilter(const std::string& adapter)
 /// Whether nothing was said of this adapter before.
 bool isNews(const std::string& adapter)
 {
-    static std::mutex mutex;
     static std::set<std::string> told;
-    const std::scoped_lock lock(mutex);
     return told.insert(adapter).second;
 }
 

@@ -28,7 +28,8 @@ constexpr auto longestSearch = 700ms;
 // way it would stay unfound once in 500 searches; asked twelve times, once in 200,000.
 constexpr int roundsOnLossyLines = 12;
 
-// Who is heard for the first time so late shows that the line is slow, and that others may be yet to come.
+// Who is heard for the first time so late shows that there are slow cameras, and that others may be yet to
+// come. (By the standard a camera may wait for up to a second before it answers; most answer at once.)
 constexpr auto slowAfter = rounds * roundInterval + 100ms;
 constexpr int roundsOnSlowLines = 18;
 constexpr auto windowOnSlowLines = 1000ms;
@@ -38,10 +39,34 @@ constexpr std::size_t crowd = 128;       // cameras whose answers need no more q
 constexpr std::size_t maxCameras = 4096; // a flood of invented cameras must not eat the memory
 constexpr std::size_t batch = 64;        // datagrams of one socket before the clock is looked at
 
+/// Who answers the question of that id; nothing for any other packet.
+std::optional<gvcp::Identity> answerTo(std::uint16_t requestId, const Datagram& datagram)
+{
+    const auto acknowledge = gvcp::decodeAcknowledge(datagram.bytes);
+    if (!acknowledge || acknowledge->code != gvcp::Ack::Discovery || acknowledge->requestId != requestId ||
+        acknowledge->isRefusal()) {
+        return std::nullopt;
+    }
+    return gvcp::decodeIdentity(acknowledge->payload);
+}
+
+/// Whether a camera has answered since the search was over that it had not heard.
+bool leftSomeoneOut(const SearchHistory& history)
+{
+    bool late = false;
+    for (std::size_t i = 0; history.asked && i < history.asked->channelCount(); ++i) {
+        history.asked->receive(i, maxCameras, [&](const Datagram& datagram) {
+            const auto identity = answerTo(history.requestId, datagram);
+            late = late || (identity && !history.heard.contains(identity->mac));
+        });
+    }
+    return late;
+}
+
 class Search
 {
 public:
-    std::vector<FoundCamera> run();
+    std::vector<FoundCamera> run(SearchHistory& history);
 
 private:
     void sendRounds(Clock::time_point now);
@@ -63,26 +88,42 @@ private:
     Clock::time_point m_windowEnd = m_start + window;
     // Before the broadcaster, which needs as many sockets as there are addresses and does with fewer.
     UnicastProbe m_probe{m_windowEnd, m_start + longestSearch};
-    Broadcaster m_broadcaster;
+    std::unique_ptr<Broadcaster> m_broadcaster = std::make_unique<Broadcaster>();
     std::uint16_t m_requestId = nextRequestId();
     int m_roundsWanted = rounds;
     int m_roundsSent = 0;
     Clock::time_point m_nextRound = m_start;
     std::map<std::pair<std::size_t, net::MacAddress>, Heard> m_found; // by channel and camera
+    bool m_someoneWasLate = false;
     bool m_full = false;
 };
 
-std::vector<FoundCamera> Search::run()
+std::vector<FoundCamera> Search::run(SearchHistory& history)
 {
+    if (history.someoneIsSlow) {
+        takeTime();
+    }
     for (auto now = m_start; now < m_probe.end(); now = Clock::now()) {
+        if (m_found.empty() && now >= m_start + slowAfter) { // who is slow may be all there is
+            takeTime();
+            askOn(roundsOnSlowLines);
+        }
         sendRounds(now);
-        if (m_roundsSent >= m_roundsWanted && !m_broadcaster.hasSent()) {
+        if (m_roundsSent >= m_roundsWanted && !m_broadcaster->hasSent()) {
             break; // nobody was asked, so nobody will answer
         }
         m_probe.sendDue(now);
         listen(now);
     }
-    return conclude();
+    history.requestId = m_requestId;
+    history.heard.clear();
+    for (const auto& [key, heard] : m_found) {
+        history.heard.insert(key.second);
+    }
+    history.someoneIsSlow = history.someoneIsSlow || m_someoneWasLate;
+    std::vector<FoundCamera> cameras = conclude();
+    history.asked = history.someoneIsSlow ? nullptr : std::move(m_broadcaster);
+    return cameras;
 }
 
 void Search::sendRounds(Clock::time_point now)
@@ -95,22 +136,27 @@ void Search::sendRounds(Clock::time_point now)
     }
     m_nextRound = now + roundInterval;
     if (m_roundsSent < m_roundsWanted) {
-        m_broadcaster.send(gvcp::encodeDiscovery(m_requestId));
-        m_roundsSent = m_broadcaster.canSend() ? m_roundsSent + 1 : m_roundsWanted;
+        m_broadcaster->send(gvcp::encodeDiscovery(m_requestId));
+        m_roundsSent = m_broadcaster->canSend() ? m_roundsSent + 1 : m_roundsWanted;
     } else {
         m_nextRound = Clock::time_point::max();
     }
 }
 
-/// Whether a camera has missed more than the last question of each kind that it should have heard.
+/// Whether somebody seems to have missed questions: more than the last of each kind that he should have
+/// heard, or, on an adapter through which nobody is heard, perhaps all of them.
 bool Search::isLossy() const
 {
-    return std::ranges::any_of(m_found, [this](const auto& entry) {
-        const auto& [key, heard] = entry;
-        const HostAddress& host = m_broadcaster.host(key.first);
+    std::set<std::size_t> channelsHeard;
+    for (const auto& [key, heard] : m_found) {
+        const HostAddress& host = m_broadcaster->host(key.first);
         const bool isForeign = ((heard.identity.ip.value ^ host.address.value) & host.mask.value) != 0;
-        return heard.answers < (isForeign ? 1 : 2) * (rounds - 1);
-    });
+        if (heard.answers < (isForeign ? 1 : 2) * (rounds - 1)) {
+            return true;
+        }
+        channelsHeard.insert(key.first);
+    }
+    return channelsHeard.size() < m_broadcaster->channelCount();
 }
 
 void Search::askOn(int wantedRounds)
@@ -123,16 +169,18 @@ void Search::askOn(int wantedRounds)
 
 void Search::takeTime()
 {
+    if (m_windowEnd == m_start + windowOnSlowLines) {
+        return;
+    }
     m_windowEnd = m_start + windowOnSlowLines;
     m_probe.extend(m_windowEnd, m_start + longestSearchOnSlowLines);
-    askOn(roundsOnSlowLines);
 }
 
 void Search::listen(Clock::time_point now)
 {
     std::vector<pollfd> sockets{{.fd = m_probe.descriptor(), .events = POLLIN, .revents = 0}};
     if (now < m_windowEnd) { // what is only heard later is not taken up
-        m_broadcaster.appendTo(sockets);
+        m_broadcaster->appendTo(sockets);
     }
     waitReadable(sockets, std::min({m_probe.end(), m_probe.nextSend(), m_nextRound}));
     if (sockets.front().revents != 0) {
@@ -140,19 +188,14 @@ void Search::listen(Clock::time_point now)
     }
     for (std::size_t i = 1; i < sockets.size(); ++i) {
         if (sockets[i].revents != 0) {
-            m_broadcaster.receive(i - 1, batch, [&](const Datagram& datagram) { handle(i - 1, datagram); });
+            m_broadcaster->receive(i - 1, batch, [&](const Datagram& datagram) { handle(i - 1, datagram); });
         }
     }
 }
 
 void Search::handle(std::size_t channel, const Datagram& datagram)
 {
-    const auto acknowledge = gvcp::decodeAcknowledge(datagram.bytes);
-    if (!acknowledge || acknowledge->code != gvcp::Ack::Discovery || acknowledge->requestId != m_requestId ||
-        acknowledge->isRefusal()) {
-        return;
-    }
-    auto identity = gvcp::decodeIdentity(acknowledge->payload);
+    auto identity = answerTo(m_requestId, datagram);
     if (!identity) {
         return;
     }
@@ -171,10 +214,12 @@ void Search::handle(std::size_t channel, const Datagram& datagram)
         return;
     }
     const auto now = Clock::now();
-    if (now >= m_start + slowAfter && m_windowEnd < m_start + windowOnSlowLines) {
+    if (now >= m_start + slowAfter) {
+        m_someoneWasLate = true;
         takeTime();
+        askOn(roundsOnSlowLines);
     }
-    m_probe.ask(identity->mac, identity->ip, m_broadcaster.host(channel).adapterIndex, now);
+    m_probe.ask(identity->mac, identity->ip, m_broadcaster->host(channel).adapterIndex, now);
     m_found.insert_or_assign(key, Heard{std::move(*identity)});
 }
 
@@ -212,25 +257,27 @@ std::vector<FoundCamera> Search::conclude()
             answer = {.heard = false, .accessibility = Tessal::Accessibility::NotReachable};
         }
         cameras.push_back({.identity = std::move(identity),
-                           .heardBy = m_broadcaster.host(key.first),
+                           .heardBy = m_broadcaster->host(key.first),
                            .answersUnicast = answer.heard,
                            .accessibility = answer.accessibility});
     }
-    for (std::size_t i = 0; i < m_broadcaster.channelCount(); ++i) {
-        warnOfReversePathFilter(m_broadcaster.host(i).adapter);
+    for (std::size_t i = 0; i < m_broadcaster->channelCount(); ++i) {
+        warnOfReversePathFilter(m_broadcaster->host(i).adapter);
     }
     const auto took = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - m_start);
     trace::search(ozlog::LogLevel::Info, "Found %u cameras through %u host addresses in %u ms.",
-                  static_cast<unsigned>(cameras.size()), static_cast<unsigned>(m_broadcaster.channelCount()),
+                  static_cast<unsigned>(cameras.size()), static_cast<unsigned>(m_broadcaster->channelCount()),
                   static_cast<unsigned>(took.count()));
     return cameras;
 }
 
 } // namespace
 
-std::vector<FoundCamera> searchCameras()
+std::vector<FoundCamera> searchCameras(SearchHistory& history)
 {
-    return Search().run();
+    history.someoneIsSlow = history.someoneIsSlow || leftSomeoneOut(history);
+    history.asked.reset(); // before the search needs as many sockets
+    return Search().run(history);
 }
 
 } // namespace gige

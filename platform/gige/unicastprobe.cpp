@@ -188,6 +188,7 @@ void UnicastProbe::handle(Question& question, const gvcp::Acknowledge& acknowled
 {
     if (acknowledge.code == gvcp::Ack::Pending) {
         question.repeating = false;
+        question.answer = {.heard = true, .accessibility = Tessal::Accessibility::Unknown};
     } else if (acknowledge.code != gvcp::Ack::ReadReg) {
         return;
     } else if (acknowledge.status == gvcp::Status::Busy) {

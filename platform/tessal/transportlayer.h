@@ -79,7 +79,9 @@ class ITessalGigEDevice : public ITessalDevice
 public:
     /// Stores which modes the camera tries at its next IP configuration cycle. Link-local is always on.
     virtual void SetIpConfigMode(bool enablePersistentIp, bool enableDhcp) = 0;
-    /// Stores the address of the static mode, three dotted quads, and reads them back.
+    /// Stores the address of the static mode, three dotted quads, and reads them back. While the mode is not
+    /// static, a mask or gateway that is no dotted quad counts as 0.0.0.0, since an editor may hold half of
+    /// one.
     virtual void SetPersistentIp(const GenICam::gcstring& ipAddress, const GenICam::gcstring& subnetMask,
                                  const GenICam::gcstring& defaultGateway) = 0;
 };
@@ -95,7 +97,8 @@ public:
     /// them. Returns how many were added. Raises RuntimeException when the host's adapters cannot be listed
     /// or no socket is to be had.
     virtual int EnumerateDevices(DeviceInfoList& list, bool append) = 0;
-    /// A device for the described camera, which needs no more than an IP address, or null. Sends nothing.
+    /// A device for the described camera, which needs no more than an IP address, or null. Sends nothing;
+    /// what is no address is found out by opening it.
     virtual ITessalDevice* CreateDevice(const CDeviceInfo& info) = 0;
     /// Destroys a device that CreateDevice made, giving back control if it is open. Null is allowed; a device
     /// that was not made here raises LogicalErrorException.
@@ -131,8 +134,8 @@ public:
     /// Makes the camera run its IP configuration cycle again.
     virtual void RestartIpConfig(const GenICam::gcstring& mac) = 0;
     /// Stores mode, address and name on a camera that knows the manufacturer's broadcast command; true when
-    /// the camera acknowledged it. False, without a packet, for a camera that the latest search did not
-    /// report as the maker's; false also when the camera refused or did not answer. Without the static mode
+    /// the camera acknowledged it. False, without a packet, for a camera whose latest record
+    /// does not name the maker; false also when the camera refused or did not answer. Without the static mode
     /// an address that is no dotted quad counts as 0.0.0.0, since an editor may hold half of one. A name of
     /// more than 16 bytes raises InvalidArgumentException.
     virtual bool BroadcastIpConfig(const GenICam::gcstring& mac, bool enablePersistentIp, bool enableDhcp,

@@ -130,9 +130,12 @@ void Camera::execute(const CommandMessage& command, const Request& request, Inst
     const std::size_t answersBefore = effects.answers.size();
     m_payload.size = 0;
     const auto refusal = faults.refusedCommands.find(static_cast<Command>(command.code));
+    const bool isBusy =
+        faults.busyAtFirst && !request.isBroadcast && std::exchange(m_lastHeard, command.id) != command.id;
     const Outcome outcome = refusal != faults.refusedCommands.end()
                                 ? Outcome{refusal->second, "the scene refuses this command"}
-                                : dispatch(command, request, now, effects);
+                            : isBusy ? Outcome{Status::Busy, "it is busy at first"}
+                                     : dispatch(command, request, now, effects);
     const bool obeyed = command.is(Command::ForceIp) && outcome.status == Status::Success;
     const bool restarts = m_cycle.isRunning();
     const bool staysSilent =
@@ -200,6 +203,9 @@ void Camera::acknowledge(const CommandMessage& command, const Outcome& outcome, 
         answer.message = pendingAcknowledge(work, command.id);
         effects.answers.push_back(answer);
         answer.delay += work;
+        if (faults.neverConfirms) {
+            return;
+        }
     }
     answer.message = makeAcknowledge(outcome.status, static_cast<std::uint16_t>(command.code + 1), command.id,
                                      m_payload.all());

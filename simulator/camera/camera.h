@@ -119,6 +119,7 @@ private:
     bool m_hasVanished = false;
     unsigned m_writes = 0; // registers or blocks, the privilege not counted
     std::optional<Executed> m_lastExecuted;
+    std::uint16_t m_lastHeard = 0; // id of the latest command to this camera alone
     std::array<std::pair<Endpoint, std::uint16_t>, 8> m_lastSearches{}; // asker and request id
     std::size_t m_nextSearch = 0;
     Message m_payload;

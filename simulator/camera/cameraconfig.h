@@ -62,7 +62,9 @@ struct Faults
     std::map<std::uint32_t, gvcp::Status> refusedReads;
     ForceIpAck forceIpAck = ForceIpAck::NewAddress;
     bool restartAck = false;
-    Duration pendingAck{};                     // zero: writes are quick and no PENDING_ACK comes
+    bool busyAtFirst = false;   // each register access is refused as busy once, and done at its repeat
+    bool neverConfirms = false; // a write that takes time is done, but only its PENDING_ACK comes
+    Duration pendingAck{};      // zero: writes are quick and no PENDING_ACK comes
     std::optional<unsigned> vanishAfterWrites; // writes of anything but the privilege
 };
 

@@ -124,6 +124,8 @@ Faults readFaults(JsonObject& object)
     faults.ignoreBroadcastAckFlag = object.flagOr("ignoreBroadcastAckFlag", false);
     faults.vanishAfterRestart = object.flagOr("vanishAfterRestart", false);
     faults.restartAck = object.flagOr("restartAck", false);
+    faults.busyAtFirst = object.flagOr("busyAtFirst", false);
+    faults.neverConfirms = object.flagOr("neverConfirms", false);
     faults.repeatAnswers = object.numberOr("repeatAnswers", 0, 100, 0);
     faults.lossPercent = object.percentOr("lossPercent");
     for (const auto& [value, path] : object.listOr("losePackets")) {
