@@ -133,7 +133,7 @@ void DeviceLister::createTransportLayer()
         factory.ReleaseTl(created);
         throw GenICam::ExceptionReporter<GenICam::RuntimeException>("DeviceLister", __LINE__,
                                                                     "RuntimeException")
-            .Report("%s", QObject::tr("Failed to create transport layer object").toLatin1().constData());
+            .Report("%s", QObject::tr("Failed to create transport layer object").toUtf8().constData());
     }
 }
 

@@ -1,5 +1,6 @@
 #include "MainWnd.h"
 
+#include "WaitBox.h"
 #include "ipconfigurationwidget.h"
 #include "settingskeys.h"
 #include "version.h"
@@ -95,6 +96,9 @@ void MainWnd::on_actionFeedback_triggered()
 
 void MainWnd::on_actionAbout_triggered()
 {
+    if (isBusy()) {
+        return;
+    }
     AboutDialog dialog(this);
     dialog.setProductVersion(QStringLiteral("%1.%2.%3.%4%5")
                                  .arg(version::Major)
@@ -108,7 +112,7 @@ void MainWnd::on_actionAbout_triggered()
 
 void MainWnd::on_actionContact_Orvik_Support_triggered()
 {
-    if (ContactOrvikSupport()) {
+    if (isBusy() || ContactOrvikSupport()) {
         return;
     }
     const QString details = GetOrvikSupportInfo(true);

@@ -1,6 +1,7 @@
 #include "ipconfigurationwidget.h"
 
 #include "DeviceLister.h"
+#include "WaitBox.h"
 #include "elidedtexts.h"
 #include "fittext.h"
 #include "settingskeys.h"
@@ -152,16 +153,25 @@ void IpConfigurationWidget::connectSignals()
     auto* const contextMenu = new QShortcut(QKeySequence(Qt::SHIFT | Qt::Key_F10), ui.treeWidget);
     contextMenu->setContext(Qt::WidgetShortcut);
     connect(contextMenu, &QShortcut::activated, this, [this] {
-        on_showContextMenu(ui.treeWidget->visualItemRect(ui.treeWidget->currentItem()).center());
+        ui.treeWidget->scrollToItem(ui.treeWidget->currentItem());
+        const QRect row = ui.treeWidget->visualItemRect(ui.treeWidget->currentItem());
+        on_showContextMenu(row.intersected(ui.treeWidget->viewport()->rect()).center());
     });
-    // Ctrl+click takes the selection off a row that stays the current one: its editor would belong to no
-    // camera.
-    connect(ui.treeWidget, &QTreeWidget::itemSelectionChanged, this, [this] {
-        QTreeWidgetItem* const current = ui.treeWidget->currentItem();
-        if (current != nullptr && ui.treeWidget->selectedItems().isEmpty()) {
-            current->setSelected(true);
-        }
-    });
+    connect(ui.treeWidget, &QTreeWidget::itemSelectionChanged, this,
+            &IpConfigurationWidget::keepCurrentRowSelected);
+}
+
+/// Where another row than the current one is selected, or none, the editor would belong to no camera.
+void IpConfigurationWidget::keepCurrentRowSelected()
+{
+    QTreeWidgetItem* const current = ui.treeWidget->currentItem();
+    QList<QTreeWidgetItem*> selected = ui.treeWidget->selectedItems();
+    if (current != nullptr && selected.isEmpty()) { // Ctrl+click took the selection off
+        current->setSelected(true);
+    } else if (current != nullptr && selected.size() > 1) { // a screen reader adds the row that it means
+        selected.removeOne(current);
+        ui.treeWidget->setCurrentItem(isBusy() ? current : selected.first());
+    }
 }
 
 void IpConfigurationWidget::ShowNetworkConnections_triggered() {}

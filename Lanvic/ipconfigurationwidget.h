@@ -73,6 +73,7 @@ private:
     void fitTextsOfFixedSize();
     void installValidators();
     void connectSignals();
+    void keepCurrentRowSelected();
 
     // tree and refresh
     struct RememberedRow;

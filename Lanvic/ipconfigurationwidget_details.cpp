@@ -151,8 +151,18 @@ void IpConfigurationWidget::saveChangesOfLeftRow(QTreeWidgetItem* left)
     // A temporary address on the way goes to the selected camera, so that has to be the one that is saved.
     QTreeWidgetItem* const entered = ui.treeWidget->currentItem();
     ui.treeWidget->setCurrentItem(left);
+    const bool renames = m_customNameModified; // which the write clears
+    const QByteArray name = ui.editCustomName->text().trimmed().toUtf8();
     const bool saved = writeConfiguration(*record);
     ui.treeWidget->setCurrentItem(entered);
+    if (saved && renames) {
+        // No search follows that would tell the new name, and the next save sends what the editor then shows.
+        for (Tessal::COrvikGigEDeviceInfo& listed : m_pDeviceLister->m_devices) {
+            if (listed.GetMacAddress() == record->GetMacAddress()) {
+                listed.SetPropertyValue(Tessal::Key::UserDefinedName, name.constData());
+            }
+        }
+    }
     if (!saved) {
         QMessageBox::critical(this, windowTitle(), tr("The configuration could not be saved."),
                               QMessageBox::Close, QMessageBox::Close);

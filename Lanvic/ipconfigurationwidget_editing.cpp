@@ -121,13 +121,15 @@ void IpConfigurationWidget::on_editNetmask_editingFinished()
 }
 
 /// Does what leaving the field does, for commands that come while it is being edited: a mask given as "24" is
-/// one that can be saved.
+/// one that can be saved, and a name that was typed back is no change.
 void IpConfigurationWidget::finishField()
 {
     if (focusWidget() == ui.editNetmask && m_netmaskModified) {
         on_editNetmask_editingFinished();
     } else if (focusWidget() == ui.editIpAddress && m_ipAddressEditPending) {
         on_editIpAddress_editingFinished();
+    } else if (focusWidget() == ui.editCustomName && m_customNameModified) {
+        on_editCustomName_editingFinished();
     }
 }
 
@@ -161,7 +163,9 @@ void IpConfigurationWidget::keyPressEvent(QKeyEvent* event)
     const bool isEnter = (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) &&
                          (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
     if (isEnter && ui.btnWriteConfiguration->isDefault() && !ui.btnRefresh->hasFocus()) {
-        ui.btnWriteConfiguration->click(); // nothing while it is disabled
+        if (!event->isAutoRepeat()) { // a key held down must not save again behind a save that failed
+            ui.btnWriteConfiguration->click(); // nothing while it is disabled
+        }
         return;
     }
     QWidget::keyPressEvent(event);

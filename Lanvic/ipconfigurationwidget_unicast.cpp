@@ -26,7 +26,7 @@ void writeDeviceUserId(const GenApi::INodeMap& nodeMap, const QByteArray& name, 
         LogTrace(GetIPConfigBaseCatID(), LogLevel::Error,
                  "Error setting DeviceUserID of device with old IP=%hs. Err='%hs'", oldIp, exception.what());
         throw GenICam::ExceptionReporter<GenICam::RuntimeException>(__FILE__, __LINE__, "RuntimeException")
-            .Report("Could not update DeviceUserID.");
+            .Report("%s", IpConfigurationWidget::tr("Could not update DeviceUserID.").toUtf8().constData());
     }
 }
 
@@ -66,6 +66,8 @@ void traceOpened(const Tessal::COrvikGigEDeviceInfo& record, const QByteArray& o
 bool IpConfigurationWidget::unicastConfiguration(const QString& ipAddress)
 {
     const QByteArray oldIp = ipAddress.toLatin1();
+    const Tessal::COrvikGigEDeviceInfo* const selected = GetSelectedDeviceInfo();
+    const GenICam::gcstring wanted = selected != nullptr ? selected->GetMacAddress() : GenICam::gcstring();
     try {
         LogTrace(GetIPConfigBaseCatID(), LogLevel::Info,
                  "Trying open device with old IP=%hs to change IP configuration via unicast.", oldIp);
@@ -76,6 +78,17 @@ bool IpConfigurationWidget::unicastConfiguration(const QString& ipAddress)
             return false;
         }
         const Tessal::COrvikGigEDeviceInfo record(m_pDevice->GetDeviceInfo());
+        if (!wanted.empty() && !(record.GetMacAddress() == wanted)) {
+            closeDevice();
+            throw GenICam::ExceptionReporter<GenICam::RuntimeException>(__FILE__, __LINE__,
+                                                                        "RuntimeException")
+                .Report("%s",
+                        tr("The address %1 is now that of another camera (MAC address %2). Refresh the list "
+                           "first.")
+                            .arg(ipAddress, formatMACAddress(record.GetMacAddress(), ":"))
+                            .toUtf8()
+                            .constData());
+        }
         traceOpened(record, oldIp);
         const WaitCursor cursor;
         return writeEditedSettings(record, oldIp) &&
@@ -120,8 +133,11 @@ void IpConfigurationWidget::writePersistentIp(const GenICam::gcstring& mac, cons
         LogTrace(GetIPConfigBaseCatID(), LogLevel::Error,
                  "Invalid new IP address '%hs' for device with old IP=%hs!", settings.ipAddress, oldIp);
         throw GenICam::ExceptionReporter<GenICam::RuntimeException>(__FILE__, __LINE__, "RuntimeException")
-            .Report("Invalid IP address. IP addresses 224.0.0.0 to 255.255.255.255 and 127.0.0.1 are not "
-                    "allowed.");
+            .Report("%s",
+                    tr("Invalid IP address. IP addresses 224.0.0.0 to 255.255.255.255 and 127.0.0.1 are not "
+                       "allowed.")
+                        .toUtf8()
+                        .constData());
     }
     LogTrace(GetIPConfigBaseCatID(), LogLevel::Info,
              "Setting persitent IP address for device with old IP=%hs (NewIP=%hs; NewNetmask=%hs; "
@@ -143,7 +159,7 @@ bool IpConfigurationWidget::restartAfterUnicast(const QString& mac, const QByteA
         LogTrace(GetIPConfigBaseCatID(), LogLevel::Warning,
                  "Failed to rediscover the configured device with old IP=%hs.", oldIp);
         throw GenICam::ExceptionReporter<GenICam::RuntimeException>(__FILE__, __LINE__, "RuntimeException")
-            .Report("Failed to discover reconfigured device");
+            .Report("%s", tr("Failed to discover reconfigured device").toUtf8().constData());
     }
     return true;
 }

@@ -180,7 +180,7 @@ bool IpConfigurationWidget::restartAfterBroadcast(const QString& mac)
         LogTrace(GetIPConfigBaseCatID(), LogLevel::Warning, "Failed to rediscover the device with MAC=%hs.",
                  asciiMac);
         throw GenICam::ExceptionReporter<GenICam::RuntimeException>(__FILE__, __LINE__, "RuntimeException")
-            .Report("Failed to discover reconfigured device");
+            .Report("%s", tr("Failed to discover reconfigured device").toUtf8().constData());
     }
     LogTrace(GetIPConfigBaseCatID(), LogLevel::Info, "Successfully rediscovered MAC=%hs.", asciiMac);
     return true;

@@ -363,6 +363,22 @@ Waiting until the device has been discovered again...</source>
         <translation>Die Kamera beginnt ihre IP-Konfiguration von vorn.
 Es wird gewartet, bis das Gerät wieder gefunden ist...</translation>
     </message>
+    <message>
+        <source>Could not update DeviceUserID.</source>
+        <translation>Die Benutzer-ID (DeviceUserID) konnte nicht geändert werden.</translation>
+    </message>
+    <message>
+        <source>The address %1 is now that of another camera (MAC address %2). Refresh the list first.</source>
+        <translation>Die Adresse %1 gehört jetzt einer anderen Kamera (MAC-Adresse %2). Aktualisieren Sie zuerst die Liste.</translation>
+    </message>
+    <message>
+        <source>Invalid IP address. IP addresses 224.0.0.0 to 255.255.255.255 and 127.0.0.1 are not allowed.</source>
+        <translation>Ungültige IP-Adresse. Die IP-Adressen 224.0.0.0 bis 255.255.255.255 und 127.0.0.1 sind nicht erlaubt.</translation>
+    </message>
+    <message>
+        <source>Failed to discover reconfigured device</source>
+        <translation>Das neu konfigurierte Gerät wurde nicht wiedergefunden</translation>
+    </message>
 </context>
 <context>
     <name>IpConfigurationWidgetClass</name>

@@ -39,18 +39,21 @@ QString formatMACAddress(const char* mac, const char* separator)
 QString formatIPConfiguration(const char* ipConfigCurrent, unsigned int flags)
 {
     const unsigned int bits = Tessal::IpConfig::fromText(ipConfigCurrent != nullptr ? ipConfigCurrent : "");
+    const auto text = [flags](const char* mode) { // the whole list is for the trace, which is English
+        return flags == 1 ? Texts::tr(mode) : QString::fromLatin1(mode);
+    };
     QStringList modes;
     if ((bits & Tessal::IpConfig::Persistent) != 0) {
-        modes += Texts::tr("Static IP");
+        modes += text(QT_TRANSLATE_NOOP("Formatting", "Static IP"));
     }
     if ((bits & Tessal::IpConfig::Dhcp) != 0) {
-        modes += Texts::tr("DHCP");
+        modes += text(QT_TRANSLATE_NOOP("Formatting", "DHCP"));
     }
     if ((bits & Tessal::IpConfig::LinkLocal) != 0) {
-        modes += Texts::tr("Auto IP (LLA)");
+        modes += text(QT_TRANSLATE_NOOP("Formatting", "Auto IP (LLA)"));
     }
     if (modes.isEmpty()) {
-        return Texts::tr("Unknown");
+        return text(QT_TRANSLATE_NOOP("Formatting", "Unknown"));
     }
     return flags == 1 ? modes.constFirst() : modes.join(QLatin1String(", "));
 }

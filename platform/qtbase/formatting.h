@@ -14,7 +14,8 @@
 
 /// The addressing mode for people, from the decimal bit set of a record (1 static, 2 DHCP, 4 link-local).
 /// With flags 1 the mode in force: static before DHCP before Auto IP; with flags 0 all that are enabled,
-/// joined by ", ". "Unknown" when the text is no number or has none of the three bits.
+/// joined by ", " and in English whatever the session's language, for the trace. "Unknown" when the text is
+/// no number or has none of the three bits.
 [[nodiscard]] QString formatIPConfiguration(const char* ipConfigCurrent, unsigned int flags);
 
 /// Reads a strict dotted quad of decimal parts; anything else gives a null address. Every text that becomes

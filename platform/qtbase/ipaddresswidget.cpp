@@ -5,6 +5,7 @@
 
 #include "net/addresses.h"
 
+#include <QKeyEvent>
 #include <QNetworkInterface>
 #include <QValidator>
 
@@ -171,5 +172,13 @@ void IpAddressWidget::followAddress(const QString& text)
     const QHostAddress mask = subnetFromAddress(addressFromText(text));
     if (!m_maskTyped && !mask.isNull()) {
         setText(ui->editSubnetMask, mask.toString());
+    }
+}
+
+void IpAddressWidget::keyPressEvent(QKeyEvent* event)
+{
+    const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (!isEnter || !event->isAutoRepeat()) {
+        QDialog::keyPressEvent(event);
     }
 }

@@ -43,6 +43,10 @@ public:
 
     void setVisible(bool visible) override;
 
+protected:
+    /// Enter that is held down accepts nothing: it may have been held since before the dialog was there.
+    void keyPressEvent(QKeyEvent* event) override;
+
 private:
     void followAddress(const QString& text);
 
