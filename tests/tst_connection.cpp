@@ -218,16 +218,16 @@ private slots:
         connectAdapters();
         m_world.cameras = {camera("km-1", "025E410A0B0C", "10.9.9.9")};
         forceByMac(readThen(fill({{"editMacAddress", "02-5e-41-0a-0b-0c"},
-                                  {"editIpAddress", "192.168.1.50"},
+                                  {"editIpAddress", "172.16.3.50"},
                                   {"editDefaultGateway", ""}})));
         const QString header =
             "Please specify the MAC address for the device to force the IP address.\n\nThere won't be any error message in case you specify the wrong MAC address.";
         QCOMPARE(m_asked, header + "|192.168.0.202|255.255.255.0|0.0.0.0|02-5E-41-");
         QCOMPARE(m_world.take(),
                  (QStringList{"CreateTl(OrvikGigE)",
-                              "ForceIp(025E410A0B0C, 192.168.1.50, 255.255.255.0, 0.0.0.0)", "sleep(2)"}));
+                              "ForceIp(025E410A0B0C, 172.16.3.50, 255.255.240.0, 0.0.0.0)", "sleep(2)"}));
         QCOMPARE(takeTrace().first(), "info Forcing IP of device with MAC=<unknown>.");
-        QCOMPARE(row("km-1").text(6), "192.168.1.50");
+        QCOMPARE(row("km-1").text(6), "172.16.3.50");
 
         select("km-1");
         forceByMac(readThen(escape));

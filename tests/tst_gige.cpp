@@ -41,8 +41,8 @@ private slots:
         QCOMPARE(toHex(encodeForceIp(7, {mac, {0xC0A80A33}, {0xFFFFFF00}, {0xC0A80AFE}})),
                  "42110004003800070000025e410a0b0c" + gap + "c0a80a33" + gap + "ffffff00" + gap + "c0a80afe");
         QCOMPARE(toHex(encodeBroadcastIpConfig(
-                     8, {mac, 5, {0x0A000001}, {0xFF000000}, {}, "sixteen bytes and more"})),
-                 "42118010002800080000025e410a0b0c000000050a000001ff00000000000000"
+                     8, {mac, 5, {0x0A000001}, {0xFF000000}, {0x0A0000FE}, "sixteen bytes and more"})),
+                 "42118010002800080000025e410a0b0c000000050a000001ff0000000a0000fe"
                  "7369787465656e20627974657320616e");
         QCOMPARE(toHex(encodeReadReg(9, 0x0A00)), "420100800004000900000a00");
         QCOMPARE(toHex(encodeWriteReg(0xFFFF, 0x0A00, 2)), "420100820008ffff00000a0000000002");
