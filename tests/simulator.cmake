@@ -1,5 +1,3 @@
-lanvic_test(tst_simulator SOURCES tst_simulator.cpp LIBS gige_simulation platform_gige)
+lanvic_wire_test(tst_simulator SOURCES tst_simulator.cpp support/simulator.cpp LIBS Qt6::Network)
+target_include_directories(tst_simulator PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
 target_compile_definitions(tst_simulator PRIVATE SCENES="${CMAKE_SOURCE_DIR}/simulator/scenes")
-lanvic_wire_test(tst_simulatorprocess SOURCES tst_simulatorprocess.cpp support/simulator.cpp LIBS Qt6::Network)
-target_include_directories(tst_simulatorprocess PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
-target_compile_definitions(tst_simulatorprocess PRIVATE SCENES="${CMAKE_SOURCE_DIR}/simulator/scenes")

@@ -2,7 +2,6 @@
 
 #include <QDeadlineTimer>
 #include <QDir>
-#include <QRegularExpression>
 
 #include <csignal>
 
@@ -36,7 +35,7 @@ bool Simulator::await(const QString& beginning)
         }
         const QString line = QString::fromUtf8(m_process.readLine()).trimmed();
         if (line.startsWith("state ")) {
-            m_states[line.section(' ', 1, 1).section('=', 1)] = line;
+            m_states << line;
         } else if (!line.startsWith("found ") && line != "end") {
             m_events << line;
         }
@@ -47,42 +46,20 @@ bool Simulator::await(const QString& beginning)
     return false;
 }
 
-void Simulator::readState()
+QStringList Simulator::takeEvents()
 {
+    (void)states(); // reads all events up to now
+    return std::exchange(m_events, {});
+}
+
+QStringList Simulator::states(const QString& camera)
+{
+    m_states.clear();
     ::kill(static_cast<pid_t>(m_process.processId()), SIGUSR1);
     if (!await("end")) {
         qFatal("the simulator does not tell its state");
     }
-}
-
-QStringList Simulator::takeEvents()
-{
-    readState();
-    return std::exchange(m_events, {});
-}
-
-QString Simulator::state(const QString& camera, const QString& key)
-{
-    readState();
-    const QRegularExpression pair(' ' + key + R"(=("[^"]*"|\S+))");
-    return pair.match(m_states.value(camera)).captured(1).remove('"');
-}
-
-QStringList Simulator::controlled()
-{
-    readState();
-    QStringList cameras;
-    for (auto state = m_states.cbegin(); state != m_states.cend(); ++state) {
-        if (!state->endsWith(" control=none")) {
-            cameras << state.key();
-        }
-    }
-    return cameras;
-}
-
-OtherProgram::OtherProgram()
-{
-    m_socket.bind(QHostAddress::AnyIPv4);
+    return m_states.filter("state camera=" + camera);
 }
 
 QByteArray OtherProgram::ask(const QString& camera, const QByteArray& request)

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QMap>
 #include <QProcess>
 #include <QStringList>
 #include <QUdpSocket>
@@ -19,24 +18,19 @@ public:
     [[nodiscard]] bool await(const QString& beginning);
     /// What happened since the last call, apart from searches.
     [[nodiscard]] QStringList takeEvents();
-    /// What a camera is like now, by the keys of its `state` line.
-    [[nodiscard]] QString state(const QString& camera, const QString& key);
-    /// Cameras that somebody controls now.
-    [[nodiscard]] QStringList controlled();
+    /// What the cameras of that name, or all, are like now: the `state` line of each.
+    [[nodiscard]] QStringList states(const QString& camera = {});
 
 private:
-    void readState();
-
     QProcess m_process;
     QStringList m_events;
-    QMap<QString, QString> m_states; // the latest state line of each camera
+    QStringList m_states;
 };
 
 /// Asks cameras as another program would: packets written out by hand, none of the code under test.
 class OtherProgram
 {
 public:
-    OtherProgram();
     /// Sends a request, in hexadecimal digits, to the control port; gives the answer in the same form, or
     /// nothing when none comes.
     [[nodiscard]] QByteArray ask(const QString& camera, const QByteArray& request);

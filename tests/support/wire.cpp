@@ -1,5 +1,7 @@
 #include "support/wire.h"
 
+#include <QRegularExpression>
+
 #include <functional>
 
 namespace {
@@ -15,7 +17,7 @@ extern "C" unsigned int sleep(unsigned int)
     return 0;
 }
 
-void WireTest::start(const QString& scene)
+void WireTest::start(const QString& scene, const QString& model)
 {
     s_atSleep = [this] {
         ++m_sleeps;
@@ -26,18 +28,23 @@ void WireTest::start(const QString& scene)
         }
     };
     m_duringSleep = [] {};
-    m_controlled.clear();
-    m_sleeps = 0;
     m_simulator = std::make_unique<Simulator>(scene);
     openWindow();
+    if (!model.isEmpty()) {
+        select(model);
+    }
+    takeTrace();
 }
 
 void WireTest::cleanup()
 {
-    const QStringList controlled = // while the window is still there
-        m_simulator ? m_simulator->controlled() : QStringList();
+    QStringList controlled = // while the window is still there
+        m_simulator ? m_simulator->states() : QStringList();
+    controlled.removeIf([](const QString& state) { return state.endsWith(" control=none"); });
+    controlled.replaceInStrings(QRegularExpression("^state camera=(\\S+) .*"), "\\1");
     WindowTest::cleanup();
     m_simulator.reset();
     QCOMPARE(m_awaited, QStringList());
-    QCOMPARE(controlled, m_controlled);
+    m_sleeps = 0;
+    QCOMPARE(controlled, std::exchange(m_controlled, {}));
 }

@@ -9,20 +9,18 @@ class WireTest : public gui::WindowTest
     Q_OBJECT
 
 protected:
-    /// Starts a scene and opens the window on it.
-    void start(const QString& scene);
+    /// Starts a scene and opens the window on it, with the camera of that model selected.
+    void start(const QString& scene, const QString& model = {});
     [[nodiscard]] Simulator& simulator() { return *m_simulator; }
 
-    /// Instead of sleeping, the program waits for these events, one at each of its sleeps; after the last it
-    /// goes on at once.
+    /// The program waits for these events instead of sleeping, one at each sleep; then it goes on at once.
     void sleepUntil(const QStringList& events) { m_awaited = events; }
     [[nodiscard]] int takeSleeps() { return std::exchange(m_sleeps, 0); }
 
     /// What happens to the program at each of its sleeps.
     std::function<void()> m_duringSleep;
 
-    /// Cameras that others control, or that vanished while we did; no other may be controlled when a test
-    /// ends.
+    /// Cameras that others control, or that vanished while we did; no other may be controlled at the end.
     QStringList m_controlled;
 
     Q_SLOT void cleanup();
