@@ -145,6 +145,7 @@ const std::initializer_list<std::pair<QByteArray, QString>> uselessFeatures{
     {"@ Address=1,2 Length=16", "DeviceUserID' has '1,2' for a number"},
     {"@ Address=0 Length=65537", "DeviceUserID' has a length of 65537 bytes"},
     {"@ Address=-4 Length=4", "DeviceUserID' has no place"},
+    {"@ Address=0xFFFFFFFF Length=2", "DeviceUserID' has no place"},
     {"@ Address=0x1000", "DeviceUserID' has no place"},
     {"@ Address=0 IntSwissKnife= Length=4", "DeviceUserID' has an address with IntSwissKnife"},
     {"@ Address=0 pIndex=A Length=4", "DeviceUserID' has an address with pIndex"},
