@@ -4,8 +4,6 @@
 
 #include <QAccessible>
 #include <QHelpEvent>
-#include <QLabel>
-#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QToolTip>
@@ -18,7 +16,11 @@ class AccessibilityTest : public gui::GuiTest
 private slots:
     void everythingIsReachedByKeysAndSaysWhatItIs()
     {
-        openOn();
+        std::vector<sdk::Camera> cameras{sdk::camera()};
+        for (int i = 1000; i < 1030; ++i) {
+            cameras.push_back(sdk::camera("km-2", "025E4100" + QByteArray::number(i)));
+        }
+        openOn(cameras);
         type("editCustomName", "Gate");
         press(QKeySequence("Alt+S"));
         QTRY_COMPARE(row("km-1").text(1), "Gate");
@@ -40,11 +42,14 @@ private slots:
                                        "treeWidget", "btnUsePersistentIp", "editIpAddress", "editNetmask",
                                        "editDefaultGateway", "editCustomName", "btnWriteConfiguration",
                                        "btnRefresh", "labelSelectionInfo", "labelHint"}));
-        expect({[](QWidget& menu) {
+        QPoint place;
+        expect({[&](QWidget& menu) {
+            place = tree().viewport()->mapFromGlobal(menu.pos());
             gui::escape(menu);
-            QCOMPARE(menu.actions().size(), 1);
         }});
+        tree().scrollToBottom();
         press(QKeySequence("Shift+F10"));
+        QVERIFY(tree().viewport()->rect().contains(place) && place.y() > 0);
 
         IpAddressWidget dialog(m_window.get());
         const auto& help = child<QMenu>("menuHelp");
@@ -64,6 +69,9 @@ private slots:
         QCOMPARE(table->cellAt(1, 0)->text(QAccessible::Name), "km-1");
         QCOMPARE(table->cellAt(1, 0)->text(QAccessible::Description), "OK, 192.168.1.9");
         QCOMPARE(table->cellAt(1, 4)->text(QAccessible::Name), "OK");
+        expect({gui::click(QMessageBox::No)}); // the address is still pending
+        table->selectRow(0);
+        QCOMPARE(current(), "lan0");
     }
 
     void aToolTipTellsTextsThatAreCutOff()
@@ -98,7 +106,8 @@ private slots:
             QVERIFY2(text.sizeHint().width() <= text.width(), name);
         }
         const auto& edit = child<QLineEdit>("editNetmask");
-        QVERIFY(edit.fontMetrics().horizontalAdvance("255.255.255.255") < edit.width());
+        const QSize longest = edit.fontMetrics().size(0, "255.255.255.255");
+        QVERIFY(longest.width() < edit.width() && longest.height() < edit.height());
         const auto& hint = child<QLabel>("labelHint");
         QVERIFY(hint.text().contains("192.168.1.254"));
         QTRY_VERIFY(hint.width() > 100 && hint.heightForWidth(hint.width()) <= hint.height());

@@ -1,7 +1,5 @@
 #include "support/gui.h"
 
-#include <QAbstractButton>
-#include <QSettings>
 #include <QSignalSpy>
 
 using gui::click;
@@ -33,13 +31,13 @@ private slots:
                                                 {'C', click(QMessageBox::Close)},
                                                 {'E', gui::escape}};
         // What is asked when the save fails; the answers, two where it does, and what is there afterwards:
-        // the current row, its edited name and whether the edit is pending.
+        // the current row, the name in the tree and in the editor, and whether the edit is pending.
         for (
             const auto& [way, secondQuestion, paths] : gui::Table<QString, QString, QStringList>{
-                {"row", gui::notSaved, {"Y lan0", "N lan0", "E lan0", "YC lan0"}},
+                {"row", gui::notSaved, {"Y lan0 belt", "N lan0", "E lan0", "YC lan0"}},
                 {"refresh",
                  "|The configuration could not be saved.\nThe Refresh operation has been canceled.|Close|Close",
-                 {"Y km-1 belt", "N km-1", "E km-1", "YC km-1 belt pending"}},
+                 {"Y km-1 belt belt", "N km-1", "E km-1", "YC km-1 belt pending"}},
                 {"close",
                  "|The configuration could not be saved.\nWould you like to continue closing the application?\n\nIf you click 'Yes', your configuration will not be changed and the application will close.\nIf you click 'No', you will return to the application.|No,Yes|No",
                  {"Y closed", "N closed", "E closed", "YY closed", "YN km-1 pending", "YE km-1 pending"}},
@@ -56,9 +54,9 @@ private slots:
                 }
                 leave(way);
                 QCOMPARE(takeDialogs(), QStringList({m_question, secondQuestion}).first(answers.size()));
-                const QString found = !m_window->isVisible() ? "closed"
-                                                             : current() + ' ' + text("editCustomName") +
-                                                                   (canSave() ? " pending" : "");
+                const QString names = row("km-1").text(1) + ' ' + text("editCustomName");
+                const QString seen = current() + ' ' + names + (canSave() ? " pending" : "");
+                const QString found = m_window->isVisible() ? seen : "closed";
                 QCOMPARE(way + ' ' + answers + ' ' + found.simplified(), way + ' ' + path);
                 QCOMPARE(sdk::get(cam().record, {"UserDefinedName"}), answers == "Y" ? "belt" : "");
                 QCOMPARE(QSettings().allKeys().size(), found == "closed" ? 4 : 0);
@@ -71,13 +69,14 @@ private slots:
         for (const auto& [mask, field, typed, isAsked] :
              gui::Table<const char*, const char*, const char*, bool>{
                  {"255.255.255.0", "editIpAddress", "192.168.1", false},
-                 {"", "editIpAddress", "192.168.1.77", true},  // its mask follows when the field is left
-                 {"255.255.255.0", "editNetmask", "16", true}, // as this becomes one
+                 {"", "editIpAddress", "192.168.1.77", true}, // its mask follows when the field is left
+                 {"255.255.255.0", "editCustomName", "Gate", false}, // as it was
+                 {"255.255.255.0", "editNetmask", "16", true},       // as this becomes one
              }) {
             for (const QString way : {"row", "refresh", "close"}) {
-                openOn({sdk::with(camera(), {{"SubnetMask", mask}})});
-                const QPoint place = tree().visualItemRect(&row("km-1")).center();
-                QTest::mouseClick(tree().viewport(), Qt::LeftButton, Qt::ControlModifier, place); // no effect
+                openOn({sdk::with(camera(), {{"SubnetMask", mask}, {"UserDefinedName", "Gate"}})});
+                QTest::mouseClick(tree().viewport(), Qt::LeftButton, Qt::ControlModifier,
+                                  placeOf(row("km-1"))); // no effect
                 type(field, typed);
                 expect(QList<gui::Answer>(isAsked ? 1 : 0, click(QMessageBox::No)));
                 leave(way);
@@ -94,6 +93,8 @@ private slots:
         m_world.at["sleep"] = [this] { // as a screen reader would, past what is held back meanwhile
             for (const auto& [object, slot] :
                  {std::pair{"actionRefresh", "trigger"},
+                  {"actionAbout", "trigger"},
+                  {"actionContact_Orvik_Support", "trigger"},
                   {"actionExit", "trigger"},
                   {"actionForceIpByMac", "trigger"},
                   {"btnWriteConfiguration", "click"},
@@ -153,7 +154,7 @@ private slots:
         cam().knowsBroadcast = m_world.cameras.back().knowsBroadcast = false;
         type("editCustomName", "belt");
         expect({click(QMessageBox::Yes), gui::fill({{"editIpAddress", "192.168.1.50"}})});
-        select("km-2");
+        QTest::keyClick(&tree(), Qt::Key_Down); // by a key, which selects the row first
         const QStringList calls = m_world.take();
         QVERIFY(calls.contains("ForceIp(025E41000001, 192.168.1.50, 255.255.255.0, 0.0.0.0)"));
         QVERIFY(calls.contains("SetValue(belt, true)"));

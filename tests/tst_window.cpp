@@ -2,15 +2,11 @@
 
 #include "qtbase/helpandsupport.h"
 
-#include <QAbstractButton>
-#include <QAction>
 #include <QClipboard>
 #include <QDesktopServices>
 #include <QGuiApplication>
 #include <QHeaderView>
-#include <QLabel>
 #include <QMenuBar>
-#include <QSettings>
 #include <QTemporaryDir>
 #include <QTextDocumentFragment>
 #include <QUrl>
@@ -40,7 +36,9 @@ class WindowTest : public gui::GuiTest
         for (const QAction* const menu : m_window->menuBar()->actions()) {
             lines << menu->text();
             for (const QAction* const entry : menu->menu<QMenu*>()->actions()) {
-                lines.last() += '|' + (entry->text() + ' ' + entry->shortcut().toString()).trimmed();
+                const QString key = entry->shortcut().toString();
+                lines.last() += '|' + (entry->text() + ' ' + key).trimmed();
+                lines.last() += entry->autoRepeat() && !key.isEmpty() ? " while held down" : "";
             }
         }
         return lines;
