@@ -1,5 +1,6 @@
 #include "support/gui.h"
 
+#include <QKeyEvent>
 #include <QRadioButton>
 
 using namespace gui;
@@ -149,14 +150,15 @@ private slots:
     void theNameHasSixteenBytes()
     {
         edit();
-        for (const QString typed : {"0123456789abcdefg", "äääääääää", "0123456789abcdeäf"}) {
-            QString kept; // a letter that does not fit is refused, a later one that does is taken
-            for (const QChar letter : typed) {
-                kept += (kept + letter).toUtf8().size() <= 16 ? QString(letter) : QString();
-            }
+        for (const auto& [typed, kept] : {std::pair{"0123456789abcdefg", "0123456789abcdef"},
+                                          {"äääääääää", "ääääääää"},
+                                          {"0123456789abcdeäf", "0123456789abcdef"}}) { // takes what fits
             type("editCustomName", typed);
             QCOMPARE(text("editCustomName"), kept);
         }
+        type("editCustomName", "");
+        child<QLineEdit>("editCustomName").insert("0123456789abcdefg"); // as pasting does
+        QCOMPARE(text("editCustomName"), "0123456789abcdef");
     }
 
     void enterSaves()
@@ -165,6 +167,9 @@ private slots:
         key("editCustomName", Qt::Key_Return);
         QCOMPARE(m_world.take(), QStringList()); // nothing to save yet
         type("editCustomName", "belt");
+        QKeyEvent held(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, "\r", true);
+        QApplication::sendEvent(&child<QLineEdit>("editCustomName"), &held);
+        QCOMPARE(m_world.take(), QStringList()); // the key may have been pressed for a message before
         type("editNetmask", "20");
         key("editNetmask", Qt::Key_Return);
         QCOMPARE(m_world.take().first(),

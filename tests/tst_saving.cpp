@@ -75,11 +75,17 @@ private slots:
                  {"EnumerateDevicesAnySubnet", 2, "on_btnWriteConfiguration_clicked", 1}}) { // the refresh
             for (const bool isStandard : {true, false}) {
                 edit("6");
+                clickOn("btnUseAutoIp");
                 failAt(call, nth, isStandard);
                 const QStringList shown{
                     report(isStandard ? "cable" : "Unknown exception occurred", operation), lost};
                 saveFails(shown.first(sleeps));
-                QCOMPARE(m_world.take().count("sleep(2)"), sleeps);
+                const QStringList calls = m_world.take();
+                QCOMPARE(calls.count("sleep(2)"), sleeps);
+                QCOMPARE(calls.filter("SetIp").isEmpty(),
+                         QString(call) != "BroadcastIpConfig"); // sent already
+                const QString missed = "warning Failed to rediscover the device with MAC=025E41000001.";
+                QCOMPARE(takeTrace().count(missed), sleeps - 1);
                 QCOMPARE(sdk::get(cam().record, {"UserDefinedName"}), "belt");
             }
         }
@@ -181,14 +187,18 @@ private slots:
                      qPrintable(errors));
             QVERIFY(text("editIpAddress") == address && text("editCustomName") == "belt" && canSave());
             expect({escape});
+            failAt("Close", 1, false);
             select("lan0"); // only now is the camera let go
             QCOMPARE(m_world.take(), QStringList{"Close()"});
+            QVERIFY(takeDebug().contains("warning closeDevice: Unspecified exception occurred."));
         }
     }
 
-    void aCameraThatCannotBeClosedIsStillRestarted()
+    void aCameraThatStaysAwayIsShownAsItWasWritten()
     {
-        edit("5", false);
+        edit("1", false);
+        type("editIpAddress", "192.168.1.20");
+        clickOn("btnUseAutoIp");
         cam().comesBack = false;
         failAt("Close");
         int painted = 0, before = 0; // the last search
@@ -197,13 +207,17 @@ private slots:
             QMetaObject::invokeMethod(
                 this, [&] { ++painted; }, Qt::QueuedConnection);
         };
-        saveFails({report("Failed to discover reconfigured device", "unicastConfiguration"), notSaved});
+        expect({click(QMessageBox::Yes), escape, escape});
+        select("lan0");
+        const QString lost = report("Failed to discover reconfigured device", "unicastConfiguration");
+        QCOMPARE(takeDialogs().mid(1), (QStringList{lost, notSaved}));
+        QCOMPARE(row("km-1").text(5) + ' ' + row("km-1").text(6), "Unknown 192.168.1.20");
         QCOMPARE(takeTrace(QString()).filter(QRegularExpression("^warning (Failed to (cl|re)|close)")),
                  (QStringList{
                      "warning Failed to close device", "warning closeDevice :  Exception occurred:\n cable",
                      "warning Failed to rediscover the configured device with old IP=192.168.1.9."}));
         QCOMPARE(before, 29);
-        QCOMPARE(m_world.take().last(31),
+        QCOMPARE(m_world.take().filter(QRegularExpression("^(Restart|sleep)")),
                  QStringList{"RestartIpConfig(025E41000001)"} + QStringList(30, "sleep(2)"));
     }
 };

@@ -99,7 +99,7 @@ private slots:
         s_atSend = [](auto...) { return ENETDOWN; };
         const QString down =
             "No network adapter of this computer could send the command to the camera: lab0 (192.168.10.1): Network is down";
-        saveFails({gui::report(down), gui::forceIpDialog, gui::notSaved});
+        saveFails({gui::report(down, "broadcastConfiguration"), gui::forceIpDialog, gui::notSaved});
         QCOMPARE(takeSleeps(), 0);
         s_atSend = nullptr;
         m_duringSleep = [] {
@@ -107,7 +107,8 @@ private slots:
                 ip("link delete lab0");
             }
         };
-        saveFails({gui::report("Failed to discover reconfigured device"), gui::forceIpDialog, gui::notSaved});
+        saveFails({gui::report("Failed to discover reconfigured device", "broadcastConfiguration"),
+                   gui::forceIpDialog, gui::notSaved});
         QCOMPARE(takeSleeps(), 30);
         QVERIFY(text("editIpAddress") == "192.168.10.31" && canSave());
     }

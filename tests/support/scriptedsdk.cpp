@@ -166,7 +166,10 @@ public:
     void ForceIp(Text mac, Text ip, Text mask, Text gateway) override
     {
         call("ForceIp", mac, ip, mask, gateway);
-        forMac(mac, [&](Camera& camera) { move(camera, ip, mask, gateway); });
+        forMac(mac, [&](Camera& camera) {
+            move(camera, ip, mask, gateway);
+            camera.silent = !camera.comesBack;
+        });
     }
     void RestartIpConfig(Text mac) override
     {

@@ -64,7 +64,7 @@ inline void escape(QWidget& shown)
 /// operation among the details.
 inline const QString notSaved = "|The configuration could not be saved.|Close|Close";
 inline const QString forceIpDialog = "Assign Temporary IP Address (Force IP)";
-[[nodiscard]] inline QString report(const QString& text, const QString& operation = "broadcastConfiguration")
+[[nodiscard]] inline QString report(const QString& text, const QString& operation)
 {
     return "Tessal Lanvic|" + text + "|OK,Show Details...||Operation: " + operation;
 }
