@@ -170,6 +170,7 @@ void IpConfigurationWidget::keepCurrentRowSelected()
         current->setSelected(true);
     } else if (current != nullptr && selected.size() > 1) { // a screen reader adds the row that it means
         selected.removeOne(current);
+        finishField();
         ui.treeWidget->setCurrentItem(isBusy() ? current : selected.first());
     }
 }

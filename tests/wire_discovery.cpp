@@ -5,6 +5,7 @@
 
 #include <QElapsedTimer>
 #include <QFile>
+#include <QRegularExpression>
 #include <QTest>
 
 #include <algorithm>
@@ -105,6 +106,29 @@ private slots:
 #ifndef __SANITIZE_ADDRESS__
         QVERIFY(fastest < 1000);
 #endif
+    }
+
+    void findsWhoIsSlowAndWhoIsLonely()
+    {
+        const Simulator simulator("test-slow");
+        const QString slow = "slow lab0 192.168.10.1 1";
+        const QStringList others{"quick lab1 192.168.20.1 1", "lonely lab2 192.168.30.1 4"};
+        const auto somethingWaits = [] {
+            QFile sockets("/proc/net/udp"); // "... tx_queue:rx_queue ..."
+            return sockets.open(QIODevice::ReadOnly) &&
+                   QString(sockets.readAll()).contains(QRegularExpression(" 00000000:(?!0{8})[0-9A-F]{8} "));
+        };
+        {
+            const DeviceLister window; // keeps what is known from search to search
+            QCOMPARE(search(), others);
+            QTRY_VERIFY(somethingWaits()); // the slow camera's answer
+            QCOMPARE(search(), QStringList(slow) + others);
+            QCOMPARE(search(), QStringList(slow) + others);
+        }
+        for (const char* const adapter : {"lab1", "lab2"}) {
+            QCOMPARE(QProcess::execute("ip", {"link", "set", adapter, "down"}), 0);
+        }
+        QCOMPARE(search(), QStringList{slow});
     }
 
     void saysOnceWhenTheSystemHidesCameras()

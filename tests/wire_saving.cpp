@@ -1,5 +1,7 @@
 #include "support/wire.h"
 
+#include "Lanvic/DeviceLister.h"
+
 #include <QNetworkDatagram>
 #include <QRadioButton>
 #include <QRegularExpression>
@@ -8,6 +10,13 @@
 class WireSavingTest : public WireTest
 {
     Q_OBJECT
+
+    const QByteArray m_gap{24, '0'};
+
+    QByteArray forceIp(const QByteArray& mac, const QByteArray& ip)
+    {
+        return "0000" + mac + m_gap + ip + m_gap + "ffffff00" + m_gap + "00000000";
+    }
 
 private slots:
     void aTypedAddressReachesTheCameraByBroadcast()
@@ -29,11 +38,21 @@ private slots:
             "  km-1|Förderband|1|02:5E:41:00:00:01|OK|Static IP|192.168.10.31|255.255.255.0"));
         QVERIFY(!canSave());
 
+        OtherProgram other; // gives it a name that is no UTF-8, and after the search another address
+        QCOMPARE(other.ask("192.168.10.31", "420100820008000100000a0000000002"), "000000830004000100000001");
+        QVERIFY(other.ask("192.168.10.31", "4201008600140002000000e84bfc686c" + m_gap).startsWith("0000"));
+        QCOMPARE(other.ask("192.168.10.31", "420100820008000300000a0000000000"), "000000830004000300000001");
+        refresh();
+        QCOMPARE(row("km-1").text(1), "K?hl");
+        QCOMPARE(other.ask("192.168.10.31", "4201000400380004" + forceIp("025e41000001", "c0a80a5f")),
+                 "0000000500000004");
         type("editIpAddress", "192.168."); // half an address does not hinder Auto IP
         clickOn("btnUseAutoIp");
         sleepUntil({"restarted camera=belt"});
         QCOMPARE(save(), QStringList());
         QVERIFY(row("km-1").text(6).startsWith("169.254."));
+        QCOMPARE(simulator().takeEvents().filter(QRegularExpression("by=broadcast.*K\uFFFDhl")).size(),
+                 2); // nobody edited it
     }
 
     void anotherMakersCameraIsConfiguredByUnicast()
@@ -91,17 +110,33 @@ private slots:
     {
         start("test-saving", "BX-5");
         OtherProgram other;
-        const QByteArray gap(24, '0');
-        const QByteArray toFree = "02a317000005" + gap + "c0a80a5f" + gap + "ffffff00" + gap + "00000000";
-        const QByteArray toTaken = "02a317000006" + gap + "c0a80a19" + gap + "ffffff00" + gap + "00000000";
-        QCOMPARE(other.ask("192.168.10.25", "42010004003800010000" + toFree), "0000000500000001");
-        QCOMPARE(other.ask("192.168.10.26", "42010004003800020000" + toTaken), "0000000500000002");
+        QCOMPARE(other.ask("192.168.10.25", "4201000400380001" + forceIp("02a317000005", "c0a80a5f")),
+                 "0000000500000001");
+        QCOMPARE(other.ask("192.168.10.26", "4201000400380002" + forceIp("02a317000006", "c0a80a19")),
+                 "0000000500000002");
         type("editCustomName", "mine");
         saveFails({gui::forceIpDialog, gui::notSaved});
         QVERIFY(takeDebug().join('\n').contains(
             "The address 192.168.10.25 was that of the camera with MAC 02A317000005 and is now"));
         QCOMPARE(simulator().takeEvents().filter(QRegularExpression("^(configured|controlled)")),
                  QStringList());
+        DeviceLister().discoverAllDevices(); // as a wait for some camera does; the rows stay as they are
+        saveFails(
+            {gui::report(
+                 "The address 192.168.10.25 is now that of another camera (MAC address 02:A3:17:00:00:06). Refresh the list first.",
+                 "unicastConfiguration"),
+             gui::notSaved});
+        QCOMPARE(simulator().takeEvents().filter("configured"), QStringList());
+    }
+
+    void aCameraThatIsBusySilentAndRefusesBlocksIsConfigured()
+    {
+        start("test-difficult", "BX-5");
+        type("editDefaultGateway", "192.168."); // half of one does not hinder DHCP
+        clickOn("btnUseDhcp");
+        sleepUntil({"restarted camera=difficult"});
+        QCOMPARE(save(), QStringList());
+        QVERIFY(row("BX-5").text(6).startsWith("169.254.")); // there is no server
     }
 
     void aCameraThatVanishesWhileItIsWrittenKeepsTheEdits()

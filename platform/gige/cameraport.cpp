@@ -233,6 +233,7 @@ bool CameraPort::receive(std::uint16_t requestId, gvcp::Ack expected, const std:
     if (acknowledge->code == gvcp::Ack::Pending) {
         if (const auto more = gvcp::decodePendingAck(acknowledge->payload)) {
             attempts.extend(*more, Clock::now());
+            m_wasBusy = false;
         }
         return false;
     }
