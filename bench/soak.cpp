@@ -186,12 +186,10 @@ bool Soak::storeByUnicast(const Target& target, const Settings& wanted)
 
 bool Soak::hasStored(const Target& target, const Settings& wanted)
 {
-    const auto is = [&](const char* key, const std::string& value) {
-        return m_simulator->state(target.name, key).toStdString() == value;
-    };
-    return is("enabled", wanted.dhcp ? "persistent,dhcp" : "persistent") && is("persistent-ip", wanted.ip) &&
-           is("persistent-mask", wanted.mask) && is("persistent-gateway", wanted.gateway) &&
-           is("name", wanted.name);
+    const std::string stored = std::string(wanted.dhcp ? " enabled=persistent,dhcp" : " enabled=persistent") +
+                               " persistent-ip=" + wanted.ip + " persistent-mask=" + wanted.mask +
+                               " persistent-gateway=" + wanted.gateway + " name=\"" + wanted.name + "\" ";
+    return m_simulator->states(target.name).join('\n').contains(stored.c_str());
 }
 
 bool Soak::comesBack(const Target& target, const std::string& ip)
@@ -272,7 +270,7 @@ bool runAll(QStringList names)
     if (names.isEmpty() && !isLong) {
         names = {"20 % loss", "5 % loss and all the rest"};
     }
-    auto* const made = Tessal::CTlFactory::GetInstance().CreateTl("OrvikGigE");
+    auto* const made = Tessal::CTlFactory::GetInstance().CreateTl(Tessal::GigEDeviceClass);
     Soak soak(dynamic_cast<Tessal::IGigETransportLayer&>(*made));
     QElapsedTimer watch;
     watch.start();

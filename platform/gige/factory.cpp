@@ -1,6 +1,5 @@
 #include "gige/errors.h"
 #include "gige/gigetransportlayer.h"
-#include "gige/record.h"
 #include "gige/trace.h"
 
 #include <memory>
@@ -26,7 +25,7 @@ CTlFactory& CTlFactory::GetInstance()
 
 ITransportLayer* CTlFactory::CreateTl(const GenICam::gcstring& deviceClass)
 {
-    if (!(deviceClass == gige::deviceClass)) {
+    if (!(deviceClass == GigEDeviceClass)) {
         return nullptr;
     }
     transportLayers().push_back(std::make_unique<gige::GigETransportLayer>());

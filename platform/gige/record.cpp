@@ -25,7 +25,7 @@ Tessal::CDeviceInfo makeRecord(const gvcp::Identity& camera, net::Ipv4 heardBy)
     const std::string ip = net::formatIpv4(camera.ip);
     const std::string port = std::to_string(gvcp::Port);
     CDeviceInfo record;
-    record.SetPropertyValue(Key::DeviceClass, deviceClass);
+    record.SetPropertyValue(Key::DeviceClass, GigEDeviceClass);
     record.SetPropertyValue(Key::VendorName, camera.manufacturer);
     record.SetPropertyValue(Key::ModelName, camera.model);
     record.SetPropertyValue(Key::DeviceVersion, camera.deviceVersion);

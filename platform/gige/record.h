@@ -5,8 +5,6 @@
 
 namespace gige {
 
-inline constexpr const char* deviceClass = "OrvikGigE";
-
 /// The record of a camera that the host address `heardBy` heard.
 [[nodiscard]] Tessal::CDeviceInfo makeRecord(const gvcp::Identity& camera, net::Ipv4 heardBy);
 

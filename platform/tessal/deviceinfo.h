@@ -8,9 +8,12 @@
 
 namespace Tessal {
 
+/// The device class of every record, and of the transport layer that makes it.
+inline constexpr char GigEDeviceClass[] = "OrvikGigE";
+
 /// Names of the properties that the SDK gives a record. All values are text.
 namespace Key {
-inline constexpr char DeviceClass[] = "DeviceClass";           // always "OrvikGigE"
+inline constexpr char DeviceClass[] = "DeviceClass";           // always GigEDeviceClass
 inline constexpr char VendorName[] = "VendorName";             // at most 32 bytes
 inline constexpr char ModelName[] = "ModelName";               // at most 32 bytes
 inline constexpr char DeviceVersion[] = "DeviceVersion";       // at most 32 bytes

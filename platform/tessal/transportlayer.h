@@ -14,6 +14,7 @@ enum class EDeviceAccessMode : int {
     Event = 4,
 };
 
+/// All that one application wants of a camera at the same time.
 class AccessModeSet
 {
 public:
@@ -86,6 +87,7 @@ public:
                                  const GenICam::gcstring& defaultGateway) = 0;
 };
 
+/// Finds cameras and makes devices for them.
 class IDeviceFactory
 {
 public:
@@ -151,7 +153,7 @@ class CTlFactory
 public:
     [[nodiscard]] static CTlFactory& GetInstance();
 
-    /// The transport layer of that device class ("OrvikGigE"), or null for another one.
+    /// The transport layer of that device class (GigEDeviceClass), or null for another one.
     [[nodiscard]] ITransportLayer* CreateTl(const GenICam::gcstring& deviceClass);
     /// Takes back what CreateTl made; devices that are still open are released. Null is allowed.
     void ReleaseTl(const ITransportLayer* transportLayer);
