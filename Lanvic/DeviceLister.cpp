@@ -20,21 +20,25 @@ Tessal::IGigETransportLayer* DeviceLister::s_pTl = nullptr;
 
 namespace {
 
-constexpr char deviceClass[] = "OrvikGigE";
 constexpr char partSeparator[] = ";";
 
-DeviceInfoList withoutIdenticalRecords(const DeviceInfoList& found)
+/// Different records, and where those of each MAC address are among them: only these are compared with one
+/// another, so that a thousand cameras cost no more than a thousand look-ups.
+struct UniqueRecords
 {
-    DeviceInfoList unique;
-    // Only records of one MAC address are compared with one another, so that a thousand cameras cost no more
-    // than a thousand look-ups.
+    DeviceInfoList records;
     std::map<gcstring, std::vector<std::size_t>> positionsOfMac;
+};
+
+UniqueRecords withoutIdenticalRecords(const DeviceInfoList& found)
+{
+    UniqueRecords unique;
     for (const COrvikGigEDeviceInfo& record : found) {
-        std::vector<std::size_t>& positions = positionsOfMac[record.GetMacAddress()];
-        const auto isSame = [&](std::size_t position) { return unique.at(position) == record; };
+        std::vector<std::size_t>& positions = unique.positionsOfMac[record.GetMacAddress()];
+        const auto isSame = [&](std::size_t position) { return unique.records.at(position) == record; };
         if (std::ranges::none_of(positions, isSame)) {
-            positions.push_back(unique.size());
-            unique.push_back(record);
+            positions.push_back(unique.records.size());
+            unique.records.push_back(record);
         }
     }
     return unique;
@@ -82,18 +86,6 @@ void mergeDuplicatesOfCamera(DeviceInfoList& records, const std::vector<std::siz
     }
 }
 
-void mergeDuplicates(DeviceInfoList& records)
-{
-    std::map<gcstring, std::vector<std::size_t>> positionsOfMac;
-    std::size_t position = 0;
-    for (const COrvikGigEDeviceInfo& record : records) {
-        positionsOfMac[record.GetMacAddress()].push_back(position++);
-    }
-    for (const auto& [mac, positions] : positionsOfMac) {
-        mergeDuplicatesOfCamera(records, positions);
-    }
-}
-
 int queryAccessibility(const COrvikGigEDeviceInfo& record)
 {
     int code = Tessal::Accessibility::Unknown;
@@ -127,7 +119,7 @@ void DeviceLister::createTransportLayer()
         return;
     }
     Tessal::CTlFactory& factory = Tessal::CTlFactory::GetInstance();
-    Tessal::ITransportLayer* const created = factory.CreateTl(deviceClass);
+    Tessal::ITransportLayer* const created = factory.CreateTl(Tessal::GigEDeviceClass);
     s_pTl = dynamic_cast<Tessal::IGigETransportLayer*>(created);
     if (s_pTl == nullptr) {
         factory.ReleaseTl(created);
@@ -147,10 +139,12 @@ void DeviceLister::discoverAllDevices()
     if (found.empty()) {
         return;
     }
-    DeviceInfoList unique = withoutIdenticalRecords(found);
-    nameAdapters(unique);
-    mergeDuplicates(unique);
-    for (const COrvikGigEDeviceInfo& record : unique) {
+    auto [records, positionsOfMac] = withoutIdenticalRecords(found);
+    nameAdapters(records);
+    for (const auto& [mac, positions] : positionsOfMac) {
+        mergeDuplicatesOfCamera(records, positions);
+    }
+    for (const COrvikGigEDeviceInfo& record : records) {
         if (!record.GetMacAddress().empty()) {
             m_devices.push_back(record);
         }
