@@ -6,7 +6,6 @@
 #include <arpa/inet.h>
 #include <array>
 #include <cerrno>
-#include <net/if.h>
 #include <netinet/in.h>
 #include <poll.h>
 #include <set>
@@ -43,8 +42,8 @@ void askEverybody(int socket)
 {
     std::array<std::uint8_t, gvcp::HeaderSize> question{gvcp::Key, gvcp::Flag::AckRequired |
                                                                        gvcp::Flag::AllowBroadcastAck};
-    bytes::put16(question, 2, static_cast<std::uint16_t>(gvcp::Command::Discovery));
-    bytes::put16(question, 6, 1);
+    bytes::put16(question, gvcp::Header::Code, static_cast<std::uint16_t>(gvcp::Command::Discovery));
+    bytes::put16(question, gvcp::Header::RequestId, 1);
     sockaddr_in everybody{};
     everybody.sin_family = AF_INET;
     everybody.sin_port = htons(gvcp::Port);

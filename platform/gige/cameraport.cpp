@@ -61,9 +61,10 @@ void CameraPort::read(std::uint32_t address, std::span<std::uint8_t> to)
     checkRange(address, to.size());
     std::array<std::uint8_t, gvcp::MaxDataSize> aligned{};
     while (!to.empty()) {
-        const std::uint32_t skipped = address % 4;
+        const std::uint32_t skipped = address % gvcp::RegisterSize;
         const std::size_t taken = std::min(to.size(), aligned.size() - skipped);
-        const std::size_t wanted = (skipped + taken + 3) / 4 * 4;
+        const std::size_t wanted =
+            (skipped + taken + gvcp::RegisterSize - 1) / gvcp::RegisterSize * gvcp::RegisterSize;
         const auto block = std::span(aligned).first(wanted);
         readBlock(address - skipped, block);
         std::ranges::copy(block.subspan(skipped, taken), to.begin());
@@ -74,7 +75,7 @@ void CameraPort::read(std::uint32_t address, std::span<std::uint8_t> to)
 
 void CameraPort::readBlock(std::uint32_t address, std::span<std::uint8_t> to)
 {
-    if (to.size() == 4) {
+    if (to.size() == gvcp::RegisterSize) {
         bytes::put32(to, 0, readRegister(address));
         return;
     }
@@ -105,7 +106,7 @@ std::uint32_t CameraPort::readRegister(std::uint32_t address)
 
 void CameraPort::writeRegister(std::uint32_t address, std::uint32_t value)
 {
-    std::array<std::uint8_t, 4> word{};
+    std::array<std::uint8_t, gvcp::RegisterSize> word{};
     bytes::put32(word, 0, value);
     writeBlock(address, word);
 }
@@ -113,13 +114,14 @@ void CameraPort::writeRegister(std::uint32_t address, std::uint32_t value)
 void CameraPort::write(std::uint32_t address, std::span<const std::uint8_t> from)
 {
     checkRange(address, from.size());
-    if (address % 4 != 0 || from.size() % 4 != 0) {
+    if (address % gvcp::RegisterSize != 0 || from.size() % gvcp::RegisterSize != 0) {
         raise<GenICam::InvalidArgumentException>("Cannot write " + std::to_string(from.size()) +
                                                  " bytes at " + hex(address) +
                                                  ": address and length must be multiples of 4");
     }
     while (!from.empty()) {
-        const auto block = from.first(m_writeMemGranted ? std::min(from.size(), gvcp::MaxDataSize) : 4);
+        const auto block =
+            from.first(m_writeMemGranted ? std::min(from.size(), gvcp::MaxDataSize) : gvcp::RegisterSize);
         writeBlock(address, block);
         from = from.subspan(block.size());
         address += static_cast<std::uint32_t>(block.size());
@@ -130,7 +132,7 @@ void CameraPort::writeBlock(std::uint32_t address, std::span<const std::uint8_t>
 {
     const std::uint16_t id = nextRequestId();
     try {
-        if (block.size() == 4) {
+        if (block.size() == gvcp::RegisterSize) {
             const std::uint32_t value = bytes::get32(block, 0);
             exchange(id, gvcp::encodeWriteReg(id, address, value), gvcp::Ack::WriteReg,
                      "WRITEREG of " + hex(value) + " to " + hex(address), gvcp::isWriteAck);

@@ -11,11 +11,11 @@ namespace {
 Packet command(Command code, std::uint8_t flags, std::uint16_t requestId, std::size_t payloadSize)
 {
     Packet packet(HeaderSize + payloadSize);
-    packet[0] = Key;
-    packet[1] = flags;
-    bytes::put16(packet, 2, static_cast<std::uint16_t>(code));
-    bytes::put16(packet, 4, static_cast<std::uint16_t>(payloadSize));
-    bytes::put16(packet, 6, requestId);
+    packet[Header::Key] = Key;
+    packet[Header::Flags] = flags;
+    bytes::put16(packet, Header::Code, static_cast<std::uint16_t>(code));
+    bytes::put16(packet, Header::Length, static_cast<std::uint16_t>(payloadSize));
+    bytes::put16(packet, Header::RequestId, requestId);
     return packet;
 }
 
@@ -84,10 +84,6 @@ std::string validUtf8(std::string text)
     return text;
 }
 
-constexpr std::size_t writeAckSize = 4;
-constexpr std::size_t pendingAckSize = 4;
-constexpr std::size_t pendingAckTime = 2; // offset
-
 } // namespace
 
 Packet encodeDiscovery(std::uint16_t requestId)
@@ -122,43 +118,44 @@ Packet encodeBroadcastIpConfig(std::uint16_t requestId, const StoredConfiguratio
 
 Packet encodeReadReg(std::uint16_t requestId, std::uint32_t address)
 {
-    Packet packet = command(Command::ReadReg, Flag::AckRequired, requestId, 4);
+    Packet packet = command(Command::ReadReg, Flag::AckRequired, requestId, RegisterSize);
     bytes::put32(packet, HeaderSize, address);
     return packet;
 }
 
 Packet encodeWriteReg(std::uint16_t requestId, std::uint32_t address, std::uint32_t value)
 {
-    Packet packet = command(Command::WriteReg, Flag::AckRequired, requestId, 8);
+    Packet packet = command(Command::WriteReg, Flag::AckRequired, requestId, 2 * RegisterSize);
     bytes::put32(packet, HeaderSize, address);
-    bytes::put32(packet, HeaderSize + 4, value);
+    bytes::put32(packet, HeaderSize + RegisterSize, value);
     return packet;
 }
 
 Packet encodeReadMem(std::uint16_t requestId, std::uint32_t address, std::uint16_t count)
 {
-    Packet packet = command(Command::ReadMem, Flag::AckRequired, requestId, 8);
-    bytes::put32(packet, HeaderSize, address);
-    bytes::put16(packet, HeaderSize + 6, count);
+    Packet packet = command(Command::ReadMem, Flag::AckRequired, requestId, ReadMem::Size);
+    bytes::put32(packet, HeaderSize + ReadMem::Address, address);
+    bytes::put16(packet, HeaderSize + ReadMem::Count, count);
     return packet;
 }
 
 Packet encodeWriteMem(std::uint16_t requestId, std::uint32_t address, Bytes data)
 {
-    Packet packet = command(Command::WriteMem, Flag::AckRequired, requestId, 4 + data.size());
+    Packet packet = command(Command::WriteMem, Flag::AckRequired, requestId, RegisterSize + data.size());
     bytes::put32(packet, HeaderSize, address);
-    std::ranges::copy(data, payloadOf(packet).subspan(4).begin());
+    std::ranges::copy(data, payloadOf(packet).subspan(RegisterSize).begin());
     return packet;
 }
 
 std::optional<Acknowledge> decodeAcknowledge(Bytes datagram)
 {
-    if (datagram.size() < HeaderSize || bytes::get16(datagram, 4) != datagram.size() - HeaderSize) {
+    if (datagram.size() < HeaderSize ||
+        bytes::get16(datagram, Header::Length) != datagram.size() - HeaderSize) {
         return std::nullopt;
     }
-    return Acknowledge{.status = static_cast<Status>(bytes::get16(datagram, 0)),
-                       .code = static_cast<Ack>(bytes::get16(datagram, 2)),
-                       .requestId = bytes::get16(datagram, 6),
+    return Acknowledge{.status = static_cast<Status>(bytes::get16(datagram, Header::Status)),
+                       .code = static_cast<Ack>(bytes::get16(datagram, Header::Code)),
+                       .requestId = bytes::get16(datagram, Header::RequestId),
                        .payload = datagram.subspan(HeaderSize)};
 }
 
@@ -187,7 +184,7 @@ std::optional<Identity> decodeIdentity(Bytes payload)
 
 std::optional<std::uint32_t> decodeReadRegAck(Bytes payload)
 {
-    if (payload.size() != 4) {
+    if (payload.size() != RegisterSize) {
         return std::nullopt;
     }
     return bytes::get32(payload, 0);
@@ -195,23 +192,23 @@ std::optional<std::uint32_t> decodeReadRegAck(Bytes payload)
 
 std::optional<Bytes> decodeReadMemAck(Bytes payload, std::uint32_t address, std::size_t count)
 {
-    if (payload.size() != 4 + count || bytes::get32(payload, 0) != address) {
+    if (payload.size() != RegisterSize + count || bytes::get32(payload, 0) != address) {
         return std::nullopt;
     }
-    return payload.subspan(4);
+    return payload.subspan(RegisterSize);
 }
 
 bool isWriteAck(Bytes payload)
 {
-    return payload.size() == writeAckSize;
+    return payload.size() == WriteAck::Size;
 }
 
 std::optional<std::chrono::milliseconds> decodePendingAck(Bytes payload)
 {
-    if (payload.size() != pendingAckSize) {
+    if (payload.size() != PendingAck::Size) {
         return std::nullopt;
     }
-    return std::chrono::milliseconds(bytes::get16(payload, pendingAckTime));
+    return std::chrono::milliseconds(bytes::get16(payload, PendingAck::Time));
 }
 
 } // namespace gvcp

@@ -38,6 +38,7 @@ struct Identity
     friend bool operator==(const Identity&, const Identity&) = default;
 };
 
+/// What FORCEIP carries.
 struct AddressAssignment
 {
     net::MacAddress mac;
@@ -46,10 +47,11 @@ struct AddressAssignment
     net::Ipv4 gateway;
 };
 
+/// What the manufacturer's broadcast command carries.
 struct StoredConfiguration
 {
     net::MacAddress mac;
-    std::uint32_t ipConfig = IpConfig::LinkLocal;
+    std::uint32_t ipConfig = IpConfig::LinkLocal; // bits of IpConfig
     net::Ipv4 ip;
     net::Ipv4 mask;
     net::Ipv4 gateway;

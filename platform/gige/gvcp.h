@@ -7,12 +7,23 @@
 /// layer and the simulated cameras. All fields are big-endian.
 namespace gvcp {
 
-inline constexpr std::uint16_t Port = 3956;     // UDP port on which a camera listens
-inline constexpr std::uint8_t Key = 0x42;       // first byte of every command
-inline constexpr std::size_t HeaderSize = 8;    // bytes, of commands and acknowledges alike
-inline constexpr std::size_t MaxDataSize = 512; // bytes of memory in one READMEM or WRITEMEM
+inline constexpr std::uint16_t Port = 3956;      // UDP port on which a camera listens
+inline constexpr std::uint8_t Key = 0x42;        // first byte of every command
+inline constexpr std::size_t HeaderSize = 8;     // bytes, of commands and acknowledges alike
+inline constexpr std::uint32_t RegisterSize = 4; // bytes; also what addresses and lengths are multiples of
+inline constexpr std::size_t MaxDataSize = 512;  // bytes of memory in one READMEM or WRITEMEM
 inline constexpr std::size_t MaxPacketSize =
-    HeaderSize + 4 + MaxDataSize + 12; // bytes; no message is longer than 540
+    HeaderSize + 4 + MaxDataSize + 12; // bytes; the longest message, an acknowledge of READMEM, has 524
+
+/// Offsets in the header. A command begins with key and flags, an acknowledge with its status.
+namespace Header {
+inline constexpr std::size_t Key = 0;
+inline constexpr std::size_t Flags = 1;
+inline constexpr std::size_t Status = 0;
+inline constexpr std::size_t Code = 2;
+inline constexpr std::size_t Length = 4; // bytes of the payload
+inline constexpr std::size_t RequestId = 6;
+} // namespace Header
 
 namespace Flag {
 inline constexpr std::uint8_t AckRequired = 0x01;
@@ -41,11 +52,6 @@ enum class Ack : std::uint16_t {
     Pending = 0x0089, // has no command of its own
     BroadcastIpConfig = 0x8011,
 };
-
-[[nodiscard]] constexpr Ack ackOf(Command command)
-{
-    return static_cast<Ack>(static_cast<std::uint16_t>(command) + 1);
-}
 
 enum class Status : std::uint16_t {
     Success = 0x0000,
@@ -93,6 +99,24 @@ inline constexpr std::size_t Ip = 20;
 inline constexpr std::size_t Mask = 36;
 inline constexpr std::size_t Gateway = 52;
 } // namespace ForceIp
+
+/// READMEM. READREG, WRITEREG and WRITEMEM, and what READMEM reads, are addresses followed by values.
+namespace ReadMem {
+inline constexpr std::size_t Size = 8;
+inline constexpr std::size_t Address = 0;
+inline constexpr std::size_t Count = 6; // bytes
+} // namespace ReadMem
+
+/// The acknowledge of WRITEREG and WRITEMEM.
+namespace WriteAck {
+inline constexpr std::size_t Size = 4;
+inline constexpr std::size_t Index = 2; // how much was written
+} // namespace WriteAck
+
+namespace PendingAck {
+inline constexpr std::size_t Size = 4;
+inline constexpr std::size_t Time = 2; // ms
+} // namespace PendingAck
 
 /// The manufacturer's broadcast command; its acknowledge has no payload.
 namespace BroadcastIpConfig {

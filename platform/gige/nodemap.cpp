@@ -11,23 +11,10 @@
 
 #include <array>
 #include <map>
-#include <optional>
 
 namespace gige {
 
 namespace {
-
-/// A feature that has a name and nothing more that is offered here.
-class OtherNode : public GenApi::INode
-{
-public:
-    explicit OtherNode(std::string name) : m_name(std::move(name)) {}
-
-    [[nodiscard]] GenICam::gcstring GetName() const override { return m_name; }
-
-private:
-    std::string m_name;
-};
 
 class XmlNodeMap : public GenApi::INodeMap
 {
@@ -47,7 +34,7 @@ public:
             if (XmlStringNode::handles(element)) {
                 node = std::make_unique<XmlStringNode>(element, *m_description, m_port);
             } else {
-                node = std::make_unique<OtherNode>(std::string(name.view()));
+                node = std::make_unique<NamedNode>(std::string(name.view()));
             }
         }
         return node.get();
@@ -82,7 +69,7 @@ private:
 /// A camera that refuses to tell grants nothing.
 bool grantsName(RegisterPort& port)
 {
-    std::array<std::uint8_t, 4> capability{};
+    std::array<std::uint8_t, gvcp::RegisterSize> capability{};
     try {
         port.read(gvcp::Register::Capability, capability);
     } catch (const RefusalException&) {

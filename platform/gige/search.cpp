@@ -150,7 +150,7 @@ bool Search::isLossy() const
     std::set<std::size_t> channelsHeard;
     for (const auto& [key, heard] : m_found) {
         const HostAddress& host = m_broadcaster->host(key.first);
-        const bool isForeign = ((heard.identity.ip.value ^ host.address.value) & host.mask.value) != 0;
+        const bool isForeign = !net::inSameSubnet(heard.identity.ip, host.address, host.mask);
         if (heard.answers < (isForeign ? 1 : 2) * (rounds - 1)) {
             return true;
         }

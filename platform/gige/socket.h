@@ -13,13 +13,7 @@ namespace gige {
 
 using Clock = std::chrono::steady_clock;
 
-struct Endpoint
-{
-    net::Ipv4 address;
-    std::uint16_t port = 0;
-
-    friend bool operator==(const Endpoint&, const Endpoint&) = default;
-};
+using net::Endpoint;
 
 /// The adapter to leave by and the host address to name as the source.
 struct Origin

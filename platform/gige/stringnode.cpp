@@ -34,7 +34,7 @@ void StringRegister::write(std::string_view text) const
                                                  " bytes was given; the camera takes up to " +
                                                  std::to_string(m_range.length) + " bytes other than NUL.");
     }
-    constexpr std::size_t Word = 4;
+    constexpr std::size_t Word = gvcp::RegisterSize;
     const std::size_t before = m_range.address % Word;
     const std::size_t end = before + m_range.length;
     const std::size_t lastWord = (end - 1) / Word * Word;
@@ -53,7 +53,7 @@ void StringRegister::write(std::string_view text) const
 }
 
 NameRegisterNode::NameRegisterNode(RegisterPort& port)
-    : StringFeature("DeviceUserID"),
+    : NamedNode("DeviceUserID"),
       m_register(port, {.address = gvcp::Register::UserDefinedName,
                         .length = gvcp::DiscoveryAck::UserDefinedNameSize})
 {}
@@ -82,7 +82,7 @@ struct XmlStringNode::Resolved
 };
 
 XmlStringNode::XmlStringNode(pugi::xml_node node, const XmlDescription& description, RegisterPort& port)
-    : StringFeature(node.attribute("Name").value()), m_node(node), m_description(description), m_port(port)
+    : NamedNode(node.attribute("Name").value()), m_node(node), m_description(description), m_port(port)
 {}
 
 bool XmlStringNode::handles(pugi::xml_node node)

@@ -19,7 +19,8 @@ public:
 
     [[nodiscard]] std::string read() const;
     /// Writes all bytes of the register at once, leaving those that share its first and last word as they
-    /// are. InvalidArgumentException when the text does not fit or holds a NUL.
+    /// are. InvalidArgumentException when the text does not fit or holds a NUL, also where nobody wants the
+    /// value verified: there is no way to write it.
     void write(std::string_view text) const;
     [[nodiscard]] std::uint32_t length() const { return m_range.length; }
 
@@ -28,12 +29,11 @@ private:
     RegisterRange m_range;
 };
 
-/// A text feature. A text that its register cannot hold is refused whatever `verify` says: there is no way to
-/// write it.
-class StringFeature : public GenApi::INode, public GenApi::IString
+/// A feature by its name. One that is no text offers nothing more here.
+class NamedNode : public GenApi::INode
 {
 public:
-    explicit StringFeature(std::string name) : m_name(std::move(name)) {}
+    explicit NamedNode(std::string name) : m_name(std::move(name)) {}
 
     [[nodiscard]] GenICam::gcstring GetName() const override { return m_name; }
 
@@ -44,7 +44,7 @@ private:
 };
 
 /// The standard register for the name that a user gives a camera.
-class NameRegisterNode : public StringFeature
+class NameRegisterNode : public NamedNode, public GenApi::IString
 {
 public:
     explicit NameRegisterNode(RegisterPort& port);
@@ -60,7 +60,7 @@ private:
 /// A StringReg or String node of a description. A node that its description does not resolve to a register or
 /// a fixed text raises RuntimeException when it is used. A fixed text is never writable, since the camera
 /// would not see it.
-class XmlStringNode : public StringFeature
+class XmlStringNode : public NamedNode, public GenApi::IString
 {
 public:
     XmlStringNode(pugi::xml_node node, const XmlDescription& description, RegisterPort& port);

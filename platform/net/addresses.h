@@ -19,6 +19,15 @@ struct Ipv4
 
 inline constexpr Ipv4 limitedBroadcast{0xFFFFFFFF};
 
+/// Where a UDP datagram comes from or goes to.
+struct Endpoint
+{
+    Ipv4 address;
+    std::uint16_t port = 0;
+
+    friend bool operator==(const Endpoint&, const Endpoint&) = default;
+};
+
 /// A hardware address in the order in which it stands on the wire.
 struct MacAddress
 {

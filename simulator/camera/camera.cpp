@@ -26,8 +26,9 @@ bool isMac(std::span<const std::uint8_t> payload, std::size_t offset, const net:
 
 Message pendingAcknowledge(Duration left, std::uint16_t id)
 {
-    std::array<std::uint8_t, 4> payload{};
-    bytes::put16(payload, 2, static_cast<std::uint16_t>(std::min<Duration::rep>(left.count(), 0xFFFF)));
+    std::array<std::uint8_t, gvcp::PendingAck::Size> payload{};
+    bytes::put16(payload, gvcp::PendingAck::Time,
+                 static_cast<std::uint16_t>(std::min<Duration::rep>(left.count(), 0xFFFF)));
     return makeAcknowledge(Status::Success, static_cast<std::uint16_t>(gvcp::Ack::Pending), id, payload);
 }
 
@@ -115,7 +116,7 @@ bool Camera::answerRepeat(const Request& request, Instant now, Effects& effects)
     if (m_config.faults.pendingAck > Duration::zero() && now < m_lastExecuted->readyAt) {
         // still at work: the answer to the first copy will serve this one as well
         answer.message = pendingAcknowledge(std::chrono::ceil<Duration>(m_lastExecuted->readyAt - now),
-                                            bytes::get16(request.bytes, 6));
+                                            bytes::get16(request.bytes, gvcp::Header::RequestId));
     }
     answer.delay = m_config.faults.answerDelay;
     effects.answers.push_back(answer);

@@ -8,7 +8,6 @@
 #include "events.h"
 
 #include <array>
-#include <string>
 #include <vector>
 
 namespace sim {

@@ -7,9 +7,8 @@ namespace sim {
 
 namespace {
 
+using gvcp::RegisterSize;
 using gvcp::Status;
-
-constexpr std::size_t RegisterSize = 4; // bytes
 
 bool isUsableAddress(net::Ipv4 ip)
 {
@@ -148,11 +147,11 @@ Camera::Outcome Camera::readRegisters(std::span<const std::uint8_t> payload, End
 
 Camera::Outcome Camera::readMemory(std::span<const std::uint8_t> payload, Endpoint from)
 {
-    if (payload.size() != 8) {
+    if (payload.size() != gvcp::ReadMem::Size) {
         return {Status::InvalidParameter, "wrong length"};
     }
-    const std::uint32_t address = bytes::get32(payload, 0);
-    const std::size_t count = bytes::get16(payload, 6);
+    const std::uint32_t address = bytes::get32(payload, gvcp::ReadMem::Address);
+    const std::size_t count = bytes::get16(payload, gvcp::ReadMem::Count);
     if (count == 0 || count > gvcp::MaxDataSize) {
         return {Status::InvalidParameter, "wrong number of bytes"};
     }
@@ -310,9 +309,9 @@ Camera::Outcome Camera::broadcastIpConfig(std::span<const std::uint8_t> payload,
 
 void Camera::answerIndex(std::size_t index)
 {
-    m_payload.size = RegisterSize;
+    m_payload.size = gvcp::WriteAck::Size;
     bytes::put16(m_payload.all(), 0, 0);
-    bytes::put16(m_payload.all(), 2, static_cast<std::uint16_t>(index));
+    bytes::put16(m_payload.all(), gvcp::WriteAck::Index, static_cast<std::uint16_t>(index));
 }
 
 } // namespace sim

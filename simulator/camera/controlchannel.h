@@ -4,8 +4,6 @@
 #include "camera/time.h"
 #include "gige/gvcp.h"
 
-#include <optional>
-
 namespace sim {
 
 /// Who controls a camera, and for how long. An application is known by its address and port.

@@ -29,11 +29,12 @@ std::optional<CommandMessage> parseCommand(std::span<const std::uint8_t> bytes)
     }
     CommandMessage command;
     command.payload = bytes.subspan(gvcp::HeaderSize);
-    command.isWellFormed = bytes[0] == gvcp::Key && bytes::get16(bytes, 4) == command.payload.size();
-    command.ackRequired = (bytes[1] & gvcp::Flag::AckRequired) != 0;
-    command.allowBroadcastAck = (bytes[1] & gvcp::Flag::AllowBroadcastAck) != 0;
-    command.code = bytes::get16(bytes, 2);
-    command.id = bytes::get16(bytes, 6);
+    command.isWellFormed = bytes[gvcp::Header::Key] == gvcp::Key &&
+                           bytes::get16(bytes, gvcp::Header::Length) == command.payload.size();
+    command.ackRequired = (bytes[gvcp::Header::Flags] & gvcp::Flag::AckRequired) != 0;
+    command.allowBroadcastAck = (bytes[gvcp::Header::Flags] & gvcp::Flag::AllowBroadcastAck) != 0;
+    command.code = bytes::get16(bytes, gvcp::Header::Code);
+    command.id = bytes::get16(bytes, gvcp::Header::RequestId);
     return command;
 }
 
@@ -43,10 +44,10 @@ Message makeAcknowledge(gvcp::Status status, std::uint16_t code, std::uint16_t i
     Message message;
     message.size = gvcp::HeaderSize + payload.size();
     const std::span<std::uint8_t> bytes = message.all();
-    bytes::put16(bytes, 0, static_cast<std::uint16_t>(status));
-    bytes::put16(bytes, 2, code);
-    bytes::put16(bytes, 4, static_cast<std::uint16_t>(payload.size()));
-    bytes::put16(bytes, 6, id);
+    bytes::put16(bytes, gvcp::Header::Status, static_cast<std::uint16_t>(status));
+    bytes::put16(bytes, gvcp::Header::Code, code);
+    bytes::put16(bytes, gvcp::Header::Length, static_cast<std::uint16_t>(payload.size()));
+    bytes::put16(bytes, gvcp::Header::RequestId, id);
     std::copy(payload.begin(), payload.end(), bytes.begin() + gvcp::HeaderSize);
     return message;
 }

@@ -11,13 +11,7 @@
 
 namespace sim {
 
-struct Endpoint
-{
-    net::Ipv4 address;
-    std::uint16_t port = 0;
-
-    friend bool operator==(const Endpoint&, const Endpoint&) = default;
-};
+using net::Endpoint;
 
 /// The bytes of one GVCP message of this simulator, held in place: answers come in thousands.
 struct Message

@@ -6,11 +6,7 @@
 
 namespace sim {
 
-namespace {
-
-constexpr std::uint32_t RegisterSize = 4; // bytes
-
-} // namespace
+using gvcp::RegisterSize;
 
 /// Everything that can be read, and whether it can be written, in ascending order.
 std::vector<RegisterSpace::Range> RegisterSpace::rangesOf(bool hasWritableName, std::size_t descriptionSize)
@@ -146,11 +142,6 @@ std::string RegisterSpace::text(std::uint32_t address, std::size_t size) const
 {
     const auto field = std::span(m_bootstrap).subspan(address, size);
     return {field.begin(), std::find(field.begin(), field.end(), std::uint8_t{0})};
-}
-
-std::span<const std::uint8_t> RegisterSpace::discoveryData() const
-{
-    return std::span(m_bootstrap).first(gvcp::DiscoveryAck::Size);
 }
 
 } // namespace sim

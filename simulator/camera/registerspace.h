@@ -32,7 +32,6 @@ public:
     void setText(std::uint32_t address, std::size_t size, std::string_view text);
     [[nodiscard]] std::string text(std::uint32_t address, std::size_t size) const;
 
-    [[nodiscard]] std::span<const std::uint8_t> discoveryData() const;
     /// Whether the user-defined name exists and may be written.
     [[nodiscard]] bool hasWritableName() const { return m_hasWritableName; }
 

@@ -76,10 +76,12 @@ void Impairments::spoil(SpoiledAnswer how, Message& message)
         truncate(message);
         break;
     case SpoiledAnswer::WrongId:
-        bytes::put16(bytes, 6, static_cast<std::uint16_t>(bytes::get16(bytes, 6) + 1));
+        bytes::put16(bytes, gvcp::Header::RequestId,
+                     static_cast<std::uint16_t>(bytes::get16(bytes, gvcp::Header::RequestId) + 1));
         break;
     case SpoiledAnswer::WrongLength:
-        bytes::put16(bytes, 4, static_cast<std::uint16_t>(bytes::get16(bytes, 4) + 4));
+        bytes::put16(bytes, gvcp::Header::Length,
+                     static_cast<std::uint16_t>(bytes::get16(bytes, gvcp::Header::Length) + 4));
         break;
     }
 }
