@@ -36,6 +36,7 @@ public:
     [[nodiscard]] virtual std::int64_t GetMaxLength() = 0;
 };
 
+/// The features of one camera.
 class INodeMap
 {
 public:

@@ -14,7 +14,8 @@ namespace gige {
 class Broadcaster
 {
 public:
-    /// An adapter that cannot be used is traced and left out.
+    /// An adapter that cannot be used is traced and left out. Throws SocketException when the adapters cannot
+    /// be listed.
     Broadcaster();
 
     /// Sends to the limited broadcast and the subnet's own, from every host address. A way that fails is

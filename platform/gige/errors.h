@@ -2,7 +2,6 @@
 
 #include "genicam/exceptions.h"
 #include "gige/gvcp.h"
-#include "gige/registerport.h"
 
 #include <string>
 
@@ -15,6 +14,14 @@ public:
     using RuntimeException::RuntimeException;
 };
 
+/// The camera answered, and said no for another reason than privilege.
+class RefusalException : public GenICam::RuntimeException
+{
+public:
+    using RuntimeException::RuntimeException;
+};
+
+/// The type name that an exception carries; null for a type that raise() is not made for.
 template <typename E>
 inline constexpr const char* exceptionName = nullptr;
 template <>

@@ -17,13 +17,12 @@ using namespace std::chrono_literals;
 
 constexpr auto freshFor = 1s;
 
-/// The value in `storage`, empty when the record has none.
-std::string_view property(const Tessal::CDeviceInfo& info, const char* name, GenICam::gcstring& storage)
+/// Empty when the record has none.
+GenICam::gcstring property(const Tessal::CDeviceInfo& info, const char* name)
 {
-    if (!info.GetPropertyValue(name, storage)) {
-        storage = {};
-    }
-    return storage.view();
+    GenICam::gcstring value;
+    info.GetPropertyValue(name, value);
+    return value;
 }
 
 /// Asks the camera itself who controls it.
@@ -120,8 +119,7 @@ Tessal::CDeviceInfo GigETransportLayer::CreateDeviceInfo()
 
 Tessal::ITessalDevice* GigETransportLayer::CreateDevice(const Tessal::CDeviceInfo& info)
 {
-    GenICam::gcstring address;
-    if (!info.GetPropertyValue(Tessal::Key::IpAddress, address)) {
+    if (!info.GetPropertyAvailable(Tessal::Key::IpAddress)) {
         return nullptr;
     }
     m_devices.push_back(std::make_unique<Device>(
@@ -177,12 +175,11 @@ void GigETransportLayer::checkStillThere(net::Ipv4 address, const net::MacAddres
 
 const FoundCamera* GigETransportLayer::findFresh(const Tessal::CDeviceInfo& info)
 {
-    GenICam::gcstring storage;
-    const auto mac = net::parseMac(property(info, Tessal::Key::MacAddress, storage));
-    const auto address = net::parseIpv4(property(info, Tessal::Key::IpAddress, storage));
+    const auto mac = net::parseMac(property(info, Tessal::Key::MacAddress).view());
+    const auto address = net::parseIpv4(property(info, Tessal::Key::IpAddress).view());
     // Records that callers have joined name several host addresses; each knows the answer.
-    const std::string_view hosts = property(info, Tessal::Key::Interface, storage);
-    const auto host = net::parseIpv4(hosts.substr(0, hosts.find(';')));
+    const GenICam::gcstring hosts = property(info, Tessal::Key::Interface);
+    const auto host = net::parseIpv4(hosts.view().substr(0, hosts.view().find(';')));
     if (!mac || !address || !host || !useFresh()) {
         return nullptr;
     }
@@ -194,10 +191,9 @@ bool GigETransportLayer::QueryDeviceAccessibility(const Tessal::CDeviceInfo& inf
                                                   const Tessal::AccessModeSet&, int* accessibility)
 {
     int code = Tessal::Accessibility::NotReachable;
-    GenICam::gcstring storage;
     if (const FoundCamera* known = findFresh(info)) {
         code = known->accessibility;
-    } else if (const auto address = net::parseIpv4(property(info, Tessal::Key::IpAddress, storage))) {
+    } else if (const auto address = net::parseIpv4(property(info, Tessal::Key::IpAddress).view())) {
         code = askAccessibility(*address);
     }
     if (accessibility != nullptr) {

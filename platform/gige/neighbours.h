@@ -9,8 +9,8 @@ namespace gige {
 
 /// How many more hosts this one may talk to before the kernel's neighbour table is full. A full table, 1024
 /// entries unless the administrator raised net.ipv4.neigh.default.gc_thresh3, drops the packets of every
-/// program to new neighbours, and our own broadcasts with them, for half a minute; so a search among that
-/// many cameras has to stop short of it.
+/// program to new neighbours, and our own broadcasts with them, for about five seconds; so a search among
+/// that many cameras has to stop short of it.
 class NeighbourRoom
 {
 public:

@@ -1,18 +1,11 @@
 #pragma once
 
-#include "genicam/exceptions.h"
+#include "gige/errors.h"
 
 #include <cstdint>
 #include <span>
 
 namespace gige {
-
-/// The camera answered, and said no for another reason than privilege.
-class RefusalException : public GenICam::RuntimeException
-{
-public:
-    using RuntimeException::RuntimeException;
-};
 
 /// Access to the register space of one camera. Failures arrive as GenICam exceptions: AccessException when
 /// the camera refuses for want of privilege, RefusalException for any other refusal, TimeoutException when it

@@ -31,7 +31,8 @@ struct SearchHistory
 
 /// Asks for cameras on all networks of this host at once, and asks each that answers over unicast who
 /// controls it. Returns them in the order of the host's addresses, then of their MACs; empty also when no
-/// adapter of this host can send. Takes 460 ms, however many cameras there are, and up to 700 ms when one
+/// adapter of this host can send. Throws SocketException when the adapters cannot be listed or no socket is
+/// to be had. Takes 460 ms, however many cameras there are, and up to 700 ms when one
 /// that was found late is slow to answer over unicast. Where questions go unanswered more are asked in that
 /// time. Where nobody is heard within 280 ms, or some camera needed longer in this search or an earlier one,
 /// all get a second, and up to 1.5 s for unicast.
