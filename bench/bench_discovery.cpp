@@ -10,7 +10,6 @@
 
 #include <cstdio>
 #include <functional>
-#include <stdexcept>
 
 namespace {
 

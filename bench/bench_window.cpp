@@ -27,6 +27,7 @@
 namespace {
 
 constexpr int Repetitions = 9; // odd, so that the median is one of them
+constexpr int AddressColumn = 6;
 double secondsSlept = 0;
 
 using Clock = std::chrono::steady_clock;
@@ -112,7 +113,7 @@ public:
         QCoreApplication::processEvents();
     }
 
-    [[nodiscard]] QString address() { return tree().currentItem()->text(6); }
+    [[nodiscard]] QString address() { return tree().currentItem()->text(AddressColumn); }
 
 private:
     QTreeWidget& tree() { return *m_window.findChild<QTreeWidget*>("treeWidget"); }

@@ -5,7 +5,6 @@
 #include <fcntl.h>
 #include <spawn.h>
 #include <stdexcept>
-#include <string_view>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <deque>
 #include <mutex>
+#include <string>
 #include <string_view>
 
 namespace ozlog {

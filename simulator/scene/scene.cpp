@@ -21,6 +21,8 @@ constexpr std::size_t AdapterNameLimit = 15; // bytes, the kernel's
 constexpr std::size_t CameraNameLimit = 64;  // bytes
 constexpr std::size_t FileNameLimit = 4096;  // bytes
 constexpr unsigned LargestCount = 4096;
+constexpr std::uint32_t FirstLinkLocal = 0xA9FE0100; // 169.254.1.0
+constexpr std::uint32_t LinkLocalCount = 254 * 256;  // to 169.254.254.255
 constexpr std::string_view makerOfBroadcastCommand = "Orvik";
 
 constexpr std::array<std::pair<std::string_view, std::uint32_t>, 2> modes{{
@@ -103,10 +105,8 @@ Identity readIdentity(JsonObject& object)
 /// The link-local address a camera takes for its MAC unless the scene names one; neighbours get neighbours.
 net::Ipv4 defaultLinkLocal(const net::MacAddress& mac)
 {
-    constexpr std::uint32_t first = 0xA9FE0100; // 169.254.1.0
-    constexpr std::uint32_t count = 254 * 256;
     const std::uint32_t low = std::uint32_t{mac.bytes[4]} << 8 | mac.bytes[5];
-    return {first + (low + mac.bytes[3] * 251U) % count};
+    return {FirstLinkLocal + (low + mac.bytes[3] * 251U) % LinkLocalCount};
 }
 
 std::optional<InUse> readInUse(JsonObject& object)
@@ -223,7 +223,7 @@ private:
         camera.forced = readSettings(object, "forced");
         camera.linkLocal = object.find("linkLocal") != nullptr ? readIpv4(object, "linkLocal")
                                                                : defaultLinkLocal(camera.mac);
-        if (camera.linkLocal.value < 0xA9FE0100 || camera.linkLocal.value > 0xA9FEFEFF) {
+        if (camera.linkLocal.value - FirstLinkLocal >= LinkLocalCount) {
             object.fail("linkLocal", "is not within 169.254.1.0 to 169.254.254.255");
         }
         camera.restart = readDuration(object, "restartMs", camera.restart);
@@ -268,7 +268,8 @@ private:
                     settings->ip.value += i;
                 }
             }
-            camera.linkLocal.value = 0xA9FE0100 + (camera.linkLocal.value - 0xA9FE0100 + i) % (254 * 256);
+            camera.linkLocal.value =
+                FirstLinkLocal + (camera.linkLocal.value - FirstLinkLocal + i) % LinkLocalCount;
             claimMac(camera.mac, copy.path + ".mac");
             if (!m_names.insert(camera.name).second) {
                 throw SceneError(copy.path + ".name", "is the name of another camera, too");

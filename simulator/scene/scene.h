@@ -44,6 +44,7 @@ struct NetworkConfig
     unsigned seed = 1;
 };
 
+/// All that a simulation plays.
 struct Scene
 {
     std::vector<AdapterConfig> adapters;

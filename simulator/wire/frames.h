@@ -11,10 +11,9 @@
 /// into the frame; building fills a frame that the caller owns.
 namespace wire {
 
-inline constexpr std::size_t Mtu = 1500;               // bytes of IPv4
-inline constexpr std::size_t MaxFrameSize = Mtu + 14;  // bytes, without the frame check sequence
-inline constexpr std::size_t MinFrameSize = 60;        // bytes; shorter ones are padded, as on a real wire
-inline constexpr std::size_t MaxUdpPayload = Mtu - 28; // bytes
+inline constexpr std::size_t Mtu = 1500;              // bytes of IPv4
+inline constexpr std::size_t MaxFrameSize = Mtu + 14; // bytes, without the frame check sequence
+inline constexpr std::size_t MinFrameSize = 60;       // bytes; shorter ones are padded, as on a real wire
 inline constexpr net::MacAddress broadcastMac{{0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}};
 
 enum class EtherType : std::uint16_t { Ipv4 = 0x0800, Arp = 0x0806 };

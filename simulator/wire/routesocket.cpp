@@ -1,5 +1,7 @@
 #include "wire/routesocket.h"
 
+#include "gige/bytes.h"
+
 #include <linux/if_link.h>
 #include <linux/rtnetlink.h>
 #include <net/if.h>
@@ -226,13 +228,10 @@ void RouteSocket::addAddress(int index, net::Ipv4 address, unsigned prefixLength
     info.ifa_index = static_cast<unsigned>(index);
     info.ifa_scope = address.value >> 16 == 0xA9FE ? RT_SCOPE_LINK : RT_SCOPE_UNIVERSE;
     const auto hostPart = static_cast<std::uint32_t>((1ULL << (32 - prefixLength)) - 1);
-    const auto inWireOrder = [](std::uint32_t value) {
-        return std::array{
-            static_cast<std::uint8_t>(value >> 24), static_cast<std::uint8_t>(value >> 16 & 0xFF),
-            static_cast<std::uint8_t>(value >> 8 & 0xFF), static_cast<std::uint8_t>(value & 0xFF)};
-    };
-    const auto local = inWireOrder(address.value);
-    const auto broadcast = inWireOrder(address.value | hostPart);
+    std::array<std::uint8_t, sizeof address.value> local{};
+    std::array<std::uint8_t, sizeof address.value> broadcast{};
+    bytes::put32(local, 0, address.value);
+    bytes::put32(broadcast, 0, address.value | hostPart);
     MessageBuilder builder(RTM_NEWADDR, NLM_F_REQUEST | NLM_F_ACK | NLM_F_CREATE | NLM_F_EXCL, info);
     builder.attribute(IFA_LOCAL, local.data(), local.size());
     builder.attribute(IFA_ADDRESS, local.data(), local.size());
