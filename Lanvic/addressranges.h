@@ -3,6 +3,9 @@
 #include <QNetworkInterface>
 #include <QString>
 
+/// The adapter's IPv4 addresses with their masks, in its order; none for a null adapter.
+[[nodiscard]] QList<QNetworkAddressEntry> ipv4Entries(const QNetworkInterface* adapter);
+
 /// One line of HTML for each IPv4 subnet of the adapter, in its order: the first and the last address that a
 /// camera can have there. Empty for a null adapter.
 [[nodiscard]] QString FormatValidAddressRanges(const QNetworkInterface* adapter);

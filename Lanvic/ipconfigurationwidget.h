@@ -3,6 +3,7 @@
 #include "NetworkAdapter.h"
 #include "ui_ipconfigurationwidget.h"
 
+#include "ozlog/ozlog.h"
 #include "tessal/transportlayer.h"
 
 #include <QList>
@@ -80,7 +81,6 @@ private:
     void doRefresh(); // throws what discovery throws
     [[nodiscard]] RememberedRow rememberSelectedRow() const;
     bool savePendingChanges();
-    void releaseDevice();
     void clearTree();
     void announceSearch();
     void addAdapterRows(RememberedRow& remembered);
@@ -118,6 +118,7 @@ private:
     void clearDirtyFlags();
     void startEditing();
     void stopEditing();
+    void offerSaving();
     [[nodiscard]] bool areIpSettingsEdited() const;
     [[nodiscard]] bool hasUnsavedChanges() const;
     [[nodiscard]] bool checkSaveChanges() const;
@@ -139,14 +140,17 @@ private:
     [[nodiscard]] AddressingMode addressingModeInUi() const;
     [[nodiscard]] IpSettings ipSettingsInUi() const;
     bool storeByBroadcast(const QByteArray& mac);
-    bool restartAfterBroadcast(const QString& mac);
+    void restartAfterBroadcast(const QString& mac);
+    void restartDevice(const QString& mac, ozlog::Format<QByteArray> lost, const QByteArray& device);
+    static void showCaughtException(const char* operation);
     bool writeEditedSettings(const Tessal::COrvikGigEDeviceInfo& record, const QByteArray& oldIp);
     void writePersistentIp(const GenICam::gcstring& mac, const QByteArray& oldIp);
-    bool restartAfterUnicast(const QString& mac, const QByteArray& oldIp);
+    void restartAfterUnicast(const QString& mac, const QByteArray& oldIp);
 
     // connection and temporary addresses
     bool openDevice(const QString& ipAddress);
     void closeDevice();
+    void releaseDevice();
     bool forceIp(const QString& headerText, bool showMacAddress, QString* newIpAddress);
     void createAndOpenDevice(const QString& address);
     bool forceIpForConnection(QString& address);

@@ -1,6 +1,7 @@
+#include "ipconfigurationwidget.h"
+
 #include "addressranges.h"
 #include "editedconfiguration.h"
-#include "ipconfigurationwidget.h"
 
 #include "qtbase/formatting.h"
 
@@ -13,16 +14,13 @@ namespace {
 
 constexpr quint32 loopback = 0x7F000001;         // 127.0.0.1
 constexpr quint32 linkLocalNetwork = 0xA9FE0000; // 169.254.0.0
+constexpr quint32 firstLinkLocal = 0xA9FE0100;   // 169.254.1.0; 256 addresses at either end are reserved
+constexpr quint32 lastLinkLocal = 0xA9FEFEFF;    // 169.254.254.255
 constexpr quint32 firstMulticast = 0xE0000000;   // 224.0.0.0; from here up no address is a host's
 constexpr quint32 classAMask = 0xFF000000;
 constexpr quint32 classBMask = 0xFFFF0000;
 constexpr quint32 classCMask = 0xFFFFFF00;
 constexpr qsizetype macDigits = 12;
-
-bool isIpv4(const QNetworkAddressEntry& entry)
-{
-    return entry.ip().protocol() == QAbstractSocket::IPv4Protocol;
-}
 
 quint32 networkOf(const QNetworkAddressEntry& entry)
 {
@@ -46,23 +44,29 @@ int octetsToKeep(quint32 mask)
 
 } // namespace
 
+QList<QNetworkAddressEntry> ipv4Entries(const QNetworkInterface* adapter)
+{
+    QList<QNetworkAddressEntry> entries;
+    if (adapter != nullptr) {
+        entries = adapter->addressEntries();
+    }
+    entries.removeIf([](const QNetworkAddressEntry& entry) {
+        return entry.ip().protocol() != QAbstractSocket::IPv4Protocol;
+    });
+    return entries;
+}
+
 QString FormatValidAddressRanges(const QNetworkInterface* adapter)
 {
     QString ranges;
-    if (adapter == nullptr) {
-        return ranges;
-    }
-    const QList<QNetworkAddressEntry> entries = adapter->addressEntries();
+    const QList<QNetworkAddressEntry> entries = ipv4Entries(adapter);
     for (const QNetworkAddressEntry& entry : entries) {
-        if (!isIpv4(entry)) {
-            continue;
-        }
         const quint32 network = networkOf(entry);
         quint32 first = network | 1U;
         quint32 last = network | (~entry.netmask().toIPv4Address() & ~1U);
-        if (network == linkLocalNetwork) { // its first and last 256 addresses are reserved
-            first = 0xA9FE0100;
-            last = 0xA9FEFEFF;
+        if (network == linkLocalNetwork) {
+            first = firstLinkLocal;
+            last = lastLinkLocal;
         }
         ranges += QHostAddress(first).toString() + " - " + QHostAddress(last).toString() + "<br>";
     }
@@ -71,12 +75,7 @@ QString FormatValidAddressRanges(const QNetworkInterface* adapter)
 
 QNetworkAddressEntry firstIpv4Entry(const QNetworkInterface* adapter)
 {
-    if (adapter == nullptr) {
-        return {};
-    }
-    const QList<QNetworkAddressEntry> entries = adapter->addressEntries();
-    const auto found = std::find_if(entries.begin(), entries.end(), isIpv4);
-    return found != entries.end() ? *found : QNetworkAddressEntry();
+    return ipv4Entries(adapter).value(0);
 }
 
 void IpConfigurationWidget::fixupIpAddress(QString& text)
@@ -122,13 +121,11 @@ bool IpConfigurationWidget::hasDeviceValidnetworkPrefixForAdapter(unsigned int d
                                                                   unsigned int deviceMask,
                                                                   const QNetworkInterface* adapter)
 {
-    if (deviceIp == 0 || deviceMask == 0 || adapter == nullptr) {
+    if (deviceIp == 0 || deviceMask == 0) {
         return false;
     }
-    const QList<QNetworkAddressEntry> entries = adapter->addressEntries();
-    return std::any_of(entries.begin(), entries.end(), [=](const QNetworkAddressEntry& entry) {
-        return isIpv4(entry) && networkOf(entry) == (deviceIp & deviceMask) &&
-               entry.netmask().toIPv4Address() == deviceMask;
+    return std::ranges::any_of(ipv4Entries(adapter), [=](const QNetworkAddressEntry& entry) {
+        return networkOf(entry) == (deviceIp & deviceMask) && entry.netmask().toIPv4Address() == deviceMask;
     });
 }
 

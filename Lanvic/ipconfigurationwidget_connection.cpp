@@ -1,8 +1,9 @@
+#include "ipconfigurationwidget.h"
+
 #include "DeviceLister.h"
 #include "WaitBox.h"
 #include "addressranges.h"
 #include "editedconfiguration.h"
-#include "ipconfigurationwidget.h"
 #include "recorddisplay.h"
 #include "trace.h"
 
@@ -64,7 +65,7 @@ bool IpConfigurationWidget::openDevice(const QString& ipAddress)
     QString address = ipAddress;
     do {
         if (m_pDevice != nullptr) {
-            // A handle whose destroy throws is dropped: it must not be destroyed twice.
+            // Dropped even where the transport layer refuses it, as in releaseDevice().
             DeviceLister::s_pTl->DestroyDevice(std::exchange(m_pDevice, nullptr));
         }
         waitBox.showWaitCursor();
@@ -126,6 +127,17 @@ void IpConfigurationWidget::closeDevice()
             m_pDevice->Close();
         }
     });
+}
+
+void IpConfigurationWidget::releaseDevice()
+{
+    // Dropped even where the transport layer refuses it: it must not be handed over twice.
+    Tessal::ITessalGigEDevice* const device = std::exchange(m_pDevice, nullptr);
+    if (device == nullptr) {
+        return;
+    }
+    warningOfFailure("Failed to destroy device", "doRefresh",
+                     [device] { DeviceLister::s_pTl->DestroyDevice(device); });
 }
 
 bool IpConfigurationWidget::forceIp(const QString& headerText, bool showMacAddress, QString* newIpAddress)

@@ -1,8 +1,8 @@
-#include "fittext.h"
 #include "ipconfigurationwidget.h"
 
 #include "DeviceLister.h"
 #include "addressranges.h"
+#include "fittext.h"
 #include "recorddisplay.h"
 
 #include "qtbase/formatting.h"
@@ -79,15 +79,13 @@ QString adapterDetails(const CNetworkAdapter& adapter)
     QString text = paragraphBegin + boldBegin + richText(adapter.m_name) + boldEnd + lineBreak + "(" +
                    richText(adapter.m_hardwareAddress) + ")" + paragraphEnd +
                    "<table align='left' border='0' cellpadding='1' cellspacing='1'>";
-    const QList<QNetworkAddressEntry> entries = adapter.addressEntries();
+    const QList<QNetworkAddressEntry> entries = ipv4Entries(&adapter);
     for (const QNetworkAddressEntry& entry : entries) {
-        if (entry.ip().protocol() == QAbstractSocket::IPv4Protocol) {
-            text += IpConfigurationWidget::tr(
-                        "<tr><td width='8'></td></tr><tr><td width='8'></td><td>IP Address:</td><td "
-                        "width='100' align='right'>%1</td></tr><tr><td></td><td>Subnet Mask:</td><td "
-                        "align='right'>%2</td></tr>")
-                        .arg(entry.ip().toString(), entry.netmask().toString());
-        }
+        text += IpConfigurationWidget::tr(
+                    "<tr><td width='8'></td></tr><tr><td width='8'></td><td>IP Address:</td><td "
+                    "width='100' align='right'>%1</td></tr><tr><td></td><td>Subnet Mask:</td><td "
+                    "align='right'>%2</td></tr>")
+                    .arg(entry.ip().toString(), entry.netmask().toString());
     }
     return text + "</table>";
 }

@@ -1,6 +1,7 @@
+#include "ipconfigurationwidget.h"
+
 #include "WaitBox.h"
 #include "addressranges.h"
-#include "ipconfigurationwidget.h"
 #include "recorddisplay.h"
 #include "settingskeys.h"
 
@@ -48,6 +49,13 @@ bool IpConfigurationWidget::hasUnsavedChanges() const
     return m_ipConfigModified || areIpSettingsEdited() || m_customNameModified;
 }
 
+/// After an edit: Enter saves from now on, if what the editor holds can be saved.
+void IpConfigurationWidget::offerSaving()
+{
+    ui.btnWriteConfiguration->setDefault(true);
+    updateUiState(nullptr);
+}
+
 void IpConfigurationWidget::ipConfigurationEdited()
 {
     if (ui.btnUsePersistentIp->isChecked() && ui.editIpAddress->text().isEmpty() &&
@@ -64,16 +72,14 @@ void IpConfigurationWidget::ipConfigurationEdited()
         }
     }
     m_ipConfigModified = true;
-    ui.btnWriteConfiguration->setDefault(true);
-    updateUiState(nullptr);
+    offerSaving();
 }
 
 void IpConfigurationWidget::on_editIpAddress_textEdited()
 {
     m_ipAddressModified = true;
     m_ipAddressEditPending = true;
-    ui.btnWriteConfiguration->setDefault(true);
-    updateUiState(nullptr);
+    offerSaving();
 }
 
 void IpConfigurationWidget::on_editIpAddress_editingFinished()
@@ -97,8 +103,7 @@ void IpConfigurationWidget::on_editNetmask_textEdited()
 {
     m_netmaskModified = true;
     m_netmaskEditedByUser = true;
-    ui.btnWriteConfiguration->setDefault(true);
-    updateUiState(nullptr);
+    offerSaving();
 }
 
 void IpConfigurationWidget::on_editNetmask_editingFinished()
@@ -115,8 +120,7 @@ void IpConfigurationWidget::on_editNetmask_editingFinished()
     }
     // Where the validator refused the text, the field has normalised it before this and told nobody.
     if (!isNormalised || m_netmaskEditedByUser) {
-        ui.btnWriteConfiguration->setDefault(true);
-        updateUiState(nullptr);
+        offerSaving();
     }
 }
 
@@ -137,15 +141,13 @@ void IpConfigurationWidget::on_editDefaultGateway_textEdited()
 {
     m_gatewayModified = true;
     m_gatewayEditedByUser = true;
-    ui.btnWriteConfiguration->setDefault(true);
-    updateUiState(nullptr);
+    offerSaving();
 }
 
 void IpConfigurationWidget::on_editCustomName_textEdited(const QString& /*text*/)
 {
     m_customNameModified = true;
-    ui.btnWriteConfiguration->setDefault(true);
-    updateUiState(nullptr);
+    offerSaving();
 }
 
 void IpConfigurationWidget::on_editCustomName_editingFinished()
@@ -200,7 +202,7 @@ bool IpConfigurationWidget::saveChangesBeforeClosing()
         return true;
     }
     const QTreeWidgetItem* item = ui.treeWidget->currentItem();
-    const Tessal::COrvikGigEDeviceInfo* record = item != nullptr ? deviceOfItem(item) : nullptr;
+    const Tessal::COrvikGigEDeviceInfo* record = deviceOfItem(item);
     if (record == nullptr || writeConfiguration(*record)) {
         return true;
     }

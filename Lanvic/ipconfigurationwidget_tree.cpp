@@ -3,7 +3,6 @@
 #include "DeviceLister.h"
 #include "WaitBox.h"
 #include "recorddisplay.h"
-#include "trace.h"
 
 #include "qtbase/messages.h"
 
@@ -154,17 +153,6 @@ bool IpConfigurationWidget::savePendingChanges()
         tr("The configuration could not be saved.\nThe Refresh operation has been canceled."),
         QMessageBox::Close, QMessageBox::Close);
     return false;
-}
-
-void IpConfigurationWidget::releaseDevice()
-{
-    // Whatever the transport layer says, the device is not handed to it a second time.
-    Tessal::ITessalGigEDevice* const device = std::exchange(m_pDevice, nullptr);
-    if (device == nullptr) {
-        return;
-    }
-    warningOfFailure("Failed to destroy device", "doRefresh",
-                     [device] { DeviceLister::s_pTl->DestroyDevice(device); });
 }
 
 void IpConfigurationWidget::clearTree()

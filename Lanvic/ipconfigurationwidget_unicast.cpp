@@ -1,13 +1,13 @@
+#include "ipconfigurationwidget.h"
+
 #include "DeviceLister.h"
 #include "WaitBox.h"
 #include "editedconfiguration.h"
-#include "ipconfigurationwidget.h"
 #include "recorddisplay.h"
 #include "trace.h"
 
 #include "ozlog/ozlog.h"
 #include "qtbase/formatting.h"
-#include "qtbase/messages.h"
 
 using ozlog::LogLevel;
 using ozlog::LogTrace;
@@ -91,12 +91,12 @@ bool IpConfigurationWidget::unicastConfiguration(const QString& ipAddress)
         }
         traceOpened(record, oldIp);
         const WaitCursor cursor;
-        return writeEditedSettings(record, oldIp) &&
-               restartAfterUnicast(fromAscii(record.GetMacAddress()), oldIp);
-    } catch (const std::exception& exception) {
-        showException("unicastConfiguration", exception, nullptr);
+        if (writeEditedSettings(record, oldIp)) {
+            restartAfterUnicast(fromAscii(record.GetMacAddress()), oldIp);
+            return true;
+        }
     } catch (...) {
-        showUnexpectedException("unicastConfiguration", tr("Unknown exception occurred"), nullptr);
+        showCaughtException("unicastConfiguration");
     }
     return false;
 }
@@ -149,17 +149,10 @@ void IpConfigurationWidget::writePersistentIp(const GenICam::gcstring& mac, cons
                                       settings.defaultGateway, false);
 }
 
-bool IpConfigurationWidget::restartAfterUnicast(const QString& mac, const QByteArray& oldIp)
+void IpConfigurationWidget::restartAfterUnicast(const QString& mac, const QByteArray& oldIp)
 {
     LogTrace(GetIPConfigBaseCatID(), LogLevel::Info, "Closing device with old IP=%hs.", oldIp);
     closeDevice();
     LogTrace(GetIPConfigBaseCatID(), LogLevel::Info, "Finished configuring device with old IP=%hs.", oldIp);
-    DeviceLister::s_pTl->RestartIpConfig(mac.toLatin1().constData());
-    if (!waitForDevice(mac)) {
-        LogTrace(GetIPConfigBaseCatID(), LogLevel::Warning,
-                 "Failed to rediscover the configured device with old IP=%hs.", oldIp);
-        throw GenICam::ExceptionReporter<GenICam::RuntimeException>(__FILE__, __LINE__, "RuntimeException")
-            .Report("%s", tr("Failed to discover reconfigured device").toUtf8().constData());
-    }
-    return true;
+    restartDevice(mac, "Failed to rediscover the configured device with old IP=%hs.", oldIp);
 }

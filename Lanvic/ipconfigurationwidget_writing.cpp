@@ -1,19 +1,19 @@
+#include "ipconfigurationwidget.h"
+
 #include "DeviceLister.h"
 #include "WaitBox.h"
 #include "editedconfiguration.h"
-#include "ipconfigurationwidget.h"
 #include "recorddisplay.h"
 #include "trace.h"
 
 #include "ozlog/ozlog.h"
 #include "qtbase/messages.h"
 
-#include <QApplication>
+#include <QCoreApplication>
 #include <QMessageBox>
 
 #include <algorithm>
 #include <unistd.h>
-#include <utility>
 
 using ozlog::LogLevel;
 using ozlog::LogTrace;
@@ -87,11 +87,20 @@ void IpConfigurationWidget::on_btnWriteConfiguration_clicked()
         if (buttonHadFocus && !ui.btnWriteConfiguration->isEnabled()) {
             ui.treeWidget->setFocus(Qt::TabFocusReason);
         }
-    } catch (const std::exception& exception) {
-        showException("on_btnWriteConfiguration_clicked", exception, nullptr);
     } catch (...) {
-        showUnexpectedException("on_btnWriteConfiguration_clicked", tr("Unknown exception occurred"),
-                                nullptr);
+        showCaughtException("on_btnWriteConfiguration_clicked");
+    }
+}
+
+/// For a catch block: shows what was caught there as a failure of `operation`.
+void IpConfigurationWidget::showCaughtException(const char* operation)
+{
+    try {
+        throw;
+    } catch (const std::exception& exception) {
+        showException(operation, exception, nullptr);
+    } catch (...) {
+        showUnexpectedException(operation, tr("Unknown exception occurred"), nullptr);
     }
 }
 
@@ -133,11 +142,12 @@ bool IpConfigurationWidget::broadcastConfiguration(const QString& mac)
 {
     try {
         const WaitCursor cursor;
-        return storeByBroadcast(mac.toLatin1()) && restartAfterBroadcast(mac);
-    } catch (const std::exception& exception) {
-        showException("broadcastConfiguration", exception, nullptr);
+        if (storeByBroadcast(mac.toLatin1())) {
+            restartAfterBroadcast(mac);
+            return true;
+        }
     } catch (...) {
-        showUnexpectedException("broadcastConfiguration", tr("Unknown exception occurred"), nullptr);
+        showCaughtException("broadcastConfiguration");
     }
     return false;
 }
@@ -170,20 +180,26 @@ bool IpConfigurationWidget::storeByBroadcast(const QByteArray& mac)
     return true;
 }
 
-bool IpConfigurationWidget::restartAfterBroadcast(const QString& mac)
+void IpConfigurationWidget::restartAfterBroadcast(const QString& mac)
 {
     const QByteArray asciiMac = mac.toLatin1();
     LogTrace(GetIPConfigBaseCatID(), LogLevel::Info,
              "Restarting IP configuration and waiting for rediscovery for MAC=%hs.", asciiMac);
-    DeviceLister::s_pTl->RestartIpConfig(asciiMac.constData());
+    restartDevice(mac, "Failed to rediscover the device with MAC=%hs.", asciiMac);
+    LogTrace(GetIPConfigBaseCatID(), LogLevel::Info, "Successfully rediscovered MAC=%hs.", asciiMac);
+}
+
+/// Makes the camera take up what it has stored and waits for it. When it does not come back, writes the trace
+/// line `lost`, with `device` in it, and throws GenICam::RuntimeException.
+void IpConfigurationWidget::restartDevice(const QString& mac, ozlog::Format<QByteArray> lost,
+                                          const QByteArray& device)
+{
+    DeviceLister::s_pTl->RestartIpConfig(mac.toLatin1().constData());
     if (!waitForDevice(mac)) {
-        LogTrace(GetIPConfigBaseCatID(), LogLevel::Warning, "Failed to rediscover the device with MAC=%hs.",
-                 asciiMac);
+        LogTrace(GetIPConfigBaseCatID(), LogLevel::Warning, lost, device);
         throw GenICam::ExceptionReporter<GenICam::RuntimeException>(__FILE__, __LINE__, "RuntimeException")
             .Report("%s", tr("Failed to discover reconfigured device").toUtf8().constData());
     }
-    LogTrace(GetIPConfigBaseCatID(), LogLevel::Info, "Successfully rediscovered MAC=%hs.", asciiMac);
-    return true;
 }
 
 bool IpConfigurationWidget::waitForDevice(const QString& mac)
@@ -203,10 +219,8 @@ bool IpConfigurationWidget::waitForDevice(const QString& mac)
                 return true;
             }
         }
-    } catch (const std::exception& exception) {
-        showException("waitForDevice", exception, nullptr);
     } catch (...) {
-        showUnexpectedException("waitForDevice", tr("Unknown exception occurred"), nullptr);
+        showCaughtException("waitForDevice");
     }
     return false;
 }
