@@ -170,8 +170,11 @@ void IpConfigurationWidget::keepCurrentRowSelected()
         current->setSelected(true);
     } else if (current != nullptr && selected.size() > 1) { // a screen reader adds the row that it means
         selected.removeOne(current);
-        finishField();
-        ui.treeWidget->setCurrentItem(isBusy() ? current : selected.first());
+        selected.first()->setSelected(false);
+        if (!isBusy()) {
+            finishField();
+            ui.treeWidget->setCurrentItem(selected.first());
+        }
     }
 }
 

@@ -1,5 +1,6 @@
 #include "support/gui.h"
 
+#include <QAccessible>
 #include <QSignalSpy>
 
 using gui::click;
@@ -16,6 +17,8 @@ class ClosingTest : public gui::GuiTest
     {
         if (way == "row") {
             select("lan0");
+        } else if (way == "spoken") { // as a screen reader selects
+            QAccessible::queryAccessibleInterface(&tree())->tableInterface()->selectRow(0);
         } else if (way == "refresh") {
             refresh();
         } else {
@@ -73,7 +76,7 @@ private slots:
                  {"255.255.255.0", "editCustomName", "Gate", false}, // as it was
                  {"255.255.255.0", "editNetmask", "16", true},       // as this becomes one
              }) {
-            for (const QString way : {"row", "refresh", "close"}) {
+            for (const QString way : {"row", "spoken", "refresh", "close"}) {
                 openOn({sdk::with(camera(), {{"SubnetMask", mask}, {"UserDefinedName", "Gate"}})});
                 QTest::mouseClick(tree().viewport(), Qt::LeftButton, Qt::ControlModifier,
                                   placeOf(row("km-1"))); // no effect
@@ -83,6 +86,7 @@ private slots:
                 QCOMPARE(takeDialogs(), QStringList(isAsked ? 1 : 0, m_question));
                 QCOMPARE(m_world.take(), QStringList());
                 QCOMPARE(m_window->isVisible(), way != "close");
+                QCOMPARE(tree().selectedItems(), QList<QTreeWidgetItem*>{tree().currentItem()});
             }
         }
     }

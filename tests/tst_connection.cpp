@@ -93,7 +93,9 @@ private slots:
         takeDebug();
         const auto complete = [this](QWidget& dialog) { // the suggestion
             const bool isTold = child<QWidget>("waitMessage").isVisible();
-            QTest::keyClicks(&gui::child<QLineEdit>(dialog, "editIpAddress"), "050");
+            auto& address = gui::child<QLineEdit>(dialog, "editIpAddress");
+            QTest::simulateEvent(&address, true, Qt::Key_Return, {}, "\r", true); // held down since before
+            QTest::keyClicks(&address, "050");
             QTest::keyClick(&dialog, Qt::Key_Return);
             QVERIFY(!isTold);
         };
