@@ -4,7 +4,6 @@
 
 #include <QAccessible>
 #include <QHelpEvent>
-#include <QMenu>
 #include <QMenuBar>
 #include <QToolTip>
 
@@ -16,11 +15,8 @@ class AccessibilityTest : public gui::GuiTest
 private slots:
     void everythingIsReachedByKeysAndSaysWhatItIs()
     {
-        std::vector<sdk::Camera> cameras{sdk::camera()};
-        for (int i = 1000; i < 1030; ++i) {
-            cameras.push_back(sdk::camera("km-2", "025E4100" + QByteArray::number(i)));
-        }
-        openOn(cameras);
+        openOn();
+        tree().setFixedHeight(50); // one row is seen
         type("editCustomName", "Gate");
         press(QKeySequence("Alt+S"));
         QTRY_COMPARE(row("km-1").text(1), "Gate");
@@ -69,9 +65,6 @@ private slots:
         QCOMPARE(table->cellAt(1, 0)->text(QAccessible::Name), "km-1");
         QCOMPARE(table->cellAt(1, 0)->text(QAccessible::Description), "OK, 192.168.1.9");
         QCOMPARE(table->cellAt(1, 4)->text(QAccessible::Name), "OK");
-        expect({gui::click(QMessageBox::No)}); // the address is still pending
-        table->selectRow(0);
-        QCOMPARE(current(), "lan0");
     }
 
     void aToolTipTellsTextsThatAreCutOff()
@@ -106,8 +99,8 @@ private slots:
             QVERIFY2(text.sizeHint().width() <= text.width(), name);
         }
         const auto& edit = child<QLineEdit>("editNetmask");
-        const QSize longest = edit.fontMetrics().size(0, "255.255.255.255");
-        QVERIFY(longest.width() < edit.width() && longest.height() < edit.height());
+        const QSize longest = edit.fontMetrics().size(0, "255.255.255.255"); // beside frame and margins
+        QVERIFY(longest.width() <= edit.width() - 8 && longest.height() <= edit.height() - 4);
         const auto& hint = child<QLabel>("labelHint");
         QVERIFY(hint.text().contains("192.168.1.254"));
         QTRY_VERIFY(hint.width() > 100 && hint.heightForWidth(hint.width()) <= hint.height());

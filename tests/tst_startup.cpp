@@ -11,7 +11,7 @@
 #include <QTimer>
 #include <QXmlStreamReader>
 
-#include "qtbase/formatting.h"
+#include "qtbase/formatting.h" // moc cannot read it before the others
 
 namespace {
 
@@ -77,10 +77,8 @@ private slots:
         const gui::Adapter lan("lan0", {"192.168.1.5/24"}, "02:00:00:00:01:05");
         const QTemporaryDir settings;
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
-        QSettings stored("Orvik", "Tessal Lanvic");
-        stored.setValue("MainWindow/pos", QPoint(20, 30));
-        stored.setValue("MainWindow/size", QSize(770, 610));
-        stored.sync();
+        QSettings("Orvik", "Tessal Lanvic").setValue("MainWindow/pos", QPoint(20, 30));
+        QSettings("Orvik", "Tessal Lanvic").setValue("MainWindow/size", QSize(770, 610));
         sdk::world().cameras = {sdk::camera()};
         QStringList seen;
         const auto note = [&](const QString& what) {

@@ -4,7 +4,6 @@
 
 #include <QClipboard>
 #include <QDesktopServices>
-#include <QGuiApplication>
 #include <QHeaderView>
 #include <QMenuBar>
 #include <QTemporaryDir>
@@ -138,14 +137,12 @@ private slots:
             m_window->move(40, 50);
             m_window->resize(770, 610);
             header().resizeSection(1, width + 33);
-            header().moveSection(0, 2);
             m_window->close();
             QCOMPARE(QSettings().value("MainWindow/headerver"), 1);
             QSettings().setValue("MainWindow/headerver", version);
             openWindow();
             QCOMPARE(QRect(m_window->pos(), m_window->size()), QRect(40, 50, 770, 610));
             QCOMPARE(header().sectionSize(1), version == 1 ? width + 33 : width);
-            QCOMPARE(header().visualIndex(0), version == 1 ? 2 : 0);
         }
         const QString directory = QFileInfo(QSettings().fileName()).path() + "/..";
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, "/proc/nowhere");
