@@ -54,8 +54,8 @@ QByteArray describe(QString nodes)
     if (!nodes.startsWith('<')) {
         nodes.replace("$", "@ Address=0x1000 Length=16").replace("BE", "Endianess=BigEndian");
         nodes.replace("@", "StringReg DeviceUserID pPort=Device");
-        nodes.replace(QRegularExpression("(\\w+)=(\\S*)"), "<\\1>\\2</\\1>");
-        nodes.replace(QRegularExpression("(\\w+) (\\w+)([^|]*)\\|? ?"), "<\\1 Name='\\2'>\\3</\\1>");
+        nodes.replace(QRegularExpression(R"((\w+)=(\S*))"), R"(<\1>\2</\1>)");
+        nodes.replace(QRegularExpression(R"((\w+) (\w+)([^|]*)\|? ?)"), R"(<\1 Name='\2'>\3</\1>)");
     }
     return R"(<?xml version="1.0"?><!DOCTYPE x [<!ENTITY e "x">]><RegisterDescription SchemaMajorVersion="1"
         xmlns="http://www.genicam.org/GenApi/Version_1_1"><Group><Group/><Port Name="Device"/></Group>)" +

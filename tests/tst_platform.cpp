@@ -141,7 +141,7 @@ private slots:
         const unsigned long other = ozlog::LogGetCatID("Lanvic.Test");
         QVERIFY(base != other && base == ozlog::LogGetCatID("Lanvic.Base"));
         const TraceCapture trace;
-        const char steering[] = "a\n\x1b[1m\x7f\xc2\x80\xc2\x9f\u200e\u200f\u2028\u202e\u2066\u2069";
+        const char steering[] = "a\n\x1b[1m\x7f\xc2\x80\xc2\x9f\u200e\u200f\u2028\u202e\u202c\u2066\u2069";
         const char harmless[] = "\u00a0\u200d\u2010\u2027\u202f\u2065\u206a\u0158";
         ozlog::LogTrace(base, LogLevel::Info, "%hs, %s. Retries remaining=%i.", steering, harmless, -3);
         ozlog::LogTrace(base, static_cast<LogLevel>(255), "100 %% of %hs", static_cast<const char*>(nullptr));
@@ -149,8 +149,8 @@ private slots:
         ozlog::LogTrace(other, LogLevel::Info, "not shown");
         ozlog::LogTrace(other, LogLevel::Warning, "shown");
         ozlog::LogTrace(other + 1, LogLevel::Error, "of no category");
-        const QString escaped =
-            R"(a\x0A\x1B[1m\x7F\xC2\x80\xC2\x9F\xE2\x80\x8E\xE2\x80\x8F\xE2\x80\xA8\xE2\x80\xAE\xE2\x81\xA6\xE2\x81\xA9)";
+        const QString escaped = R"(a\x0A\x1B[1m\x7F\xC2\x80\xC2\x9F\xE2\x80\x8E\xE2\x80\x8F)"
+                                R"(\xE2\x80\xA8\xE2\x80\xAE\xE2\x80\xAC\xE2\x81\xA6\xE2\x81\xA9)";
         const QList<TraceCapture::Line> expected{
             {"Lanvic.Base", QtInfoMsg, escaped + ", " + harmless + ". Retries remaining=-3."},
             {"Lanvic.Base", QtWarningMsg, "100 % of (null)"},
