@@ -193,6 +193,8 @@ private slots:
             dialog.hide();
         }
         QCOMPARE(dialog.macAddress() + ' ' + dialog.ipAddress(), "02-5E-41-0a-0B:0c 192.168.0.17");
+        dialog.findChild<QLineEdit*>("editDefaultGateway")->insert(" 192.168.100.100 "); // as pasted
+        QCOMPARE(dialog.defaultGateway(), "192.168.100.100");
 
         // the mask follows the address until it is typed itself
         dialog.setSubnetMask("255.255.255.0");

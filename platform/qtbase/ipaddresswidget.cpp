@@ -14,13 +14,16 @@
 namespace {
 
 constexpr QLatin1String makerPrefix("02-5E-41-");
+constexpr qsizetype ipv4Length = 15; // characters of "255.255.255.255"
+constexpr qsizetype macLength = 17;  // characters, with separators
 
-/// Lets only characters pass that the field can hold; blanks, which come with pasted text, are dropped.
+/// Lets only texts pass that the field can hold; blanks, which come with pasted text, are dropped. The length
+/// is judged after that: the field's own limit would cut a pasted text before it, to another address.
 class CharacterFilter : public QValidator
 {
 public:
-    CharacterFilter(const char* characters, QObject* parent)
-        : QValidator(parent), m_characters(QLatin1String(characters))
+    CharacterFilter(const char* characters, qsizetype maxLength, QObject* parent)
+        : QValidator(parent), m_characters(QLatin1String(characters)), m_maxLength(maxLength)
     {}
 
     State validate(QString& input, int& pos) const override
@@ -30,11 +33,12 @@ public:
         input.removeIf(isSpace);
         const bool fits =
             std::ranges::all_of(input, [&](QChar character) { return m_characters.contains(character); });
-        return fits ? Acceptable : Invalid;
+        return fits && input.size() <= m_maxLength ? Acceptable : Invalid;
     }
 
 private:
     QString m_characters;
+    qsizetype m_maxLength;
 };
 
 void setText(QLineEdit* edit, const QString& text)
@@ -75,9 +79,10 @@ IpAddressWidget::IpAddressWidget(QWidget* parent)
 {
     ui->setupUi(this);
     for (QLineEdit* edit : {ui->editIpAddress, ui->editSubnetMask, ui->editDefaultGateway}) {
-        edit->setValidator(new CharacterFilter("0123456789.", edit));
+        edit->setValidator(new CharacterFilter("0123456789.", ipv4Length, edit));
     }
-    ui->editMacAddress->setValidator(new CharacterFilter("0123456789abcdefABCDEF:-", ui->editMacAddress));
+    ui->editMacAddress->setValidator(
+        new CharacterFilter("0123456789abcdefABCDEF:-", macLength, ui->editMacAddress));
     setMacAddress(QString());
     setShowMacAddress(false);
     connect(ui->editIpAddress, &QLineEdit::textEdited, this, &IpAddressWidget::followAddress);
