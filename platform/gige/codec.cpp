@@ -125,7 +125,7 @@ Packet encodeReadReg(std::uint16_t requestId, std::uint32_t address)
 
 Packet encodeWriteReg(std::uint16_t requestId, std::uint32_t address, std::uint32_t value)
 {
-    Packet packet = command(Command::WriteReg, Flag::AckRequired, requestId, 2 * RegisterSize);
+    Packet packet = command(Command::WriteReg, Flag::AckRequired, requestId, std::size_t{2} * RegisterSize);
     bytes::put32(packet, HeaderSize, address);
     bytes::put32(packet, HeaderSize + RegisterSize, value);
     return packet;

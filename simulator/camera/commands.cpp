@@ -224,7 +224,7 @@ Camera::Outcome Camera::writePrivilege(std::uint32_t value, Endpoint from, Insta
 Camera::Outcome Camera::writeRegisters(std::span<const std::uint8_t> payload, Endpoint from, Instant now,
                                        Effects& effects)
 {
-    constexpr std::size_t PairSize = 2 * RegisterSize;
+    constexpr std::size_t PairSize = std::size_t{2} * RegisterSize;
     if (payload.empty() || payload.size() % PairSize != 0 || payload.size() > gvcp::MaxDataSize) {
         return {Status::InvalidParameter, "wrong length"};
     }
