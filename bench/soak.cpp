@@ -132,7 +132,6 @@ public:
 private:
     bool search();
     void save(const Target& target, bool byBroadcast, SaveCounts& counts);
-    bool store(const Target& target, const Settings& wanted);
     bool storeByUnicast(const Target& target, const Settings& wanted);
     bool hasStored(const Target& target, const Settings& wanted);
     bool comesBack(const Target& target, const std::string& ip);
