@@ -77,7 +77,6 @@ private slots:
                   report(moved, unicast), "Close()"},
                  {[&] { m_world.isGigE = false; }, report("The device must be a GEV Camera.", "openDevice"),
                   "CreateDevice(192.168.1.9)"},
-                 {[&] { failAt("Open"); }, report("cable", unicast), open},
                  {[&] { failAt("Open", 1, false); }, report("Unknown exception occurred", unicast), open}}) {
             edit();
             breakIt();
