@@ -93,7 +93,7 @@ private slots:
     {
         {
             const Simulator noisy("test-noise");
-            QCOMPARE(search(), QStringList(16, " lab0 192.168.10.1 1"));
+            QCOMPARE(search(), QStringList(18, " lab0 192.168.10.1 1"));
         }
         const Simulator simulator("cameras-64");
         qint64 fastest = 60'000; // ms; of several, because the computer may have other things to do

