@@ -126,6 +126,7 @@ void IpConfigurationWidget::createHiddenAction(const QString& objectName, const 
     auto* const action = new QAction(this);
     action->setObjectName(objectName);
     action->setShortcut(QKeySequence(shortcut));
+    action->setAutoRepeat(false);
     action->setEnabled(true);
     action->setVisible(true);
     addAction(action);
@@ -147,8 +148,9 @@ void IpConfigurationWidget::connectSignals()
             &IpConfigurationWidget::on_showContextMenu);
     // The button's own shortcut, Ctrl+S, has taken the place of its underlined letter.
     QPushButton* const save = ui.btnWriteConfiguration;
-    connect(new QShortcut(QKeySequence::mnemonic(save->text()), save), &QShortcut::activated, save,
-            &QAbstractButton::animateClick);
+    auto* const saveByLetter = new QShortcut(QKeySequence::mnemonic(save->text()), save);
+    saveByLetter->setAutoRepeat(false);
+    connect(saveByLetter, &QShortcut::activated, save, &QAbstractButton::animateClick);
     // Qt opens a context menu by the Menu key, which many keyboards lack.
     auto* const contextMenu = new QShortcut(QKeySequence(Qt::SHIFT | Qt::Key_F10), ui.treeWidget);
     contextMenu->setContext(Qt::WidgetShortcut);

@@ -82,12 +82,13 @@ bool IpConfigurationWidget::unicastConfiguration(const QString& ipAddress)
             closeDevice();
             throw GenICam::ExceptionReporter<GenICam::RuntimeException>(__FILE__, __LINE__,
                                                                         "RuntimeException")
-                .Report("%s",
-                        tr("The address %1 is now that of another camera (MAC address %2). Refresh the list "
-                           "first.")
-                            .arg(ipAddress, formatMACAddress(record.GetMacAddress(), ":"))
-                            .toUtf8()
-                            .constData());
+                .Report("%s", tr("The address %1 is that of another camera (MAC address %2). Refresh the "
+                                 "list, or choose "
+                                 "another temporary address.")
+                                  .arg(fromAscii(record.GetIpAddress()),
+                                       formatMACAddress(record.GetMacAddress(), ":"))
+                                  .toUtf8()
+                                  .constData());
         }
         traceOpened(record, oldIp);
         const WaitCursor cursor;

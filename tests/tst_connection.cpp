@@ -66,7 +66,7 @@ private slots:
     {
         const QString open = "Open(192.168.1.9, 1+3+4)";
         const QString moved =
-            "The address 192.168.1.9 is now that of another camera (MAC address 02:5E:41:00:00:02). Refresh the list first.";
+            "The address 192.168.1.9 is that of another camera (MAC address 02:5E:41:00:00:02). Refresh the list, or choose another temporary address.";
         const auto deny = [&] { m_world.at["Open"] = [] { throw GenICam::AccessException("", "", 1, ""); }; };
         const QString denied =
             "Connection failed|Access denied\nThe device is controlled by another application.\nClose the connection before changing the IP configuration.|OK|";

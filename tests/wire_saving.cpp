@@ -122,7 +122,7 @@ private slots:
         DeviceLister().discoverAllDevices(); // as a wait for some camera does; the rows stay as they are
         saveFails(
             {gui::report(
-                 "The address 192.168.10.25 is now that of another camera (MAC address 02:A3:17:00:00:06). Refresh the list first.",
+                 "The address 192.168.10.25 is that of another camera (MAC address 02:A3:17:00:00:06). Refresh the list, or choose another temporary address.",
                  "unicastConfiguration"),
              gui::notSaved});
         QCOMPARE(simulator().takeEvents().filter("configured"), QStringList());

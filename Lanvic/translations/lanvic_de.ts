@@ -368,8 +368,8 @@ Es wird gewartet, bis das Gerät wieder gefunden ist...</translation>
         <translation>Die Benutzer-ID (DeviceUserID) konnte nicht geändert werden.</translation>
     </message>
     <message>
-        <source>The address %1 is now that of another camera (MAC address %2). Refresh the list first.</source>
-        <translation>Die Adresse %1 gehört jetzt einer anderen Kamera (MAC-Adresse %2). Aktualisieren Sie zuerst die Liste.</translation>
+        <source>The address %1 is that of another camera (MAC address %2). Refresh the list, or choose another temporary address.</source>
+        <translation>Die Adresse %1 gehört einer anderen Kamera (MAC-Adresse %2). Aktualisieren Sie die Liste, oder wählen Sie eine andere temporäre Adresse.</translation>
     </message>
     <message>
         <source>Invalid IP address. IP addresses 224.0.0.0 to 255.255.255.255 and 127.0.0.1 are not allowed.</source>

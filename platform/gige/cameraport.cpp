@@ -194,7 +194,7 @@ void CameraPort::exchange(std::uint16_t requestId, const gvcp::Packet& packet, g
         }
     }
     m_wasExtended = attempts.wasExtended();
-    if (m_wasBusy) {
+    if (m_wasBusy && !m_wasExtended) {
         raise<RefusalException>(prefix(what) + describeStatus(gvcp::Status::Busy));
     }
     const auto waited = std::chrono::duration_cast<std::chrono::milliseconds>(now - start).count();

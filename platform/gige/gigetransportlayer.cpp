@@ -16,6 +16,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto freshFor = 1s;
+constexpr std::size_t maxRemembered = 8192; // cameras; a flood of invented ones must not eat the memory
 
 /// Empty when the record has none.
 GenICam::gcstring property(const Tessal::CDeviceInfo& info, const char* name)
@@ -61,11 +62,14 @@ void GigETransportLayer::search()
     forgetFreshness();
     m_found = searchCameras(m_searches);
     m_foundIndex.clear();
+    if (m_makersOwn.size() > maxRemembered) {
+        m_makersOwn.clear();
+    }
     for (std::size_t i = 0; i < m_found.size(); ++i) {
         const FoundCamera& camera = m_found[i];
         m_foundIndex.emplace(HeardAs(camera.identity.mac, camera.identity.ip, camera.heardBy.address), i);
         if (Tessal::IsSupportedDevice(makeRecord(camera.identity, camera.heardBy.address), false)) {
-            m_makersOwn.insert(camera.identity.mac);
+            m_makersOwn.insert_or_assign(camera.identity.mac, camera.identity);
         } else {
             m_makersOwn.erase(camera.identity.mac);
         }
@@ -208,6 +212,9 @@ Answerers GigETransportLayer::answerersFor(const net::MacAddress& mac) const
     for (const FoundCamera& camera : m_found) {
         (camera.identity.mac == mac ? answerers.camera : answerers.others).insert(camera.identity.ip);
     }
+    if (const auto own = m_makersOwn.find(mac); answerers.camera.empty() && own != m_makersOwn.end()) {
+        answerers.camera.insert(own->second.ip); // not heard by the latest search
+    }
     return answerers;
 }
 
@@ -251,10 +258,8 @@ void GigETransportLayer::RestartIpConfig(const GenICam::gcstring& mac)
 
 std::string_view GigETransportLayer::nameToStore(const net::MacAddress& mac, std::string_view name) const
 {
-    const auto camera =
-        std::ranges::find(m_found, mac, [](const FoundCamera& found) { return found.identity.mac; });
-    const bool isUnchanged = camera != m_found.end() && camera->identity.userDefinedName == name;
-    return isUnchanged ? camera->identity.storedUserDefinedName : name;
+    const gvcp::Identity& known = m_makersOwn.at(mac);
+    return known.userDefinedName == name ? known.storedUserDefinedName : name;
 }
 
 bool GigETransportLayer::BroadcastIpConfig(const GenICam::gcstring& mac, bool enablePersistentIp,

@@ -7,7 +7,6 @@
 
 #include <map>
 #include <memory>
-#include <set>
 #include <string_view>
 #include <tuple>
 #include <vector>
@@ -47,8 +46,8 @@ private:
     int list(Tessal::DeviceInfoList& list, bool append, bool onlyUnicast) const;
     [[nodiscard]] const FoundCamera* findFresh(const Tessal::CDeviceInfo& info);
     [[nodiscard]] Answerers answerersFor(const net::MacAddress& mac) const;
-    /// The camera's own bytes where `name` is how its present name is shown; a name that is no UTF-8 is not
-    /// to be changed by a save of an address.
+    /// For a camera of the maker: its own bytes where `name` is how its present name is shown; a name that is
+    /// no UTF-8 is not to be changed by a save of an address.
     [[nodiscard]] std::string_view nameToStore(const net::MacAddress& mac, std::string_view name) const;
     /// Throws RuntimeException when two cameras claimed the address in the latest search.
     void checkUncontested(net::Ipv4 address) const;
@@ -63,7 +62,8 @@ private:
     SearchHistory m_searches;
     std::vector<FoundCamera> m_found;            // by the latest search
     std::map<HeardAs, std::size_t> m_foundIndex; // into m_found
-    std::set<net::MacAddress> m_makersOwn;       // by the latest record of each; know the broadcast command
+    std::map<net::MacAddress, gvcp::Identity>
+        m_makersOwn; // the latest record of each; know the broadcast command
     Clock::time_point m_freshUntil;
     std::vector<std::unique_ptr<Device>> m_devices;
 };

@@ -35,6 +35,8 @@ constexpr int roundsOnSlowLines = 18;
 constexpr auto windowOnSlowLines = 1000ms;
 constexpr auto longestSearchOnSlowLines = 1500ms;
 
+constexpr int searchesForSlow = 3; // who was heard late may have been starting, and be quick from then on
+
 constexpr std::size_t crowd = 128;       // cameras whose answers need no more questions to fill the line
 constexpr std::size_t maxCameras = 4096; // a flood of invented cameras must not eat the memory
 constexpr std::size_t batch = 64;        // datagrams of one socket before the clock is looked at
@@ -100,7 +102,7 @@ private:
 
 std::vector<FoundCamera> Search::run(SearchHistory& history)
 {
-    if (history.someoneIsSlow) {
+    if (history.slowSearches > 0) {
         takeTime();
     }
     for (auto now = m_start; now < m_probe.end(); now = Clock::now()) {
@@ -120,9 +122,9 @@ std::vector<FoundCamera> Search::run(SearchHistory& history)
     for (const auto& [key, heard] : m_found) {
         history.heard.insert(key.second);
     }
-    history.someoneIsSlow = history.someoneIsSlow || m_someoneWasLate;
+    history.slowSearches = m_someoneWasLate ? searchesForSlow : std::max(0, history.slowSearches - 1);
     std::vector<FoundCamera> cameras = conclude();
-    history.asked = history.someoneIsSlow ? nullptr : std::move(m_broadcaster);
+    history.asked = history.slowSearches > 0 ? nullptr : std::move(m_broadcaster);
     return cameras;
 }
 
@@ -215,7 +217,7 @@ void Search::handle(std::size_t channel, const Datagram& datagram)
     }
     const auto now = Clock::now();
     if (now >= m_start + slowAfter) {
-        m_someoneWasLate = true;
+        m_someoneWasLate = m_someoneWasLate || known == m_found.end();
         takeTime();
         askOn(roundsOnSlowLines);
     }
@@ -275,7 +277,9 @@ std::vector<FoundCamera> Search::conclude()
 
 std::vector<FoundCamera> searchCameras(SearchHistory& history)
 {
-    history.someoneIsSlow = history.someoneIsSlow || leftSomeoneOut(history);
+    if (leftSomeoneOut(history)) {
+        history.slowSearches = searchesForSlow;
+    }
     history.asked.reset(); // before the search needs as many sockets
     return Search().run(history);
 }

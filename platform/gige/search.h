@@ -23,7 +23,7 @@ struct FoundCamera
 /// the next.
 struct SearchHistory
 {
-    bool someoneIsSlow = false;         // some camera needed longer than most; from then on all get that time
+    int slowSearches = 0;               // how many more give all cameras the time that some camera needed
     std::unique_ptr<Broadcaster> asked; // through which the latest search asked; null while someone is slow
     std::uint16_t requestId = 0;        // of its questions
     std::set<net::MacAddress> heard;    // by it
@@ -34,7 +34,7 @@ struct SearchHistory
 /// adapter of this host can send. Throws SocketException when the adapters cannot be listed or no socket is
 /// to be had. Takes 460 ms, however many cameras there are, and up to 700 ms when one
 /// that was found late is slow to answer over unicast. Where questions go unanswered more are asked in that
-/// time. Where nobody is heard within 280 ms, or some camera needed longer in this search or an earlier one,
+/// time. Where nobody is heard within 280 ms, or some camera needed longer in this search or a recent one,
 /// all get a second, and up to 1.5 s for unicast.
 ///
 /// An address that two cameras claim counts as not reachable: nobody can tell which of them a packet gets to.

@@ -188,7 +188,9 @@ void UnicastProbe::handle(Question& question, const gvcp::Acknowledge& acknowled
 {
     if (acknowledge.code == gvcp::Ack::Pending) {
         question.repeating = false;
-        question.answer = {.heard = true, .accessibility = Tessal::Accessibility::Unknown};
+        // It can be reached, and whether somebody holds it opening will tell if the answer does not come in
+        // time.
+        question.answer = {.heard = true, .accessibility = Tessal::Accessibility::Ok};
     } else if (acknowledge.code != gvcp::Ack::ReadReg) {
         return;
     } else if (acknowledge.status == gvcp::Status::Busy) {
