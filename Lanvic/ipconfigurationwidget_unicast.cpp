@@ -61,13 +61,32 @@ void traceOpened(const Tessal::COrvikGigEDeviceInfo& record, const QByteArray& o
              formatIPConfiguration(record.GetIpConfigCurrent(), 0).toLocal8Bit());
 }
 
+/// Addresses change hands, and the row that is saved may be older than that. Without a MAC address on either
+/// side nobody can tell.
+bool isAnotherCamera(const Tessal::COrvikGigEDeviceInfo& opened, const QString& wantedMac)
+{
+    const QString mac = fromAscii(opened.GetMacAddress());
+    return !mac.isEmpty() && !wantedMac.isEmpty() && mac.compare(wantedMac, Qt::CaseInsensitive) != 0;
+}
+
+GenICam::RuntimeException anotherCameraAnswers(const Tessal::COrvikGigEDeviceInfo& opened)
+{
+    const QString text =
+        IpConfigurationWidget::tr(
+            "The address %1 is that of another camera (MAC address %2). Refresh the list, or "
+            "choose another temporary address.")
+            .arg(fromAscii(opened.GetIpAddress()), formatMACAddress(opened.GetMacAddress(), ":"));
+    return GenICam::ExceptionReporter<GenICam::RuntimeException>(__FILE__, __LINE__, "RuntimeException")
+        .Report("%s", text.toUtf8().constData());
+}
+
 } // namespace
 
 bool IpConfigurationWidget::unicastConfiguration(const QString& ipAddress)
 {
     const QByteArray oldIp = ipAddress.toLatin1();
     const Tessal::COrvikGigEDeviceInfo* const selected = GetSelectedDeviceInfo();
-    const GenICam::gcstring wanted = selected != nullptr ? selected->GetMacAddress() : GenICam::gcstring();
+    const QString wanted = selected != nullptr ? fromAscii(selected->GetMacAddress()) : QString();
     try {
         LogTrace(GetIPConfigBaseCatID(), LogLevel::Info,
                  "Trying open device with old IP=%hs to change IP configuration via unicast.", oldIp);
@@ -78,17 +97,9 @@ bool IpConfigurationWidget::unicastConfiguration(const QString& ipAddress)
             return false;
         }
         const Tessal::COrvikGigEDeviceInfo record(m_pDevice->GetDeviceInfo());
-        if (!wanted.empty() && !(record.GetMacAddress() == wanted)) {
+        if (isAnotherCamera(record, wanted)) {
             closeDevice();
-            throw GenICam::ExceptionReporter<GenICam::RuntimeException>(__FILE__, __LINE__,
-                                                                        "RuntimeException")
-                .Report("%s", tr("The address %1 is that of another camera (MAC address %2). Refresh the "
-                                 "list, or choose "
-                                 "another temporary address.")
-                                  .arg(fromAscii(record.GetIpAddress()),
-                                       formatMACAddress(record.GetMacAddress(), ":"))
-                                  .toUtf8()
-                                  .constData());
+            throw anotherCameraAnswers(record);
         }
         traceOpened(record, oldIp);
         const WaitCursor cursor;
