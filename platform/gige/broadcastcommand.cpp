@@ -29,7 +29,7 @@ public:
 private:
     void listen();
     void handle(const Datagram& datagram);
-    bool mayBeTheCameras(const gvcp::Acknowledge& acknowledge, net::Ipv4 source) const;
+    [[nodiscard]] bool mayBeTheCameras(const gvcp::Acknowledge& acknowledge, net::Ipv4 source) const;
 
     std::uint16_t m_requestId;
     gvcp::Ack m_expected;
