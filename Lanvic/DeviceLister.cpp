@@ -3,6 +3,7 @@
 #include "NetworkAdapter.h"
 
 #include "genicam/exceptions.h"
+#include "qtbase/failuretexts.h"
 #include "qtbase/formatting.h"
 
 #include <algorithm>
@@ -123,9 +124,10 @@ void DeviceLister::createTransportLayer()
     s_pTl = dynamic_cast<Tessal::IGigETransportLayer*>(created);
     if (s_pTl == nullptr) {
         factory.ReleaseTl(created);
-        throw GenICam::ExceptionReporter<GenICam::RuntimeException>("DeviceLister", __LINE__,
-                                                                    "RuntimeException")
-            .Report("%s", QObject::tr("Failed to create transport layer object").toUtf8().constData());
+        throw Translated(GenICam::ExceptionReporter<GenICam::RuntimeException>("DeviceLister", __LINE__,
+                                                                               "RuntimeException")
+                             .Report("Failed to create transport layer object"),
+                         QObject::tr("Failed to create transport layer object"));
     }
 }
 

@@ -91,7 +91,9 @@ void MainWnd::on_actionViewHelp_triggered()
 
 void MainWnd::on_actionFeedback_triggered()
 {
-    OpenFeedbackUrl();
+    if (!isBusy()) {
+        OpenFeedbackUrl();
+    }
 }
 
 void MainWnd::on_actionAbout_triggered()

@@ -1,5 +1,11 @@
 #include "NetworkAdapter.h"
 
+#include "qtbase/formatting.h"
+
+CNetworkAdapter::CNetworkAdapter(const QNetworkInterface& interface)
+    : QNetworkInterface(interface), m_name(adapterName(interface)), m_hardwareAddress(hardwareAddress())
+{}
+
 QList<CNetworkAdapter> CNetworkAdapter::allNetworkAdapters(QNetworkInterface::InterfaceFlags requiredFlags,
                                                            QNetworkInterface::InterfaceFlags excludedFlags)
 {

@@ -12,9 +12,7 @@ inline constexpr QNetworkInterface::InterfaceFlags LiveAdapter =
 class CNetworkAdapter : public QNetworkInterface
 {
 public:
-    explicit CNetworkAdapter(const QNetworkInterface& interface)
-        : QNetworkInterface(interface), m_name(name()), m_hardwareAddress(hardwareAddress())
-    {}
+    explicit CNetworkAdapter(const QNetworkInterface& interface);
 
     /// The adapters that have all of `requiredFlags`, none of `excludedFlags` and at least one address of any
     /// family, in the order of the operating system.
@@ -27,6 +25,6 @@ public:
     [[nodiscard]] static const CNetworkAdapter* findByIpAddress(const QList<CNetworkAdapter>& adapters,
                                                                 const QHostAddress& address);
 
-    QString m_name;            // the operating system's, as "eth0"
+    QString m_name;            // as the operating system shows it, "eth0"
     QString m_hardwareAddress; // as "02:00:00:00:01:05"
 };

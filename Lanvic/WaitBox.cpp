@@ -1,15 +1,33 @@
 #include "WaitBox.h"
 
+#include <QAccessible>
 #include <QApplication>
+#include <QCoreApplication>
 #include <QCursor>
+#include <QEventLoop>
 #include <QStyle>
+#include <QTimer>
 #include <QTreeWidget>
 
 #include <utility>
 
 namespace {
 
+using namespace std::chrono_literals;
+
 constexpr int messageMargin = 12; // pixels
+constexpr auto settlingTime = 30ms;
+
+struct Texts
+{
+    Q_DECLARE_TR_FUNCTIONS(WaitBox)
+};
+
+/// Whole seconds, rounded up to a multiple of five: an estimate that does not flicker.
+qint64 roundedSeconds(std::chrono::milliseconds time)
+{
+    return (time + 5s - 1ms) / 5s * 5;
+}
 
 /// The part of the owner that the tree's rows take up; all of it when there is no tree.
 QRect messageArea(const QWidget& owner)
@@ -85,10 +103,40 @@ void WaitBox::showMessage()
         m_label->setForegroundRole(QPalette::ToolTipText);
         m_label->setAutoFillBackground(true);
     }
+    placeMessage();
+    m_label->show();
+    QAccessibleEvent announcement(m_label, QAccessible::Alert);
+    QAccessible::updateAccessibility(&announcement);
+    m_waiting.start();
+    m_label->repaint();
+}
+
+void WaitBox::settle()
+{
+    // A dialog that has just closed leaves its picture behind until the window system has asked for what was
+    // under it, and the sleep that follows answers nothing.
+    QEventLoop settling;
+    QTimer::singleShot(settlingTime, &settling, &QEventLoop::quit);
+    settling.exec(QEventLoop::ExcludeUserInputEvents);
+}
+
+void WaitBox::showProgress(int done, int all, std::chrono::milliseconds usualStep)
+{
+    if (!m_label) {
+        return;
+    }
+    const std::chrono::milliseconds waited(m_waiting.elapsed());
+    const auto step = done > 0 ? waited / done : usualStep;
+    const QString progress = Texts::tr("%1 of at most %2 s").arg(waited / 1s).arg(roundedSeconds(step * all));
+    m_label->setText(m_text + QLatin1String("\n\n") + progress);
+    placeMessage();
+    m_label->repaint();
+}
+
+void WaitBox::placeMessage()
+{
     const QRect area = messageArea(*m_pOwner);
     m_label->setGeometry(QStyle::alignedRect(m_pOwner->layoutDirection(), Qt::AlignCenter,
                                              m_label->sizeHint().boundedTo(area.size()), area));
     m_label->raise();
-    m_label->show();
-    m_label->repaint();
 }

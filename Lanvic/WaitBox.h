@@ -1,9 +1,12 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QLabel>
 #include <QObject>
 #include <QPointer>
 #include <QString>
+
+#include <chrono>
 
 /// Sets the wait cursor for as long as it lives.
 class WaitCursor
@@ -34,14 +37,21 @@ public:
 
     /// Sets the cursor once more and paints the message before it returns, since what follows blocks.
     void showWaitCursor();
+    /// Lets the window system repaint what a closed dialog covered, without user input.
+    static void settle();
+    /// Says below the message how long the wait has taken and how long it takes at most, and paints that.
+    /// `done` of `all` steps are over; `usualStep` is what one takes as long as none is.
+    void showProgress(int done, int all, std::chrono::milliseconds usualStep);
     /// Takes back one cursor that this box has set, and with the last one the message.
     void restoreCursor();
 
 private:
     void showMessage();
+    void placeMessage();
 
     QString m_text;
     int m_cursorCount = 0; // set and not yet restored
     QWidget* m_pOwner;
     QPointer<QLabel> m_label; // child of the owner
+    QElapsedTimer m_waiting;  // since the message was shown
 };

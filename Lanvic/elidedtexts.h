@@ -2,7 +2,10 @@
 
 #include <QStyledItemDelegate>
 
-/// Tells in a tool tip what a cell of a view has no room for.
+/// Draws the cells of the tree. Tells in a tool tip what a cell has no room for, above what the item itself
+/// has to explain. Leaves the place of the picture free in a first column without one, so that its text
+/// stands below those that have one, and puts a sign behind the text of an adapter that has something to
+/// explain.
 class ElidedTexts : public QStyledItemDelegate
 {
     Q_OBJECT
@@ -12,4 +15,10 @@ public:
 
     bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
                    const QModelIndex& index) override;
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override;
+
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override;
 };

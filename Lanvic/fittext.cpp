@@ -3,11 +3,20 @@
 #include <QEvent>
 #include <QFontInfo>
 #include <QLabel>
+#include <QTextBrowser>
+#include <QTextDocument>
+#include <QTextOption>
 
 namespace {
 
 constexpr qreal smallest = 0.6;
 constexpr qreal step = 0.95;
+
+/// Whether the label shows its text within that width and its own greatest height, each word in one piece.
+bool isSeenInFull(const QLabel& label, int width)
+{
+    return label.minimumSizeHint().width() <= width && label.heightForWidth(width) <= label.maximumHeight();
+}
 
 /// Fits the text of a label, which owns it, again with each new width.
 class TextFitter : public QObject
@@ -21,22 +30,52 @@ public:
     {
         m_label.setFont(QFont()); // the parent's again
         m_width = m_label.width();
-        const bool fits = shrinkFont(
-            m_label, [this] { return m_label.heightForWidth(m_width) <= m_label.maximumHeight(); });
-        m_label.setToolTip(fits ? QString() : m_label.text());
+        const bool fits = shrinkFont(m_label, [this] { return isSeenInFull(m_label, m_width); });
+        if (!fits) {
+            m_label.setFont(QFont());
+            showScrolled();
+        } else if (m_scrolled != nullptr) {
+            m_scrolled->hide();
+            m_label.setFocusProxy(nullptr);
+        }
     }
 
 protected:
     bool eventFilter(QObject* /*watched*/, QEvent* event) override
     {
-        if (event->type() == QEvent::Resize && m_label.width() != m_width) {
-            fit();
+        if (event->type() == QEvent::Resize) {
+            if (m_scrolled != nullptr) {
+                m_scrolled->setGeometry(m_label.rect());
+            }
+            if (m_label.width() != m_width) {
+                fit();
+            }
         }
         return false;
     }
 
 private:
+    /// Covers the label with the same text in a view that scrolls.
+    void showScrolled()
+    {
+        if (m_scrolled == nullptr) {
+            m_scrolled = new QTextBrowser(&m_label);
+            m_scrolled->setAccessibleName(m_label.accessibleName());
+            m_scrolled->setFrameShape(QFrame::NoFrame);
+            m_scrolled->viewport()->setBackgroundRole(QPalette::Window);
+            m_scrolled->setOpenLinks(false);
+            m_scrolled->setWordWrapMode(QTextOption::WordWrap);
+            m_scrolled->document()->setDocumentMargin(0);
+            m_scrolled->setGeometry(m_label.rect());
+            QWidget::setTabOrder(&m_label, m_scrolled);
+        }
+        m_scrolled->setHtml(m_label.text());
+        m_scrolled->show();
+        m_label.setFocusProxy(m_scrolled);
+    }
+
     QLabel& m_label;
+    QTextBrowser* m_scrolled = nullptr; // the label's, once it was needed
     int m_width = 0;
 };
 

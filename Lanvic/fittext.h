@@ -15,5 +15,5 @@ class QWidget;
 bool shrinkFont(QWidget& widget, const std::function<bool()>& fits);
 
 /// Shows a text with wrapped lines so that all of it is seen within the label's greatest height, however wide
-/// the label is now or becomes. What is too much even for small letters can be read in the tool tip.
+/// the label is now or becomes. What is too much even for small letters can be scrolled.
 void setFittingText(QLabel& label, const QString& text);

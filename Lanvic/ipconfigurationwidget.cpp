@@ -56,6 +56,7 @@ IpConfigurationWidget::IpConfigurationWidget(QWidget* parent) : QWidget(parent)
 {
     ui.setupUi(this);
     fitTextsOfFixedSize();
+    createAdviceSigns();
     clearDirtyFlags();
     const QStringList columns{tr("Name"),   tr("Device User ID"),   tr("Serial Number"), tr("MAC Address"),
                               tr("Status"), tr("IP Configuration"), tr("IP Address"),    tr("Subnet Mask")};

@@ -1,18 +1,24 @@
 #pragma once
 
 #include "NetworkAdapter.h"
+#include "confirmation.h"
 #include "ui_ipconfigurationwidget.h"
 
+#include "advice/advice.h"
 #include "ozlog/ozlog.h"
+#include "qtbase/ipaddresswidget.h"
 #include "tessal/transportlayer.h"
 
 #include <QList>
+#include <QMap>
 #include <QWidget>
 
+#include <map>
 #include <optional>
+#include <vector>
 
+class AdviceSign;
 class DeviceLister;
-class IpAddressWidget;
 struct AddressingMode;
 struct IpSettings;
 
@@ -23,10 +29,26 @@ inline constexpr int ItemKindRole = Qt::UserRole;
 inline constexpr int DeviceIndexRole = Qt::UserRole + 1;  // position in DeviceLister::m_devices
 inline constexpr int AdapterIndexRole = Qt::UserRole + 2; // position in m_networkAdapters
 
+/// Why a camera could not be opened at its present address, for the user and for support; empty where none
+/// was.
+struct ForceIpReason
+{
+    QString sentence;
+    QString technicalText;
+};
+
+/// What was entered for a temporary address that could not be assigned, for the next attempt at the same.
+struct RefusedEntry
+{
+    GenICam::gcstring camera; // the selected one's MAC address
+    bool showsMacAddress;     // in which of the two dialogs
+    advice::Entry entry;
+};
+
 /// The central widget, in which all work with cameras happens: the tree of adapters and cameras, the details
 /// of the selected row, the editor of one camera's addressing, and everything that writes to a camera. One
-/// source file for each concern: construction, tree, rows, details, editing, addresses, writing, unicast,
-/// connection.
+/// source file for each concern: construction, tree, rows, details, editing, addresses, advice, writing,
+/// unicast, connection.
 class IpConfigurationWidget : public QWidget
 {
     Q_OBJECT
@@ -64,7 +86,7 @@ public slots:
     void refresh();
 
 protected:
-    /// Enter saves while Save is the default button.
+    /// Enter saves while Save is the default button; Escape in the editor takes its edits back.
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
@@ -73,6 +95,7 @@ private:
                             void (IpConfigurationWidget::*slot)());
     void fitTextsOfFixedSize();
     void installValidators();
+    void createAdviceSigns();
     void connectSignals();
     void keepCurrentRowSelected();
 
@@ -91,6 +114,9 @@ private:
     bool UpdateTreeItemFromNetworkAdapter(QTreeWidgetItem* item, const CNetworkAdapter* adapter);
     bool UpdateTreeItemFromDeviceInfo(QTreeWidgetItem* item, const Tessal::COrvikGigEDeviceInfo* record);
     int updateTreeRowFromDeviceInfoByMac(const QString& mac);
+    void explainAdapters();
+    void explainCells(QTreeWidgetItem* item, const Tessal::COrvikGigEDeviceInfo& record) const;
+    [[nodiscard]] bool isTemporaryAddress(const Tessal::COrvikGigEDeviceInfo& record) const;
     [[nodiscard]] Tessal::COrvikGigEDeviceInfo* deviceOfItem(const QTreeWidgetItem* item) const;
     [[nodiscard]] const CNetworkAdapter* adapterOfItem(const QTreeWidgetItem* item) const;
     [[nodiscard]] QTreeWidgetItem* findAdapterTreeItem(const QString& name) const;
@@ -103,6 +129,7 @@ private:
 
     // details panel
     void saveChangesOfLeftRow(QTreeWidgetItem* left);
+    bool writeAndListName(const Tessal::COrvikGigEDeviceInfo& record);
     void updateUiFromTreeItem(const QTreeWidgetItem* item);
     void showNothing();
     void clearAddressFields();
@@ -123,6 +150,7 @@ private:
     [[nodiscard]] bool hasUnsavedChanges() const;
     [[nodiscard]] bool checkSaveChanges() const;
     void finishField();
+    void takeEditsBack();
     bool saveChangesBeforeClosing(); // false when the user would rather stay
     static void fixupIpAddress(QString& text);
     static void fixupMacAddress(QString& text);
@@ -132,11 +160,22 @@ private:
                                                       const QNetworkInterface* adapter);
     static IpSettings fixedUpIpSettings(QString ipAddress, QString subnetMask, QString defaultGateway);
 
+    // advice
+    void takeMaskLength(QLineEdit* edit);
+    [[nodiscard]] advice::Surroundings surroundings(const CNetworkAdapter* adapter) const;
+    [[nodiscard]] std::vector<advice::Advice> adviceInUi(const Tessal::COrvikGigEDeviceInfo& record,
+                                                         const QTreeWidgetItem* item) const;
+    void showAdvice(const Tessal::COrvikGigEDeviceInfo* record, const QTreeWidgetItem* item);
+    [[nodiscard]] QString explainSave(const Tessal::COrvikGigEDeviceInfo* record,
+                                      const std::vector<advice::Advice>& all) const;
+
     // writing
     bool writeConfiguration(const Tessal::COrvikGigEDeviceInfo& deviceInfo);
     bool broadcastConfiguration(const QString& mac);
     bool unicastConfiguration(const QString& ipAddress);
     bool waitForDevice(const QString& mac);
+    void noteSaved(const Tessal::COrvikGigEDeviceInfo& deviceInfo);
+    void confirmSave();
     [[nodiscard]] AddressingMode addressingModeInUi() const;
     [[nodiscard]] IpSettings ipSettingsInUi() const;
     bool storeByBroadcast(const QByteArray& mac);
@@ -151,11 +190,13 @@ private:
     bool openDevice(const QString& ipAddress);
     void closeDevice();
     void releaseDevice();
-    bool forceIp(const QString& headerText, bool showMacAddress, QString* newIpAddress);
+    bool forceIp(const QString& headerText, bool showMacAddress, QString* newIpAddress,
+                 const ForceIpReason& reason = {});
     void createAndOpenDevice(const QString& address);
-    bool forceIpForConnection(QString& address);
+    bool forceIpForConnection(QString& address, const ForceIpReason& reason);
     static void fillTemporaryAddressDialog(IpAddressWidget& dialog, const QNetworkAddressEntry& entry,
                                            const GenICam::gcstring& mac);
+    bool savePendingChangesBeforeForceIp(const Tessal::COrvikGigEDeviceInfo& record);
     std::optional<IpSettings> askForTemporaryAddress(IpAddressWidget& dialog, GenICam::gcstring& mac);
     std::optional<IpSettings> readTemporaryAddress(const IpAddressWidget& dialog, GenICam::gcstring& mac);
 
@@ -172,4 +213,11 @@ private:
     DeviceLister* m_pDeviceLister = nullptr;        // owned
     Tessal::ITessalGigEDevice* m_pDevice = nullptr; // made by and given back to the transport layer
     QList<CNetworkAdapter> m_networkAdapters;
+    // Given by Force IP in this session, by MAC address, until the camera is found with another or is saved.
+    QMap<QString, QString> m_temporaryAddresses;
+    SentConfiguration m_sent;         // by the latest save
+    bool m_isSaveUnconfirmed = false; // a route succeeded, and what the camera reports has not been judged
+    Tessal::COrvikGigEDeviceInfo m_rediscovered; // the latest record of the camera that was waited for last
+    std::map<advice::Field, AdviceSign*> m_adviceSigns;
+    std::optional<RefusedEntry> m_refusedEntry; // by the latest Force IP
 };

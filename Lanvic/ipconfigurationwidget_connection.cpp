@@ -8,8 +8,9 @@
 #include "trace.h"
 
 #include "ozlog/ozlog.h"
-#include "qtbase/ipaddresswidget.h"
+#include "qtbase/failuretexts.h"
 #include "qtbase/messages.h"
+#include "tessal/devicechoice.h"
 
 #include <QMessageBox>
 
@@ -30,6 +31,15 @@ QString withValidAddresses(const QString& text, const CNetworkAdapter* adapter)
            FormatValidAddressRanges(adapter) + "</p>";
 }
 
+ForceIpReason reasonToForceIp(const std::exception& exception)
+{
+    const QStringList sentences = sentencesOf(exception);
+    return {.sentence = sentences.isEmpty() ? IpConfigurationWidget::tr(
+                                                  "The connection to the device could not be established.")
+                                            : sentences.join(QLatin1Char(' ')),
+            .technicalText = technicalTextOf(exception)};
+}
+
 /// Runs one step of a Force IP and reports what it throws. Returns whether the step went through.
 template <typename Step>
 bool reportingForceIpFailure(const GenICam::gcstring& mac, Step step)
@@ -48,6 +58,14 @@ bool reportingForceIpFailure(const GenICam::gcstring& mac, Step step)
     return false;
 }
 
+/// Tells which camera is meant by the address of the next device; null for any.
+void expectCamera(Tessal::IGigETransportLayer& transportLayer, const Tessal::COrvikGigEDeviceInfo* camera)
+{
+    if (auto* const choice = dynamic_cast<Tessal::IDeviceChoice*>(&transportLayer)) {
+        choice->SetExpectedMac(camera != nullptr ? camera->GetMacAddress() : GenICam::gcstring());
+    }
+}
+
 void sendForceIp(const GenICam::gcstring& mac, const IpSettings& settings)
 {
     LogTrace(GetIPConfigBaseCatID(), LogLevel::Info, "Now forcing IP for MAC=%hs. Retries remaining=%i.", mac,
@@ -63,6 +81,7 @@ bool IpConfigurationWidget::openDevice(const QString& ipAddress)
 {
     WaitBox waitBox(tr("Trying to establish a connection to the device..."), this);
     QString address = ipAddress;
+    ForceIpReason reason;
     do {
         if (m_pDevice != nullptr) {
             // Dropped even where the transport layer refuses it, as in releaseDevice().
@@ -87,8 +106,9 @@ bool IpConfigurationWidget::openDevice(const QString& ipAddress)
         } catch (const GenICam::GenericException& exception) {
             waitBox.restoreCursor();
             qDebug("Could not open the device. Will try forceIP ('%s')", exception.GetDescription());
+            reason = reasonToForceIp(exception);
         }
-    } while (forceIpForConnection(address));
+    } while (forceIpForConnection(address, reason));
     return false;
 }
 
@@ -97,24 +117,26 @@ void IpConfigurationWidget::createAndOpenDevice(const QString& address)
     using enum Tessal::EDeviceAccessMode;
     Tessal::COrvikGigEDeviceInfo info(DeviceLister::s_pTl->CreateDeviceInfo());
     info.SetIpAddress(address.toLatin1().constData());
+    expectCamera(*DeviceLister::s_pTl, GetSelectedDeviceInfo());
     Tessal::ITessalDevice* device = DeviceLister::s_pTl->CreateDevice(info);
     m_pDevice = dynamic_cast<Tessal::ITessalGigEDevice*>(device);
     if (m_pDevice == nullptr) {
-        throw GenICam::ExceptionReporter<GenICam::LogicalErrorException>(__FILE__, __LINE__,
-                                                                         "LogicalErrorException")
-            .Report("The device must be a GEV Camera.");
+        throw Translated(GenICam::ExceptionReporter<GenICam::LogicalErrorException>(__FILE__, __LINE__,
+                                                                                    "LogicalErrorException")
+                             .Report("The device must be a GEV Camera."),
+                         tr("The device must be a GEV Camera."));
     }
     m_pDevice->Open(Stream | Control | Event);
 }
 
-bool IpConfigurationWidget::forceIpForConnection(QString& address)
+bool IpConfigurationWidget::forceIpForConnection(QString& address, const ForceIpReason& reason)
 {
     const QString explanation =
         tr("A connection to the device must be established in order to change the configuration.<br>To do "
            "this, a temporary IP address needs to be assigned to the device.<br>This temporary address will "
            "only be used to update the configuration and will not be stored on the device.");
     const CNetworkAdapter* adapter = GetNetworkAdapaterFromDeviceItem(getSelectedTreeItem());
-    return forceIp(withValidAddresses(explanation, adapter), false, &address);
+    return forceIp(withValidAddresses(explanation, adapter), false, &address, reason);
 }
 
 void IpConfigurationWidget::closeDevice()
@@ -140,7 +162,8 @@ void IpConfigurationWidget::releaseDevice()
                      [device] { DeviceLister::s_pTl->DestroyDevice(device); });
 }
 
-bool IpConfigurationWidget::forceIp(const QString& headerText, bool showMacAddress, QString* newIpAddress)
+bool IpConfigurationWidget::forceIp(const QString& headerText, bool showMacAddress, QString* newIpAddress,
+                                    const ForceIpReason& reason)
 {
     const QTreeWidgetItem* item = getSelectedTreeItem();
     const Tessal::COrvikGigEDeviceInfo* info = GetSelectedDeviceInfo();
@@ -148,17 +171,29 @@ bool IpConfigurationWidget::forceIp(const QString& headerText, bool showMacAddre
         return false;
     }
     const CNetworkAdapter* adapter = GetNetworkAdapaterFromDeviceItem(item);
-    GenICam::gcstring mac = info != nullptr ? info->GetMacAddress() : GenICam::gcstring("<unknown>");
+    const GenICam::gcstring selected =
+        info != nullptr ? info->GetMacAddress() : GenICam::gcstring("<unknown>");
+    GenICam::gcstring mac = selected;
     LogTrace(GetIPConfigBaseCatID(), LogLevel::Info, "Forcing IP of device with MAC=%hs.", mac);
 
     IpAddressWidget dialog(this);
     dialog.setWindowTitle(tr("Assign Temporary IP Address (Force IP)"));
     dialog.setHeaderText(headerText);
+    dialog.setReason(reason.sentence, reason.technicalText);
+    dialog.setSurroundings(surroundings(showMacAddress ? nullptr : adapter));
     dialog.setShowMacAddress(showMacAddress);
     fillTemporaryAddressDialog(dialog, firstIpv4Entry(adapter), mac);
+    if (m_refusedEntry && m_refusedEntry->camera == selected &&
+        m_refusedEntry->showsMacAddress == showMacAddress) {
+        dialog.setEntry(m_refusedEntry->entry);
+    }
 
     const std::optional<IpSettings> settings = askForTemporaryAddress(dialog, mac);
-    if (!settings || !reportingForceIpFailure(mac, [&] {
+    if (!settings) {
+        return false;
+    }
+    m_refusedEntry = {selected, showMacAddress, dialog.entry()};
+    if (!reportingForceIpFailure(mac, [&] {
             sendForceIp(mac, *settings);
             if (newIpAddress != nullptr) {
                 *newIpAddress = QString::fromLatin1(settings->ipAddress);
@@ -166,12 +201,14 @@ bool IpConfigurationWidget::forceIp(const QString& headerText, bool showMacAddre
         })) {
         return false;
     }
+    m_refusedEntry.reset();
     reportingForceIpFailure(mac, [&mac] {
         LogTrace(GetIPConfigBaseCatID(), LogLevel::Info, "Successfully forced IP for MAC=%hs.", mac);
     });
     if (!waitForDevice(fromAscii(mac))) {
         return false;
     }
+    m_temporaryAddresses.insert(fromAscii(mac), QString::fromLatin1(settings->ipAddress));
     if (!showMacAddress) {
         m_pDeviceLister->updateDeviceInfo(mac, nullptr, dialog.ipAddress().toLatin1(),
                                           dialog.subnetMask().toLatin1(), dialog.defaultGateway().toLatin1(),
@@ -235,10 +272,29 @@ std::optional<IpSettings> IpConfigurationWidget::readTemporaryAddress(const IpAd
     return entered;
 }
 
+/// Offers to save what is being edited, since the editor is drawn anew from the record afterwards. Returns
+/// false when the user wanted that and it failed; the edits are still there then.
+bool IpConfigurationWidget::savePendingChangesBeforeForceIp(const Tessal::COrvikGigEDeviceInfo& record)
+{
+    finishField();
+    if (!checkSaveChanges()) {
+        return true;
+    }
+    const bool saved = writeAndListName(record);
+    updateTreeRowFromDeviceInfoByMac(fromAscii(record.GetMacAddress()));
+    if (saved) {
+        confirmSave();
+    } else {
+        QMessageBox::critical(this, windowTitle(), tr("The configuration could not be saved."),
+                              QMessageBox::Close, QMessageBox::Close);
+    }
+    return saved;
+}
+
 void IpConfigurationWidget::on_assignTemporaryIPAddress()
 {
     const Tessal::COrvikGigEDeviceInfo* info = GetSelectedDeviceInfo();
-    if (info == nullptr || isBusy()) {
+    if (info == nullptr || isBusy() || !savePendingChangesBeforeForceIp(*info)) {
         return;
     }
     const GenICam::gcstring mac = info->GetMacAddress();
@@ -250,8 +306,7 @@ void IpConfigurationWidget::on_assignTemporaryIPAddress()
         QString newIpAddress;
         forceIp(headerText, false, &newIpAddress);
         updateTreeRowFromDeviceInfoByMac(fromAscii(mac));
-        updateUiFromTreeItem(getSelectedTreeItem());
-        updateUiState(nullptr);
+        takeEditsBack();
     } catch (const std::exception& exception) {
         qDebug("error forcing IP (err='%s')", exception.what());
     }

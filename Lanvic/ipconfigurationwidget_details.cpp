@@ -127,12 +127,16 @@ void IpConfigurationWidget::on_treeWidget_currentItemChanged(QTreeWidgetItem* cu
     if (depth > 1) {
         return;
     }
+    const bool isConfirmedElsewhere = m_isSaveUnconfirmed; // a refresh confirms its save when it is over
     saveChangesOfLeftRow(previous);
     clearDirtyFlags();
     stopEditing();
     closeDevice();
     updateUiFromTreeItem(current);
     updateUiState(current);
+    if (!isConfirmedElsewhere) {
+        confirmSave();
+    }
 }
 
 void IpConfigurationWidget::saveChangesOfLeftRow(QTreeWidgetItem* left)
@@ -149,23 +153,32 @@ void IpConfigurationWidget::saveChangesOfLeftRow(QTreeWidgetItem* left)
     // A temporary address on the way goes to the selected camera, so that has to be the one that is saved.
     QTreeWidgetItem* const entered = ui.treeWidget->currentItem();
     ui.treeWidget->setCurrentItem(left);
-    const bool renames = m_customNameModified; // which the write clears
-    const QByteArray name = ui.editCustomName->text().trimmed().toUtf8();
-    const bool saved = writeConfiguration(*record);
+    const bool saved = writeAndListName(*record);
     ui.treeWidget->setCurrentItem(entered);
-    if (saved && renames) {
-        // No search follows that would tell the new name, and the next save sends what the editor then shows.
-        for (Tessal::COrvikGigEDeviceInfo& listed : m_pDeviceLister->m_devices) {
-            if (listed.GetMacAddress() == record->GetMacAddress()) {
-                listed.SetPropertyValue(Tessal::Key::UserDefinedName, name.constData());
-            }
-        }
-    }
     if (!saved) {
         QMessageBox::critical(this, windowTitle(), tr("The configuration could not be saved."),
                               QMessageBox::Close, QMessageBox::Close);
     }
     updateTreeRowFromDeviceInfoByMac(mac);
+}
+
+/// For a save that no search follows which would tell the camera's new name: the next save sends the name
+/// that the editor then shows.
+bool IpConfigurationWidget::writeAndListName(const Tessal::COrvikGigEDeviceInfo& record)
+{
+    const bool renames = m_customNameModified; // which the write clears
+    const QByteArray name = ui.editCustomName->text().trimmed().toUtf8();
+    if (!writeConfiguration(record)) {
+        return false;
+    }
+    if (renames) {
+        for (Tessal::COrvikGigEDeviceInfo& listed : m_pDeviceLister->m_devices) {
+            if (listed.GetMacAddress() == record.GetMacAddress()) {
+                listed.SetPropertyValue(Tessal::Key::UserDefinedName, name.constData());
+            }
+        }
+    }
+    return true;
 }
 
 void IpConfigurationWidget::updateUiFromTreeItem(const QTreeWidgetItem* item)
@@ -251,6 +264,7 @@ void IpConfigurationWidget::updateUiState(QTreeWidgetItem* item)
     const int accessibility = GetDeviceAccessibility(record);
     enableWidgets(record != nullptr && (accessibility == Tessal::Accessibility::Ok ||
                                         accessibility == Tessal::Accessibility::NotReachable));
+    showAdvice(record, item != nullptr ? item : getSelectedTreeItem());
 }
 
 void IpConfigurationWidget::enableWidgets(bool enable)

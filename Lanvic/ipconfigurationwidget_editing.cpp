@@ -77,6 +77,7 @@ void IpConfigurationWidget::ipConfigurationEdited()
 
 void IpConfigurationWidget::on_editIpAddress_textEdited()
 {
+    takeMaskLength(ui.editIpAddress);
     m_ipAddressModified = true;
     m_ipAddressEditPending = true;
     offerSaving();
@@ -139,6 +140,7 @@ void IpConfigurationWidget::finishField()
 
 void IpConfigurationWidget::on_editDefaultGateway_textEdited()
 {
+    takeMaskLength(ui.editDefaultGateway);
     m_gatewayModified = true;
     m_gatewayEditedByUser = true;
     offerSaving();
@@ -159,8 +161,24 @@ void IpConfigurationWidget::on_editCustomName_editingFinished()
     updateUiState(nullptr);
 }
 
+/// Shows the camera's own values again.
+void IpConfigurationWidget::takeEditsBack()
+{
+    updateUiFromTreeItem(getSelectedTreeItem());
+    clearDirtyFlags();
+    stopEditing();
+    updateUiState(nullptr);
+}
+
 void IpConfigurationWidget::keyPressEvent(QKeyEvent* event)
 {
+    if (event->key() == Qt::Key_Escape && event->modifiers() == Qt::NoModifier && !isBusy() &&
+        ui.frameConfig->isAncestorOf(focusWidget())) {
+        if (!event->isAutoRepeat()) { // a key held down may have been pressed for a message before
+            takeEditsBack();
+        }
+        return;
+    }
     // Qt gives Enter to a default button in dialogs only.
     const bool isEnter = (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) &&
                          (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
@@ -204,6 +222,7 @@ bool IpConfigurationWidget::saveChangesBeforeClosing()
     const QTreeWidgetItem* item = ui.treeWidget->currentItem();
     const Tessal::COrvikGigEDeviceInfo* record = deviceOfItem(item);
     if (record == nullptr || writeConfiguration(*record)) {
+        confirmSave();
         return true;
     }
     const auto answer = QMessageBox::critical(

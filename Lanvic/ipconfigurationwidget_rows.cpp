@@ -1,9 +1,12 @@
 #include "ipconfigurationwidget.h"
 
 #include "DeviceLister.h"
+#include "explanations.h"
 #include "recorddisplay.h"
 
 #include "qtbase/formatting.h"
+#include "qtbase/helpandsupport.h"
+#include "tessal/searchreport.h"
 
 #include <QApplication>
 #include <QStyle>
@@ -102,6 +105,13 @@ void setText(QTreeWidgetItem* item, Column column, const GenICam::gcstring& text
     setText(item, column, fromAscii(text));
 }
 
+/// An explanation that a tool tip shows and a screen reader reads; none if it is empty.
+void explain(QTreeWidgetItem* item, Column column, const QString& text)
+{
+    item->setToolTip(column, text.toHtmlEscaped());
+    item->setData(column, Qt::AccessibleDescriptionRole, text);
+}
+
 /// Takes the picture of an earlier state away when there is none now.
 void setIcon(QTreeWidgetItem* item, Column column, const QIcon& icon)
 {
@@ -144,10 +154,48 @@ bool IpConfigurationWidget::UpdateTreeItemFromDeviceInfo(QTreeWidgetItem* item,
     setText(item, ModeColumn, formatIPConfiguration(record->GetIpConfigCurrent(), 1));
     setText(item, IpColumn, record->GetIpAddress());
     setText(item, MaskColumn, record->GetSubnetMask());
+    explainCells(item, *record);
     // A screen reader that follows the rows reads the first column only.
     item->setData(NameColumn, Qt::AccessibleDescriptionRole,
                   QStringList{item->text(StatusColumn), item->text(IpColumn)}.join(QLatin1String(", ")));
     return true;
+}
+
+void IpConfigurationWidget::explainCells(QTreeWidgetItem* item,
+                                         const Tessal::COrvikGigEDeviceInfo& record) const
+{
+    explain(item, StatusColumn, explainStatus(record, GetNetworkAdapaterFromDeviceItem(item)));
+    explain(item, IpColumn,
+            isTemporaryAddress(record) ? tr("A temporary address: the camera has it until it restarts.")
+                                       : QString());
+}
+
+/// Tells on each adapter's row why fewer cameras than there are may be found through it.
+void IpConfigurationWidget::explainAdapters()
+{
+    const auto* const report = dynamic_cast<const Tessal::ISearchReport*>(DeviceLister::s_pTl);
+    if (report == nullptr) {
+        return;
+    }
+    QStringList remarks;
+    QMap<QString, QStringList> sentences; // by adapter
+    for (const Tessal::AdapterObstacle& obstacle : report->GetObstacles()) {
+        remarks += explainObstacle(obstacle);
+        sentences[QString::fromLocal8Bit(obstacle.adapter.c_str())] += remarks.last();
+    }
+    for (const auto& [adapter, texts] : sentences.toStdMap()) {
+        if (QTreeWidgetItem* const row = findAdapterTreeItem(adapter)) {
+            explain(row, NameColumn, texts.join(QLatin1Char('\n')));
+        }
+    }
+    SetSupportRemarks(remarks);
+}
+
+bool IpConfigurationWidget::isTemporaryAddress(const Tessal::COrvikGigEDeviceInfo& record) const
+{
+    const auto given = m_temporaryAddresses.constFind(fromAscii(record.GetMacAddress()));
+    return given != m_temporaryAddresses.constEnd() &&
+           addressFromText(*given) == addressFromText(fromAscii(record.GetIpAddress()));
 }
 
 int IpConfigurationWidget::updateTreeRowFromDeviceInfoByMac(const QString& mac)

@@ -78,6 +78,7 @@ void IpConfigurationWidget::refresh()
     // The wait cursor is gone before a message appears: it goes when doRefresh is left.
     try {
         doRefresh();
+        confirmSave();
     } catch (const std::exception& exception) {
         showException(QStringLiteral("refresh"), exception, tr("Failed to enumerate devices"), nullptr);
     } catch (...) {
@@ -115,6 +116,7 @@ void IpConfigurationWidget::doRefresh()
     m_pDeviceLister->discoverAllDevices();
 
     addAdapterRows(remembered);
+    explainAdapters();
     addDeviceRows(remembered);
     if (ui.treeWidget->currentItem() == nullptr && ui.treeWidget->topLevelItemCount() > 0) {
         ui.treeWidget->setCurrentItem(ui.treeWidget->topLevelItem(0));
@@ -198,8 +200,16 @@ void IpConfigurationWidget::addAdapterRows(RememberedRow& remembered)
 void IpConfigurationWidget::addDeviceRows(RememberedRow& remembered)
 {
     std::vector<DIPtrAndIndexPair> devices;
+    bool isRediscoveredListed = false;
     for (const Tessal::COrvikGigEDeviceInfo& record : m_pDeviceLister->m_devices) {
         devices.push_back({&record, static_cast<int>(devices.size())});
+        if (!isRediscoveredListed && record.GetMacAddress() == m_rediscovered.GetMacAddress()) {
+            m_rediscovered = record;
+            isRediscoveredListed = true; // a second one is another camera's
+        }
+        if (!isTemporaryAddress(record)) {
+            m_temporaryAddresses.remove(fromAscii(record.GetMacAddress()));
+        }
     }
     std::ranges::sort(devices, CompareDIByProps(Tessal::Key::ModelName, Tessal::Key::MacAddress));
 
@@ -220,11 +230,13 @@ QTreeWidgetItem* IpConfigurationWidget::addDeviceRow(const Tessal::COrvikGigEDev
     row->setData(0, ItemKindRole, DeviceItem);
     row->setData(0, DeviceIndexRole, index);
     QTreeWidgetItem* const item = row.release(); // the tree's from here on
-    QTreeWidgetItem* const adapterRow = findAdapterTreeItem(fromAscii(interfaceNameOf(record)));
+    QTreeWidgetItem* const adapterRow =
+        findAdapterTreeItem(QString::fromLocal8Bit(interfaceNameOf(record).c_str()));
     if (adapterRow != nullptr) {
         adapterRow->addChild(item);
         item->setChildIndicatorPolicy(QTreeWidgetItem::DontShowIndicator);
         adapterRow->setExpanded(true);
+        explainCells(item, record); // some of which depends on the adapter above
     } else {
         ui.treeWidget->addTopLevelItem(item);
         item->setChildIndicatorPolicy(QTreeWidgetItem::DontShowIndicator);

@@ -7,14 +7,18 @@
 #include "trace.h"
 
 #include "ozlog/ozlog.h"
+#include "qtbase/failuretexts.h"
 #include "qtbase/formatting.h"
+
+#include <exception>
 
 using ozlog::LogLevel;
 using ozlog::LogTrace;
 
 namespace {
 
-/// Writes the name through the camera's own description; throws GenICam::RuntimeException when that fails.
+/// Writes the name through the camera's own description; throws GenICam::RuntimeException, with the reason
+/// nested in it, when that fails.
 void writeDeviceUserId(const GenApi::INodeMap& nodeMap, const QByteArray& name, const QByteArray& oldIp)
 {
     try {
@@ -25,8 +29,11 @@ void writeDeviceUserId(const GenApi::INodeMap& nodeMap, const QByteArray& name, 
     } catch (const std::exception& exception) {
         LogTrace(GetIPConfigBaseCatID(), LogLevel::Error,
                  "Error setting DeviceUserID of device with old IP=%hs. Err='%hs'", oldIp, exception.what());
-        throw GenICam::ExceptionReporter<GenICam::RuntimeException>(__FILE__, __LINE__, "RuntimeException")
-            .Report("%s", IpConfigurationWidget::tr("Could not update DeviceUserID.").toUtf8().constData());
+        // The reason goes with it, for the user and for support.
+        std::throw_with_nested(Translated(
+            GenICam::ExceptionReporter<GenICam::RuntimeException>(__FILE__, __LINE__, "RuntimeException")
+                .Report("Could not update DeviceUserID."),
+            IpConfigurationWidget::tr("Could not update DeviceUserID.")));
     }
 }
 
@@ -69,15 +76,18 @@ bool isAnotherCamera(const Tessal::COrvikGigEDeviceInfo& opened, const QString& 
     return !mac.isEmpty() && !wantedMac.isEmpty() && mac.compare(wantedMac, Qt::CaseInsensitive) != 0;
 }
 
-GenICam::RuntimeException anotherCameraAnswers(const Tessal::COrvikGigEDeviceInfo& opened)
+Tessal::FailureOf<GenICam::RuntimeException> anotherCameraAnswers(const Tessal::COrvikGigEDeviceInfo& opened,
+                                                                  const QString& wantedMac)
 {
-    const QString text =
-        IpConfigurationWidget::tr(
-            "The address %1 is that of another camera (MAC address %2). Refresh the list, or "
-            "choose another temporary address.")
-            .arg(fromAscii(opened.GetIpAddress()), formatMACAddress(opened.GetMacAddress(), ":"));
-    return GenICam::ExceptionReporter<GenICam::RuntimeException>(__FILE__, __LINE__, "RuntimeException")
-        .Report("%s", text.toUtf8().constData());
+    const GenICam::gcstring address = opened.GetIpAddress();
+    const GenICam::gcstring mac = opened.GetMacAddress();
+    return {GenICam::ExceptionReporter<GenICam::RuntimeException>(__FILE__, __LINE__, "RuntimeException")
+                .Report("The camera with MAC %s was expected at %s, where the one with MAC %s answers",
+                        wantedMac.toLatin1().constData(), address.c_str(), mac.c_str()),
+            {.kind = Tessal::FailureKind::AnotherCameraAnswers,
+             .address = address.c_str(),
+             .mac = wantedMac.toStdString(),
+             .other = mac.c_str()}};
 }
 
 } // namespace
@@ -99,7 +109,7 @@ bool IpConfigurationWidget::unicastConfiguration(const QString& ipAddress)
         const Tessal::COrvikGigEDeviceInfo record(m_pDevice->GetDeviceInfo());
         if (isAnotherCamera(record, wanted)) {
             closeDevice();
-            throw anotherCameraAnswers(record);
+            throw anotherCameraAnswers(record, wanted);
         }
         traceOpened(record, oldIp);
         const WaitCursor cursor;
@@ -122,6 +132,7 @@ bool IpConfigurationWidget::writeEditedSettings(const Tessal::COrvikGigEDeviceIn
     }
     if (m_customNameModified) {
         writeDeviceUserId(*nodeMap, ui.editCustomName->text().toUtf8(), oldIp);
+        m_sent.name = ui.editCustomName->text();
     }
     if (m_ipConfigModified) {
         const AddressingMode mode = addressingModeInUi();
@@ -130,6 +141,7 @@ bool IpConfigurationWidget::writeEditedSettings(const Tessal::COrvikGigEDeviceIn
         }
         m_pDeviceLister->updateDeviceInfo(record.GetMacAddress(), mode.asIpConfig(record.IsAutoIpActive()),
                                           nullptr, nullptr, nullptr, false);
+        m_sent.mode = mode;
     }
     if (areIpSettingsEdited()) {
         writePersistentIp(record.GetMacAddress(), oldIp);
@@ -144,12 +156,12 @@ void IpConfigurationWidget::writePersistentIp(const GenICam::gcstring& mac, cons
     if (!isIPAddressValidForDevice(QString::fromLatin1(settings.ipAddress))) {
         LogTrace(GetIPConfigBaseCatID(), LogLevel::Error,
                  "Invalid new IP address '%hs' for device with old IP=%hs!", settings.ipAddress, oldIp);
-        throw GenICam::ExceptionReporter<GenICam::RuntimeException>(__FILE__, __LINE__, "RuntimeException")
-            .Report("%s",
-                    tr("Invalid IP address. IP addresses 224.0.0.0 to 255.255.255.255 and 127.0.0.1 are not "
-                       "allowed.")
-                        .toUtf8()
-                        .constData());
+        static const char* const description = QT_TR_NOOP(
+            "Invalid IP address. IP addresses 224.0.0.0 to 255.255.255.255 and 127.0.0.1 are not allowed.");
+        throw Translated(
+            GenICam::ExceptionReporter<GenICam::RuntimeException>(__FILE__, __LINE__, "RuntimeException")
+                .Report("%s", description),
+            tr(description));
     }
     LogTrace(GetIPConfigBaseCatID(), LogLevel::Info,
              "Setting persitent IP address for device with old IP=%hs (NewIP=%hs; NewNetmask=%hs; "
@@ -157,6 +169,7 @@ void IpConfigurationWidget::writePersistentIp(const GenICam::gcstring& mac, cons
              oldIp, settings.ipAddress, settings.subnetMask, settings.defaultGateway);
     m_pDevice->SetPersistentIp(settings.ipAddress.constData(), settings.subnetMask.constData(),
                                settings.defaultGateway.constData());
+    m_sent.settings = settings;
     m_pDeviceLister->updateDeviceInfo(mac, nullptr, settings.ipAddress, settings.subnetMask,
                                       settings.defaultGateway, false);
 }

@@ -2,11 +2,14 @@
 
 #include "DeviceLister.h"
 #include "WaitBox.h"
+#include "confirmation.h"
 #include "editedconfiguration.h"
 #include "recorddisplay.h"
 #include "trace.h"
 
 #include "ozlog/ozlog.h"
+#include "qtbase/failuretexts.h"
+#include "qtbase/formatting.h"
 #include "qtbase/messages.h"
 
 #include <QCoreApplication>
@@ -20,8 +23,9 @@ using ozlog::LogTrace;
 
 namespace {
 
-constexpr unsigned int secondsBetweenSearches = 2; // a signal may shorten one of them
-constexpr int maxSearches = 30;                    // so a camera has a good minute to come back
+constexpr unsigned int secondsBetweenSearches = 2;         // a signal may shorten one of them
+constexpr int maxSearches = 30;                            // so a camera has a good minute to come back
+constexpr std::chrono::milliseconds usualSearchStep{2500}; // the sleep and half a second for the search
 
 /// Tells the log what is about to be sent; false when the editor asks for no mode at all.
 bool traceBroadcast(const QByteArray& mac, const AddressingMode& mode, const IpSettings& settings)
@@ -52,11 +56,14 @@ bool sendBroadcast(const QByteArray& mac, const AddressingMode& mode, const IpSe
         settings.subnetMask.constData(), settings.defaultGateway.constData(), userDefinedName.constData());
 }
 
-bool lists(const Tessal::DeviceInfoList& cameras, const QString& mac)
+/// Null if no record has that MAC address.
+const Tessal::COrvikGigEDeviceInfo* findByMac(const Tessal::DeviceInfoList& cameras, const QString& mac)
 {
-    return std::any_of(cameras.begin(), cameras.end(), [&mac](const Tessal::COrvikGigEDeviceInfo& camera) {
-        return mac.compare(fromAscii(camera.GetMacAddress()), Qt::CaseInsensitive) == 0;
-    });
+    const auto found =
+        std::find_if(cameras.begin(), cameras.end(), [&mac](const Tessal::COrvikGigEDeviceInfo& camera) {
+            return mac.compare(fromAscii(camera.GetMacAddress()), Qt::CaseInsensitive) == 0;
+        });
+    return found != cameras.end() ? &*found : nullptr;
 }
 
 } // namespace
@@ -80,6 +87,7 @@ void IpConfigurationWidget::on_btnWriteConfiguration_clicked()
             stopEditing();
             updateTreeRowFromDeviceInfoByMac(fromAscii(record->GetMacAddress()));
             doRefresh();
+            confirmSave();
         } else {
             QMessageBox::critical(this, windowTitle(), tr("The configuration could not be saved."),
                                   QMessageBox::Close, QMessageBox::Close);
@@ -106,8 +114,10 @@ void IpConfigurationWidget::showCaughtException(const char* operation)
 
 bool IpConfigurationWidget::writeConfiguration(const Tessal::COrvikGigEDeviceInfo& deviceInfo)
 {
+    m_sent = {};
     try {
         if (broadcastConfiguration(fromAscii(deviceInfo.GetMacAddress()))) {
+            noteSaved(deviceInfo);
             return true;
         }
     } catch (const std::exception& exception) {
@@ -116,10 +126,35 @@ bool IpConfigurationWidget::writeConfiguration(const Tessal::COrvikGigEDeviceInf
     qDebug("Broadcast Configuration failed! Trying unicast configuration.");
     try {
         // Read only now: an accepted broadcast has put the camera's new address into the record.
-        return unicastConfiguration(fromAscii(deviceInfo.GetIpAddress()));
+        if (unicastConfiguration(fromAscii(deviceInfo.GetIpAddress()))) {
+            noteSaved(deviceInfo);
+            return true;
+        }
+        return false;
     } catch (const std::exception& exception) {
         qDebug("unicast Configuration failed! (err = '%s')", exception.what());
         return false;
+    }
+}
+
+void IpConfigurationWidget::noteSaved(const Tessal::COrvikGigEDeviceInfo& deviceInfo)
+{
+    m_isSaveUnconfirmed = true;
+    m_temporaryAddresses.remove(fromAscii(deviceInfo.GetMacAddress())); // the camera has restarted
+}
+
+/// Warns if the camera that was saved last reports something else than it was asked for.
+void IpConfigurationWidget::confirmSave()
+{
+    if (!std::exchange(m_isSaveUnconfirmed, false)) {
+        return;
+    }
+    const QString deviations = deviationsFrom(m_sent, m_rediscovered);
+    if (!deviations.isEmpty()) {
+        showWarningMessage(windowTitle(),
+                           tr("The camera %1 does not report what was saved.")
+                               .arg(formatMACAddress(m_rediscovered.GetMacAddress(), ":")),
+                           deviations, this);
     }
 }
 
@@ -169,6 +204,7 @@ bool IpConfigurationWidget::storeByBroadcast(const QByteArray& mac)
     }
     LogTrace(GetIPConfigBaseCatID(), LogLevel::Info,
              "Successfully changed IP configuration via broadcast for MAC=%hs.", mac);
+    m_sent = {.mode = mode, .settings = settings, .name = QString::fromUtf8(userDefinedName)};
     if (m_ipConfigModified) {
         m_pDeviceLister->updateDeviceInfo(mac, mode.asIpConfig(true), nullptr, nullptr, nullptr, false);
     }
@@ -197,8 +233,10 @@ void IpConfigurationWidget::restartDevice(const QString& mac, ozlog::Format<QByt
     DeviceLister::s_pTl->RestartIpConfig(mac.toLatin1().constData());
     if (!waitForDevice(mac)) {
         LogTrace(GetIPConfigBaseCatID(), LogLevel::Warning, lost, device);
-        throw GenICam::ExceptionReporter<GenICam::RuntimeException>(__FILE__, __LINE__, "RuntimeException")
-            .Report("%s", tr("Failed to discover reconfigured device").toUtf8().constData());
+        throw Translated(
+            GenICam::ExceptionReporter<GenICam::RuntimeException>(__FILE__, __LINE__, "RuntimeException")
+                .Report("Failed to discover reconfigured device"),
+            tr("Failed to discover reconfigured device"));
     }
 }
 
@@ -209,13 +247,16 @@ bool IpConfigurationWidget::waitForDevice(const QString& mac)
                        "Waiting until the device has been discovered again..."),
                     this);
     waitBox.showWaitCursor();
+    WaitBox::settle();
     try {
         for (int search = 0; search < maxSearches; ++search) {
+            waitBox.showProgress(search, maxSearches, usualSearchStep);
             ::sleep(secondsBetweenSearches); // NOLINT(concurrency-mt-unsafe): there is one thread
             lister.discoverAllDevices();
-            const bool found = lists(lister.m_devices, mac);
+            const Tessal::COrvikGigEDeviceInfo* const found = findByMac(lister.m_devices, mac);
             QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
-            if (found) {
+            if (found != nullptr) {
+                m_rediscovered = *found;
                 return true;
             }
         }

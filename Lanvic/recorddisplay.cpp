@@ -2,26 +2,11 @@
 
 #include "DeviceLister.h"
 
-#include <algorithm>
 #include <cstdlib>
 
 namespace {
 
 constexpr unsigned int accessibilityCodeCount = 5;
-
-bool steersDisplay(QChar character)
-{
-    switch (character.category()) {
-    case QChar::Other_Control:
-    case QChar::Separator_Line:
-    case QChar::Separator_Paragraph:
-        return true;
-    default:
-        const char16_t code = character.unicode();
-        return code == 0x200E || code == 0x200F || (code >= 0x202A && code <= 0x202E) ||
-               (code >= 0x2066 && code <= 0x2069);
-    }
-}
 
 } // namespace
 
@@ -38,10 +23,4 @@ int GetDeviceAccessibility(const Tessal::COrvikGigEDeviceInfo* record)
 QString fromAscii(const GenICam::gcstring& text)
 {
     return QString::fromLatin1(text.c_str());
-}
-
-QString displayText(QString text)
-{
-    std::ranges::replace_if(text, steersDisplay, QChar(QChar::ReplacementCharacter));
-    return text;
 }

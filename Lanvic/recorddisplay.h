@@ -10,8 +10,3 @@
 
 /// A text of a record that is no name of the user's: Latin-1 as it comes, ASCII as a rule.
 [[nodiscard]] QString fromAscii(const GenICam::gcstring& text);
-
-/// A text from outside made fit to be shown: characters that would break the line or steer the display
-/// (control characters, line separators, direction overrides) become U+FFFD. It is still no markup; put into
-/// rich text it has to be escaped.
-[[nodiscard]] QString displayText(QString text);

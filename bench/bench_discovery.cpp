@@ -53,12 +53,14 @@ void add(const std::string& title, Bench& bench, const Layout& layout, const Sea
                                      // The transport layer's own: it remembers slow cameras of other layouts.
                                      const DeviceLister keepsTransportLayer;
                                      std::size_t found = 0;
-                                     while (state.KeepRunning())
+                                     while (state.KeepRunning()) {
                                          found = search(state, bench);
+                                     }
                                      state.counters["cameras"] = static_cast<double>(found);
-                                     if (found != layout.cameras)
+                                     if (found != layout.cameras) {
                                          state.SkipWithError(
                                              ("found " + std::to_string(found) + " cameras").c_str());
+                                     }
                                  })
         ->Iterations(1)
         ->Repetitions(Repetitions)
@@ -75,9 +77,10 @@ void addAll(Bench& bench)
         add("plain client/" + number, bench, plain, searchAsPlainClient);
         add("transport layer/" + number, bench, plain, searchWithTransportLayer);
         add("discoverAllDevices/" + number, bench, plain, searchWithLister);
-        if (cameras >= 16)
+        if (cameras >= 16) {
             add("discoverAllDevices/" + number + "/tenth foreign", bench,
                 {.cameras = cameras, .foreignPercent = 10}, searchWithLister);
+        }
     }
     add("discoverAllDevices/nobody", bench, {.cameras = 0}, searchWithLister);
     add("discoverAllDevices/64/1 mute", bench, {.cameras = 64, .mute = 1}, searchWithLister);
@@ -93,8 +96,9 @@ int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
     benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
         return 2;
+    }
     try {
         Bench bench;
         Tessal::TessalInitialize();

@@ -43,8 +43,9 @@ class NoDialogs : public QObject
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override
     {
-        if (event->type() == QEvent::Show && qobject_cast<QDialog*>(watched) != nullptr)
+        if (event->type() == QEvent::Show && qobject_cast<QDialog*>(watched) != nullptr) {
             qFatal("a dialog came up: %s", qPrintable(static_cast<QDialog*>(watched)->windowTitle()));
+        }
         return false;
     }
 };
@@ -68,8 +69,9 @@ public:
     Window()
     {
         m_window.show();
-        if (!QTest::qWaitForWindowExposed(&m_window))
+        if (!QTest::qWaitForWindowExposed(&m_window)) {
             throw std::runtime_error("the window does not come up");
+        }
         tree().viewport()->installEventFilter(&m_paints);
     }
 
@@ -77,23 +79,26 @@ public:
     void refresh()
     {
         QTest::keyClick(&m_window, Qt::Key_F5);
-        for (const int before = m_paints.painted; m_paints.painted == before;)
+        for (const int before = m_paints.painted; m_paints.painted == before;) {
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        }
     }
 
     [[nodiscard]] std::size_t cameras()
     {
         std::size_t count = 0;
-        for (int i = 0; i < tree().topLevelItemCount(); ++i)
+        for (int i = 0; i < tree().topLevelItemCount(); ++i) {
             count += static_cast<std::size_t>(tree().topLevelItem(i)->childCount());
+        }
         return count;
     }
 
     void select(const QString& model)
     {
         const auto found = tree().findItems(model, Qt::MatchExactly | Qt::MatchRecursive);
-        if (found.size() != 1)
+        if (found.size() != 1) {
             throw std::runtime_error("no such camera");
+        }
         tree().setCurrentItem(found.first());
     }
 
@@ -107,8 +112,9 @@ public:
     void save()
     {
         auto& button = *m_window.findChild<QPushButton*>("btnWriteConfiguration");
-        if (!button.isEnabled())
+        if (!button.isEnabled()) {
             throw std::runtime_error("there is nothing to save");
+        }
         button.click();
         QCoreApplication::processEvents();
     }
@@ -127,12 +133,14 @@ unsigned packetsSent()
 {
     unsigned sent = 0;
     ifaddrs* all = nullptr;
-    if (getifaddrs(&all) != 0)
+    if (getifaddrs(&all) != 0) {
         throw std::runtime_error("cannot list the adapters");
+    }
     for (const ifaddrs* one = all; one != nullptr; one = one->ifa_next) {
         if (one->ifa_addr != nullptr && one->ifa_addr->sa_family == AF_PACKET && one->ifa_data != nullptr &&
-            std::string(one->ifa_name).starts_with("lab"))
+            std::string(one->ifa_name).starts_with("lab")) {
             sent += static_cast<const rtnl_link_stats*>(one->ifa_data)->tx_packets;
+        }
     }
     freeifaddrs(all);
     return sent;
@@ -159,8 +167,9 @@ void measureRefresh(benchmark::State& state, Bench& bench, std::size_t cameras)
         state.counters["search_ms"] = searches.back() * 1000;
         state.counters["beyond_ms"] = (whole - searches.back()) * 1000;
     }
-    if (window.cameras() != cameras)
+    if (window.cameras() != cameras) {
         state.SkipWithError(("shows " + std::to_string(window.cameras()) + " cameras").c_str());
+    }
 }
 
 void measureSave(benchmark::State& state, Bench& bench, const QString& model, bool withName)
@@ -173,8 +182,9 @@ void measureSave(benchmark::State& state, Bench& bench, const QString& model, bo
         const QString address = QString("192.168.10.%1").arg(50 + ++number);
         window.select(model);
         window.enter("editIpAddress", address);
-        if (withName)
+        if (withName) {
             window.enter("editCustomName", QString("camera %1").arg(number));
+        }
         secondsSlept = 0;
         const unsigned sentBefore = packetsSent();
         const auto start = Clock::now();
@@ -185,8 +195,9 @@ void measureSave(benchmark::State& state, Bench& bench, const QString& model, bo
         state.counters["search_ms"] = search * 1000; // once for the wait, once for the refresh
         state.counters["rest_ms"] = (whole - secondsSlept - 2 * search) * 1000;
         state.counters["packets"] = packetsSent() - sentBefore;
-        if (window.address() != address)
+        if (window.address() != address) {
             state.SkipWithError("the camera has another address");
+        }
     }
 }
 
@@ -225,19 +236,22 @@ int main(int argc, char** argv)
             QCoreApplication::setOrganizationName("Orvik");
             QCoreApplication::setApplicationName("Tessal Lanvic");
             benchmark::Initialize(&argc, argv);
-            if (benchmark::ReportUnrecognizedArguments(argc, argv))
+            if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
                 return 2;
+            }
             NoDialogs noDialogs;
             application.installEventFilter(&noDialogs);
-            for (const std::size_t cameras : {1, 16, 64, 256, 1024})
+            for (const std::size_t cameras : {1, 16, 64, 256, 1024}) {
                 add("refresh/" + std::to_string(cameras),
                     [&bench, cameras](benchmark::State& state) { measureRefresh(state, bench, cameras); });
+            }
             for (const auto& [title, model, withName] :
                  {std::tuple{"save/broadcast", "km-1", true}, std::tuple{"save/unicast", "BX-2", false},
-                  std::tuple{"save/unicast with name", "BX-2", true}})
+                  std::tuple{"save/unicast with name", "BX-2", true}}) {
                 add(title, [&bench, model = model, withName = withName](benchmark::State& state) {
                     measureSave(state, bench, model, withName);
                 });
+            }
             benchmark::RunSpecifiedBenchmarks();
         }
         Tessal::TessalTerminate(true);

@@ -1,7 +1,7 @@
 #include "plainclient.h"
 
-#include "gige/bytes.h"
-#include "gige/gvcp.h"
+#include "gvcp/bytes.h"
+#include "gvcp/gvcp.h"
 
 #include <arpa/inet.h>
 #include <array>
@@ -20,8 +20,9 @@ using Clock = std::chrono::steady_clock;
 
 void check(bool ok, const char* what)
 {
-    if (!ok)
+    if (!ok) {
         throw std::system_error(errno, std::generic_category(), what);
+    }
 }
 
 int openSocket(const std::string& adapter)
@@ -68,17 +69,20 @@ PlainSearch searchPlainly(const std::string& adapter, std::chrono::milliseconds 
     for (auto now = Clock::now(); now < deadline; now = Clock::now()) {
         pollfd readable{socket, POLLIN, 0};
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - now);
-        if (poll(&readable, 1, static_cast<int>(left.count())) <= 0)
+        if (poll(&readable, 1, static_cast<int>(left.count())) <= 0) {
             continue;
+        }
         std::array<std::uint8_t, gvcp::MaxPacketSize> answer{};
         const auto size = recv(socket, answer.data(), answer.size(), 0);
-        if (size != static_cast<ssize_t>(gvcp::HeaderSize + gvcp::DiscoveryAck::Size))
+        if (size != static_cast<ssize_t>(gvcp::HeaderSize + gvcp::DiscoveryAck::Size)) {
             continue;
+        }
         const auto mac = std::span(answer).subspan(gvcp::HeaderSize + gvcp::DiscoveryAck::Mac, Mac{}.size());
         Mac key{};
         std::copy(mac.begin(), mac.end(), key.begin());
-        if (found.insert(key).second)
+        if (found.insert(key).second) {
             search.lastNewAnswer = Clock::now() - asked;
+        }
     }
     close(socket);
     search.cameras = found.size();

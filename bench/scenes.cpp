@@ -1,14 +1,13 @@
 #include "scenes.h"
 
-#include "simulatedcameras.h"
-#include "wire/routesocket.h"
+#include "net/links.h"
+#include "support/simulator.h"
 
 #include <QFile>
 #include <QTemporaryDir>
 #include <nlohmann/json.hpp>
 
 #include <cstdio>
-#include <net/if.h>
 #include <stdexcept>
 
 using nlohmann::json;
@@ -41,8 +40,9 @@ std::size_t share(std::size_t all, std::size_t adapter, std::size_t adapters)
 std::string sceneOf(const Layout& layout)
 {
     const std::size_t foreign = layout.cameras * layout.foreignPercent / 100;
-    if (foreign + layout.mute > layout.cameras)
+    if (foreign + layout.mute > layout.cameras) {
         throw std::runtime_error("more special cameras than cameras");
+    }
     std::size_t serial = 1;
     json adapters = json::array();
     for (std::size_t i = 0; i < layout.adapters; ++i) {
@@ -50,11 +50,13 @@ std::string sceneOf(const Layout& layout)
         json cameras = json::array();
         const auto add = [&](const std::string& address, std::size_t all, bool isMute) {
             const std::size_t count = share(all, i, layout.adapters);
-            if (count == 0)
+            if (count == 0) {
                 return;
+            }
             json added = group(address, count, serial, layout);
-            if (isMute)
+            if (isMute) {
                 added["muteToUnicast"] = true;
+            }
             cameras.push_back(std::move(added));
             serial += count;
         };
@@ -72,10 +74,11 @@ std::string sceneOf(const Layout& layout)
 
 Bench::Bench()
 {
-    for (const auto& link : wire::RouteSocket().links()) {
-        if ((link.flags & IFF_LOOPBACK) == 0)
+    for (const auto& link : net::links()) {
+        if (net::mayLeadToRealCamera(link)) {
             throw std::runtime_error("the adapter " + link.name +
                                      " may lead to real cameras; run this in scripts/lab");
+        }
     }
 }
 
@@ -83,14 +86,16 @@ Bench::~Bench() = default;
 
 void Bench::show(const Layout& layout)
 {
-    if (m_running && m_layout == layout && m_sceneFile.empty())
+    if (m_running && m_layout == layout && m_sceneFile.empty()) {
         return;
+    }
     const QTemporaryDir directory;
     const QString name = directory.filePath("scene.json");
     QFile file(name);
     const std::string scene = sceneOf(layout);
-    if (!file.open(QIODevice::WriteOnly) || file.write(scene.c_str()) < 0)
+    if (!file.open(QIODevice::WriteOnly) || file.write(scene.c_str()) < 0) {
         throw std::runtime_error("cannot write a scene");
+    }
     file.close();
     show(name.toStdString());
     m_sceneFile.clear();
@@ -99,19 +104,21 @@ void Bench::show(const Layout& layout)
 
 void Bench::show(const std::string& sceneFile)
 {
-    if (m_running && m_sceneFile == sceneFile)
+    if (m_running && m_sceneFile == sceneFile) {
         return;
+    }
     m_running.reset();
-    m_running = std::make_unique<SimulatedCameras>(sceneFile);
+    m_running = std::make_unique<Simulator>(QString::fromStdString(sceneFile));
     m_sceneFile = sceneFile;
 }
 
 std::vector<std::string> Bench::adapters() const
 {
     std::vector<std::string> names;
-    for (const auto& link : wire::RouteSocket().links()) {
-        if (link.kind == "tun")
+    for (const auto& link : net::links()) {
+        if (link.kind == "tun") {
             names.push_back(link.name);
+        }
     }
     return names;
 }

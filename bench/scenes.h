@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-class SimulatedCameras;
+class Simulator;
 
 /// What stands on the wire for one measurement. The cameras are spread evenly over the adapters.
 struct Layout
@@ -41,5 +41,5 @@ public:
 private:
     Layout m_layout;
     std::string m_sceneFile; // empty while a layout is up
-    std::unique_ptr<SimulatedCameras> m_running;
+    std::unique_ptr<Simulator> m_running;
 };

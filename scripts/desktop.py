@@ -85,13 +85,23 @@ def act(*words):
 
 
 class Window:
-    """The program's window as an accessibility tool sees it."""
+    """The program's window as an accessibility tool sees it. Names of widgets are given in English; `words` has what the
+    program shows instead of them, with the mnemonics of both."""
 
-    def __init__(self, process, width=1050, height=680):
+    def __init__(self, process, width=1050, height=680, words=None):
         self.process = process
+        self.words = {bare(english): shown for english, shown in (words or {}).items()}
         self.frame = wait_for("the window", self._find_frame)
         act("search", "--sync", "--onlyvisible", "--name", self.frame.get_name(),
             "windowactivate", "--sync", "windowmove", 20, 40, "windowsize", width, height)
+
+    def text(self, english):
+        return bare(self.words.get(english, english))
+
+    def letter(self, english, otherwise):
+        """The key that chooses this entry of an open menu; `otherwise` in English."""
+        shown = self.words.get(english, "")
+        return shown[shown.index("&") + 1].lower() if "&" in shown else otherwise
 
     def _find_frame(self):
         return next(self._top_levels(), None)
@@ -124,7 +134,7 @@ class Window:
 
     def widget(self, role, name):
         for widget in self.widgets(role):
-            if widget.get_name() == name:
+            if widget.get_name() == self.text(name):
                 return widget
         raise Surprise(f"there is no {Atspi.role_get_name(role)} {name!r}")
 
@@ -139,11 +149,13 @@ class Window:
         return " ".join(" ".join(label.get_name() for label in self.widgets(Atspi.Role.LABEL)).split())
 
     def rows(self):
-        """The rows of the tree from top to bottom, each a dictionary from column title to cell."""
+        """The rows of the tree from top to bottom, each a dictionary from English column title to cell."""
         tree = next(self.widgets(Atspi.Role.TREE), None)
         if tree is None:
             return []
-        titles = [header.get_name() for header in self.widgets(Atspi.Role.TABLE_COLUMN_HEADER, tree)]
+        english = {bare(shown): text for text, shown in self.words.items()}
+        titles = [english.get(header.get_name(), header.get_name())
+                  for header in self.widgets(Atspi.Role.TABLE_COLUMN_HEADER, tree)]
         cells = list(self.widgets(Atspi.Role.TABLE_CELL, tree))
         lines = [cells[first:first + len(titles)] for first in range(0, len(cells), len(titles))]
         # An adapter's row spans all columns; only its first cell means anything.
@@ -169,6 +181,11 @@ class Window:
     def camera_texts(self, mac):
         row = self.camera_row(mac)
         return {title: cell.get_name() for title, cell in row.items()} if row else {}
+
+
+def bare(text):
+    """A text without its mnemonic."""
+    return text.replace("&", "")
 
 
 def place(widget):

@@ -3,12 +3,26 @@
 #include "scene/scene.h"
 #include "wire/tapdevice.h"
 
+#include <array>
 #include <cstdio>
 #include <exception>
+
+#include <getopt.h>
 
 namespace {
 
 enum ExitCode { Ended = 0, Failed = 1, WrongScene = 2, WrongPlace = 3, NoTap = 4 };
+
+constexpr char usage[] =
+    "usage: gige-simulator SCENE.json\n"
+    "Plays the GigE Vision cameras of a scene until it is told to end (SIGTERM, SIGINT).\n"
+    "It runs in a private network namespace only, for example: unshare -Urn gige-simulator "
+    "SCENE.json\n"
+    "\n"
+    "  -h, --help     shows this\n"
+    "  -V, --version  shows the version\n"
+    "\n"
+    "SIGUSR1 makes it print the state of every camera.\n";
 
 int complain(ExitCode code, const std::string& text)
 {
@@ -16,15 +30,8 @@ int complain(ExitCode code, const std::string& text)
     return code;
 }
 
-} // namespace
-
-int main(int argc, char** argv)
+int play(const std::string& file)
 {
-    if (argc != 2) {
-        std::fprintf(stderr, "usage: gige-simulator SCENE.json\n");
-        return WrongScene;
-    }
-    const std::string file = argv[1];
     try {
         sim::Simulation simulation(sim::loadScene(file));
         simulation.run();
@@ -38,4 +45,32 @@ int main(int argc, char** argv)
     } catch (const std::exception& error) {
         return complain(Failed, error.what());
     }
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    constexpr std::array<option, 3> options{{{"help", no_argument, nullptr, 'h'},
+                                             {"version", no_argument, nullptr, 'V'},
+                                             {nullptr, 0, nullptr, 0}}};
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): there is one thread
+    for (int chosen = 0; (chosen = ::getopt_long(argc, argv, "hV", options.data(), nullptr)) != -1;) {
+        switch (chosen) {
+        case 'h':
+            std::fputs(usage, stdout);
+            return Ended;
+        case 'V':
+            std::puts("gige-simulator " LANVIC_VERSION);
+            return Ended;
+        default: // getopt_long has said what is wrong
+            std::fputs(usage, stderr);
+            return WrongScene;
+        }
+    }
+    if (argc - optind != 1) {
+        std::fputs(usage, stderr);
+        return WrongScene;
+    }
+    return play(argv[optind]);
 }

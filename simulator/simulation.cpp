@@ -1,7 +1,9 @@
 #include "simulation.h"
 
+#include "net/links.h"
+#include "wire/hostadapter.h"
+
 #include <net/if.h>
-#include <net/if_arp.h>
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/signalfd.h>
@@ -14,7 +16,6 @@
 #include <csignal>
 #include <cstdio>
 #include <fstream>
-#include <string_view>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -33,21 +34,10 @@ constexpr std::chrono::seconds RunningTimeout{5};
     throw std::system_error(error, std::generic_category(), what);
 }
 
-/// Tunnel ends that some kernels put into every new namespace. While they are down nothing leaves through
-/// them.
-bool isIdleTunnel(const wire::Link& link)
+void checkNamespace(const Scene& scene)
 {
-    static constexpr std::array<std::string_view, 11> kinds{"ipip",   "sit",       "gre",      "gretap",
-                                                            "erspan", "vti",       "vti6",     "ip6tnl",
-                                                            "ip6gre", "ip6gretap", "ip6erspan"};
-    return (link.flags & IFF_UP) == 0 && std::ranges::find(kinds, link.kind) != kinds.end();
-}
-
-void checkNamespace(const std::vector<wire::Link>& links, const Scene& scene)
-{
-    for (const wire::Link& link : links) {
-        const bool isTap = link.kind == "tun" && link.type == ARPHRD_ETHER;
-        if (!isTap && link.type != ARPHRD_LOOPBACK && !isIdleTunnel(link)) {
+    for (const net::Link& link : net::links()) {
+        if (net::mayLeadToRealCamera(link)) {
             throw WrongNamespace("this network namespace holds the adapter " + link.name +
                                  ", which may lead to real cameras; start in a private one (scripts/lab)");
         }
@@ -121,10 +111,9 @@ int blockSignals()
 
 Simulation::Simulation(Scene scene) : m_scene(std::move(scene))
 {
-    wire::RouteSocket routes;
-    checkNamespace(routes.links(), m_scene);
+    checkNamespace(m_scene);
     for (const AdapterConfig& adapter : m_scene.adapters) {
-        createAdapter(routes, adapter);
+        createAdapter(adapter);
     }
     m_signals = blockSignals();
 }
@@ -134,12 +123,12 @@ Simulation::~Simulation()
     ::close(m_signals);
 }
 
-void Simulation::createAdapter(wire::RouteSocket& routes, const AdapterConfig& config)
+void Simulation::createAdapter(const AdapterConfig& config)
 {
     auto tap = std::make_unique<wire::TapDevice>(config.name);
-    routes.bringUp(tap->index(), config.mac, wire::Mtu, QueueLength);
+    wire::bringUp(tap->index(), config.mac, wire::Mtu, QueueLength);
     for (const HostAddress& address : config.addresses) {
-        routes.addAddress(tap->index(), address.address, address.prefixLength);
+        wire::addAddress(tap->index(), address.address, address.prefixLength);
     }
     allowForeignAnswers(config.name);
     waitUntilRunning(config.name);

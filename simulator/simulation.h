@@ -2,7 +2,6 @@
 
 #include "network/virtualnetwork.h"
 #include "scene/scene.h"
-#include "wire/routesocket.h"
 #include "wire/tapdevice.h"
 
 #include <memory>
@@ -41,7 +40,7 @@ private:
         std::unique_ptr<wire::TapDevice> tap; // none: the adapter has been taken away
     };
 
-    void createAdapter(wire::RouteSocket& routes, const AdapterConfig& config);
+    void createAdapter(const AdapterConfig& config);
     void waitForEvents(Instant deadline);
     void receiveFrom(std::size_t adapter);
     void handleSignals();

@@ -98,6 +98,7 @@ private slots:
             for (const auto& [object, slot] :
                  {std::pair{"actionRefresh", "trigger"},
                   {"actionAbout", "trigger"},
+                  {"actionFeedback", "trigger"},
                   {"actionContact_Orvik_Support", "trigger"},
                   {"actionExit", "trigger"},
                   {"actionForceIpByMac", "trigger"},

@@ -1,4 +1,5 @@
 #include "support/gui.h"
+#include "tessal/failure.h"
 
 using namespace gui;
 using sdk::camera;
@@ -71,19 +72,52 @@ private slots:
         const QString denied =
             "Connection failed|Access denied\nThe device is controlled by another application.\nClose the connection before changing the IP configuration.|OK|";
         const QString unicast = "unicastConfiguration";
-        for (const auto& [breakIt, shown, lastCall] : Table<std::function<void()>, QString, QString>{
-                 {deny, denied, open},
-                 {[&] { cam().record.SetPropertyValue("MacAddress", "025E41000002"); },
-                  report(moved, unicast), "Close()"},
-                 {[&] { m_world.isGigE = false; }, report("The device must be a GEV Camera.", "openDevice"),
-                  "CreateDevice(192.168.1.9)"},
-                 {[&] { failAt("Open", 1, false); }, report("Unknown exception occurred", unicast), open}}) {
+        for (
+            const auto& [breakIt, shown, lastCall] : Table<std::function<void()>, QString, QString>{
+                {deny, denied, open},
+                {[&] { cam().record.SetPropertyValue("MacAddress", "025E41000002"); },
+                 report(
+                     moved, unicast,
+                     {"The camera with MAC 025E41000001 was expected at 192.168.1.9, where the one with MAC 025E41000002 answers"}),
+                 "Close()"},
+                {[&] { m_world.isGigE = false; }, reportOwn("The device must be a GEV Camera.", "openDevice"),
+                 "CreateDevice(192.168.1.9)"},
+                {[&] { failAt("Open", 1, false); }, report("Unknown exception occurred", unicast), open}}) {
             edit();
             breakIt();
             saveFails({shown, notSaved});
             QCOMPARE(m_world.take().last(), lastCall);
             QCOMPARE(text("editCustomName"), "belt");
         }
+    }
+
+    void theDialogSaysWhyTheCameraCouldNotBeOpened_data()
+    {
+        const GenICam::TimeoutException silent("READREG: no answer <at all>", "", 1, "TimeoutException");
+        QTest::addColumn<std::function<void()>>("open");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("no answer") << std::function([silent] {
+            throw Tessal::FailureOf(silent, {.setting = Tessal::Setting::Identity, .address = "10.9.9.9"});
+        }) << "The camera 10.9.9.9 did not answer.";
+        // NOLINTNEXTLINE(misc-throw-by-value-catch-by-reference): the table names what is thrown
+        QTest::newRow("nothing is known") << std::function([silent] { throw silent; })
+                                          << "The connection to the device could not be established.";
+    }
+    void theDialogSaysWhyTheCameraCouldNotBeOpened()
+    {
+        QFETCH(std::function<void()>, open);
+        edit();
+        m_world.at["Open"] = open;
+        QString shown, toolTip;
+        save({[&](QWidget& dialog) {
+                  const auto& reason = gui::child<QLabel>(dialog, "labelReason");
+                  shown = reason.isVisible() ? reason.text() : "";
+                  toolTip = reason.toolTip();
+                  escape(dialog);
+              },
+              escape});
+        QTEST(shown, "reason");
+        QVERIFY2(toolTip.contains("READREG: no answer &lt;at all&gt;"), qPrintable(toolTip));
     }
 
     void anUnreachableCameraIsGivenTemporaryAddressesUntilOneServes()
@@ -115,12 +149,13 @@ private slots:
 
     void aFailedForceIpIsReportedOnce()
     {
-        for (const auto& [isStandard, shown, reason] : Table<bool, QString, QString>{
-                 {true, "cable", " Err='cable'"}, {false, "Unknown exception occurred", ""}}) {
+        for (const auto& [isStandard, shown, reason] :
+             Table<bool, QString, QString>{{true, reportUnexpected("forceIp", "cable"), " Err='cable'"},
+                                           {false, report("Unknown exception occurred", "forceIp"), ""}}) {
             edit("10.9.9.9");
             failAt("ForceIp", 1, isStandard);
             QCOMPARE(save({fillAddress("192.168.1.50"), escape, escape}),
-                     (QStringList{forceIpDialog, report(shown, "forceIp"), notSaved}));
+                     (QStringList{forceIpDialog, shown, notSaved}));
             const QStringList told{
                 "error Failed to force IP for MAC=025E41000001." + reason,
                 "error Could not open device with old IP=10.9.9.9 to change IP configuration via unicast."};
@@ -129,7 +164,9 @@ private slots:
         }
         m_world.at.clear();
         cam().comesBack = false; // is not opened then
-        QCOMPARE(save({fillAddress("192.168.1.50"), escape}), (QStringList{forceIpDialog, notSaved}));
+        const auto confirm = [](QWidget& dialog) { QTest::keyClick(&dialog, Qt::Key_Return); };
+        QCOMPARE(save({readThen(confirm), escape}), (QStringList{forceIpDialog, notSaved}));
+        QCOMPARE(m_asked.section('|', 1, 2), "192.168.1.50|255.255.255.0"); // what was refused before
         QCOMPARE(m_world.take().last(30), QStringList(30, "sleep(2)"));
     }
 
@@ -142,7 +179,7 @@ private slots:
         saveFails({notSaved});
         QCOMPARE(m_world.take()[1], "DestroyDevice()"); // without being closed
         failAt("DestroyDevice");
-        saveFails({report("cable", "unicastConfiguration"), notSaved});
+        saveFails({reportUnexpected("unicastConfiguration", "cable"), notSaved});
         QCOMPARE(m_world.take().last(), "DestroyDevice()");
         m_world.at["DestroyDevice"] = [] { throw GenICam::RuntimeException("stuck", "device.cpp", 7); };
         saveFails({notSaved});
@@ -165,12 +202,12 @@ private slots:
         assign(
             "km-2",
             {fillAddress("127.0.0.1"), escape, fillAddress("224.0.0.0"), escape,
-             fillAddress("255.255.255.255"), escape, fillAddress("10.1"), escape,
+             fillAddress("255.255.255.255"), escape,
              readThen(fill({{"editIpAddress", "192.168.1.50"}, {"editDefaultGateway", "192.168.001.1"}}))});
         QCOMPARE(takeDialogs().count(
                      "Error|IP Addresses 127.0.0.1 and 224.0.0.0 to 255.255.255.255 cannot be used.|OK|OK"),
-                 4);
-        QCOMPARE(m_asked.section('|', 1, 1), "10.1"); // what was typed is still there
+                 3);
+        QCOMPARE(m_asked.section('|', 1, 1), "255.255.255.255"); // what was typed is still there
         const QStringList calls = m_world.take(true);
         QCOMPARE(calls.first(), "ForceIp(025E41000001, 192.168.1.50, 255.255.255.0, 192.168.1.1)");
         QCOMPARE(calls.last(2),
@@ -208,12 +245,53 @@ private slots:
         QCOMPARE(m_asked, header + valid + "|172.16.|255.255.240.0|0.0.0.0|-");
         select("km-2"); // stands under no adapter
         type("editCustomName", "belt");
-        assign("km-2", {readThen(escape)});
+        assign("km-2", {click(QMessageBox::No), readThen(escape)});
         QCOMPARE(m_asked, header + "|192.168.0.202|255.255.255.0|0.0.0.0|-");
         QCOMPARE(m_world.take(), QStringList());
         QCOMPARE(text("editCustomName"), QString()); // what the camera has
         QCOMPARE(takeTrace().last(),
                  "info Forcing IP of device with MAC=025E41000002 has been canceled by user.");
+    }
+
+    void aTemporaryAddressEndsTheEdit_data()
+    {
+        QTest::addColumn<QMessageBox::StandardButton>("answer");
+        QTest::addColumn<bool>("knowsBroadcast");
+        QTest::addColumn<bool>("isAssigned");
+        QTest::addColumn<QStringList>("expected");
+        const QString saved = "BroadcastIpConfig(025E41000001, false, true, 0.0.0.0, 0.0.0.0, 0.0.0.0, belt)";
+        QTest::newRow("edits saved") << QMessageBox::Yes << true << true
+                                     << QStringList{saved, force("192.168.1.50")};
+        QTest::newRow("edits dropped")
+            << QMessageBox::No << true << true << QStringList{force("192.168.1.50")};
+        QTest::newRow("edits dropped, dialog cancelled") << QMessageBox::No << true << false << QStringList();
+        QTest::newRow("edits not saved") << QMessageBox::Yes << false << false << QStringList{saved};
+    }
+
+    void aTemporaryAddressEndsTheEdit()
+    {
+        QFETCH(const QMessageBox::StandardButton, answer);
+        QFETCH(const bool, knowsBroadcast);
+        QFETCH(const bool, isAssigned);
+        openOn({sdk::with(camera(), {{"IpConfigCurrent", "4"}})});
+        cam().knowsBroadcast = cam().hasNodeMap = knowsBroadcast;
+        clickOn("btnUseDhcp");
+        type("editCustomName", "belt");
+        QList<Answer> answers{click(answer)};
+        answers << (!knowsBroadcast ? click(QMessageBox::Close)
+                    : isAssigned    ? fillAddress("192.168.1.50")
+                                    : escape);
+        assign("km-1", answers);
+        QTEST(m_world.take().filter(QRegularExpression("^(Broadcast|Force)")), "expected");
+        QCOMPARE(takeDialogs().contains(forceIpDialog), knowsBroadcast);
+        // pending only where a save failed, and Save never writes what nobody typed
+        QCOMPARE(canSave(), !knowsBroadcast);
+        QCOMPARE(child<QAbstractButton>("btnUseDhcp").isChecked(), answer == QMessageBox::Yes);
+        QCOMPARE(text("editCustomName"), answer == QMessageBox::Yes ? "belt" : "");
+        if (canSave()) {
+            expect({escape}); // the question
+        }
+        select("lan0");
     }
 
     void anyCameraCanBeForcedByItsMac()

@@ -1,3 +1,4 @@
+#include "qtbase/advicesign.h"
 #include "support/gui.h"
 
 #include <QKeyEvent>
@@ -159,6 +160,99 @@ private slots:
         type("editCustomName", "");
         child<QLineEdit>("editCustomName").insert("0123456789abcdefg"); // as pasting does
         QCOMPARE(text("editCustomName"), "0123456789abcdef");
+    }
+
+    void theEditorTellsWhatIsTheMatter_data()
+    {
+        QTest::addColumn<int>("accessibility");
+        QTest::addColumn<QString>("typed"); // as IP address, if anything
+        QTest::addColumn<QByteArray>("clicked");
+        QTest::addColumn<QString>("atTheField"); // the sentence begins so
+        QTest::addColumn<QString>("atSave");
+        QTest::addColumn<bool>("isSaveEnabled");
+        using namespace Tessal::Accessibility;
+        const QString own = "192.168.1.5 is this computer's own address on lan0.";
+        const QString half = "The IP address is incomplete:";
+        const QString leftOver = "The IP address typed before is written as well";
+        const QByteArray dhcp = "btnUseDhcp";
+        const auto row = [](const char* name, int accessibility, const QString& typed,
+                            const QByteArray& clicked, const QString& atTheField, const QString& atSave,
+                            bool isSaveEnabled) {
+            QTest::newRow(name) << accessibility << typed << clicked << atTheField << atSave << isSaveEnabled;
+        };
+        row("unchanged", Ok, "", "", "", "Nothing has been changed.", false);
+        row("in use", Controlled, "", "", "", "Another application is using the camera.", false);
+        row("unknown", Unknown, "", "", "", "It is not known whether", false);
+        row("good", Ok, "192.168.1.6", "", "", "", true);
+        row("half", Ok, "192.168.1.", "", half, half, false);
+        row("of no use", NotReachable, "192.168.1.5", "", own, own, true);
+        row("half, then DHCP", Ok, "192.168.1.", dhcp, leftOver, leftOver, true);
+        row("good, then DHCP", Ok, "192.168.1.6", dhcp, "", "", true);
+        row("DHCP only", Ok, "", dhcp, "", "", true);
+    }
+
+    void theEditorTellsWhatIsTheMatter()
+    {
+        QFETCH(const int, accessibility);
+        QFETCH(const QString, typed);
+        QFETCH(const QByteArray, clicked);
+        QFETCH(const QString, atTheField);
+        QFETCH(const QString, atSave);
+        edit("5", "192.168.1.5", accessibility);
+        if (!typed.isEmpty()) {
+            type("editIpAddress", typed);
+        }
+        if (!clicked.isEmpty()) {
+            clickOn(clicked);
+        }
+        QTEST(canSave(), "isSaveEnabled");
+        for (const auto& [name, expected] :
+             {std::pair{"editIpAddress", atTheField}, {"btnWriteConfiguration", atSave}}) {
+            const auto& told = child<QWidget>(name);
+            QCOMPARE(told.accessibleDescription().first(expected.size()), expected);
+            QCOMPARE(told.accessibleDescription().isEmpty(), expected.isEmpty());
+            QCOMPARE(told.toolTip(), toolTipText(told.accessibleDescription()));
+        }
+        const auto& sign = child<QLabel>("editIpAddressAdvice");
+        QCOMPARE(sign.toolTip(), child<QWidget>("editIpAddress").toolTip());
+        QCOMPARE(sign.pixmap(Qt::ReturnByValue).isNull(), atTheField.isEmpty());
+        QVERIFY(!sign.visibleRegion().isEmpty());
+        if (canSave()) {
+            expect({escape}); // the question
+        }
+        select("lan0");
+        QCOMPARE(child<QWidget>("editIpAddress").accessibleDescription(), QString());
+        QCOMPARE(child<QWidget>("btnWriteConfiguration").accessibleDescription(), "No camera is selected.");
+    }
+
+    void aMaskLengthFillsTheMask()
+    {
+        edit();
+        type("editIpAddress", "192.168.1.77/20");
+        QCOMPARE(addresses(), "192.168.1.77 255.255.240.0 0.0.0.0");
+        type("editDefaultGateway", "192.168.1.1/9");
+        QCOMPARE(addresses(), "192.168.1.77 255.128.0.0 192.168.1.1");
+        save();
+        QCOMPARE(m_world.take().first(),
+                 "BroadcastIpConfig(025E41000001, true, false, 192.168.1.77, 255.128.0.0, 192.168.1.1, )");
+    }
+
+    void escapeTakesTheEditsBack()
+    {
+        edit();
+        type("editCustomName", "belt");
+        type("editNetmask", "255.");
+        clickOn("btnUseDhcp");
+        tree().setFocus();
+        QTest::keyClick(&tree(), Qt::Key_Escape); // is not about the editor
+        child<QLineEdit>("editCustomName").setFocus();
+        QTest::simulateEvent(&child<QLineEdit>("editCustomName"), true, Qt::Key_Escape, {}, "", true);
+        QCOMPARE(text("editCustomName") + ' ' + text("editNetmask"), "belt 255.");
+        QVERIFY(canSave());
+        key("editCustomName", Qt::Key_Escape);
+        QCOMPARE(text("editCustomName") + ' ' + addresses(), " 192.168.1.9 255.255.255.0 0.0.0.0");
+        QVERIFY(child<QRadioButton>("btnUsePersistentIp").isChecked() && !canSave() && !isSaveDefault());
+        select("lan0"); // nothing to ask
     }
 
     void enterSaves()

@@ -1,4 +1,5 @@
 #include "support/gui.h"
+#include "tessal/failure.h"
 
 using namespace gui;
 using sdk::camera;
@@ -15,6 +16,16 @@ class SavingTest : public GuiTest
         cam().knowsBroadcast = knowsBroadcast;
         type("editCustomName", name);
         m_world.take(true);
+    }
+
+    static void failWithNameNotKept()
+    {
+        throw Tessal::FailureOf(GenICam::RuntimeException("kept bel", "", 1, "RuntimeException"),
+                                {.kind = Tessal::FailureKind::NotKept,
+                                 .setting = Tessal::Setting::Name,
+                                 .address = "192.168.1.9",
+                                 .wanted = "belt",
+                                 .actual = "bel"});
     }
 
 private slots:
@@ -54,31 +65,78 @@ private slots:
             m_world.at[name] = [&, name] {
                 const auto* const message = m_window->findChild<QLabel*>("waitMessage");
                 const QString told = message != nullptr && message->isVisible() ? message->text() : "";
-                depths << QString("%1 %2 ").arg(name).arg(cursorDepth()) + told.section(' ', 0, 2);
+                depths << QString("%1 %2 ").arg(name).arg(cursorDepth()) + told.section(' ', 0, 2) +
+                              told.section('\n', 2);
             };
         }
         save();
         QCOMPARE(depths, (QStringList{"BroadcastIpConfig 1 ", "Open 1 Trying to establish", "SetValue 1 ",
-                                      "RestartIpConfig 1 ", "sleep 2 Camera restarts its",
-                                      "EnumerateDevicesAnySubnet 2 Camera restarts its",
+                                      "RestartIpConfig 1 ", "sleep 2 Camera restarts its\n0 of at most 75 s",
+                                      "EnumerateDevicesAnySubnet 2 Camera restarts its\n0 of at most 75 s",
                                       "EnumerateDevicesAnySubnet 1 "}));
+    }
+
+    void aCameraThatReportsSomethingElseIsToldOf_data()
+    {
+        QTest::addColumn<bool>("knowsBroadcast");
+        QTest::addColumn<QString>("leave"); // how the edit is left
+        QTest::newRow("saved by broadcast") << true << "Save";
+        QTest::newRow("saved over unicast") << false << "Save";
+        QTest::newRow("saved before a refresh") << true << "refresh";
+        QTest::newRow("saved when the row is left") << false << "row";
+        QTest::newRow("saved when the window is closed") << true << "close";
+    }
+
+    void aCameraThatReportsSomethingElseIsToldOf()
+    {
+        QFETCH(const bool, knowsBroadcast);
+        QFETCH(const QString, leave);
+        edit("5", knowsBroadcast);
+        cam().keepsConfiguration = false;
+        type("editIpAddress", "192.168.1.20");
+        const QString warning =
+            "|The camera 02:5E:41:00:00:01 does not report what was saved.\n\nIP address: 192.168.1.20 was saved; "
+            "the camera reports 192.168.1.9.|OK|";
+        qsizetype searches = 0; // until the warning comes
+        const auto countSearches = [&](QWidget& box) {
+            searches = m_world.take(true).filter("EnumerateDevicesAnySubnet").size();
+            gui::escape(box);
+        };
+        if (leave == "Save") {
+            QCOMPARE(save({countSearches}), QStringList{warning});
+            QCOMPARE(searches, 2); // the wait's and the refresh's
+            return;
+        }
+        expect({click(QMessageBox::Yes), gui::escape});
+        if (leave == "refresh") {
+            refresh();
+        } else if (leave == "row") {
+            select("lan0");
+        } else {
+            m_window->close();
+        }
+        QCOMPARE(takeDialogs().mid(1), QStringList{warning}); // the first is the question
     }
 
     void failuresAfterWhichTheNameIsSavedAllTheSame()
     {
         const QString broadcast = "broadcastConfiguration";
-        const QString lost = report("Failed to discover reconfigured device", broadcast);
-        for (const auto& [call, nth, operation, sleeps] : Table<const char*, int, QString, int>{
-                 {"BroadcastIpConfig", 1, broadcast, 1}, // unicast does it
-                 {"RestartIpConfig", 1, broadcast, 1},
-                 {"EnumerateDevicesAnySubnet", 1, "waitForDevice|wait cursor 2", 2},         // by unicast
-                 {"EnumerateDevicesAnySubnet", 2, "on_btnWriteConfiguration_clicked", 1}}) { // the refresh
+        const QString lost = reportOwn("Failed to discover reconfigured device", broadcast);
+        for (const auto& [call, nth, operation, cursor, sleeps] :
+             Table<const char*, int, QString, QString, int>{
+                 {"BroadcastIpConfig", 1, broadcast, "", 1}, // unicast does it
+                 {"RestartIpConfig", 1, broadcast, "", 1},
+                 {"EnumerateDevicesAnySubnet", 1, "waitForDevice", "|wait cursor 2", 2}, // by unicast
+                 {"EnumerateDevicesAnySubnet", 2, "on_btnWriteConfiguration_clicked", "",
+                  1}}) { // the refresh
             for (const bool isStandard : {true, false}) {
                 edit("6");
                 clickOn("btnUseAutoIp");
                 failAt(call, nth, isStandard);
-                const QStringList shown{
-                    report(isStandard ? "cable" : "Unknown exception occurred", operation), lost};
+                const QStringList shown{(isStandard ? reportUnexpected(operation, "cable")
+                                                    : report("Unknown exception occurred", operation)) +
+                                            cursor,
+                                        lost};
                 saveFails(shown.first(sleeps));
                 const QStringList calls = m_world.take();
                 QCOMPARE(calls.count("sleep(2)"), sleeps);
@@ -152,7 +210,11 @@ private slots:
 
     void unicastFailuresKeepTheEdits()
     {
-        const QString nameFailed = "Could not update DeviceUserID.";
+        const QString unicast = "unicastConfiguration";
+        const auto nameFailed = [&](const QString& reason) {
+            const QString text = "Could not update DeviceUserID.";
+            return report(text, unicast, {text, reason});
+        };
         const QString nameTraced =
             "error Error setting DeviceUserID of device with old IP=192.168.1.9. Err='";
         const QString refused =
@@ -161,25 +223,33 @@ private slots:
         const QString noMode = "error Invalid addresstype for %1! Don't know which addressing to use.";
         const QString set = "SetIpConfigMode(true, false)";
         const auto use = [&](const char* ip) { return [this, ip] { type("editIpAddress", ip); }; };
+        const auto forgetName = [this] { m_world.at["SetValue"] = failWithNameNotKept; };
+        const QString forgotten =
+            "Could not update DeviceUserID.\n\nThe camera 192.168.1.9 confirmed the new device user ID “belt” but reports “bel”.";
         const auto disableMode = [&] { child<QWidget>("btnUsePersistentIp").setEnabled(false); }; // checked
         for (const auto& [breakIt, lastCall, shown, traced] :
              Table<std::function<void()>, QString, QString, QString>{
                  {[&] { cam().hasNodeMap = false; }, "GetNodeMap()", "", ""},
-                 {[&] { cam().hasUserId = false; }, "GetNode(DeviceUserID)", nameFailed, nameTraced},
-                 {[&] { failAt("SetValue"); }, "SetValue(belt, true)", nameFailed, nameTraced + "cable'"},
-                 {[&] { failAt("SetIpConfigMode"); }, set, "cable", ""},
+                 {[&] { cam().hasUserId = false; }, "GetNode(DeviceUserID)",
+                  nameFailed("NULL pointer dereferenced"), nameTraced},
+                 {[&] { failAt("SetValue"); }, "SetValue(belt, true)", nameFailed("cable"),
+                  nameTraced + "cable'"},
+                 {forgetName, "SetValue(belt, true)",
+                  report(forgotten, unicast, {"Could not update DeviceUserID.", "kept bel"}), nameTraced},
+                 {[&] { failAt("SetIpConfigMode"); }, set, reportUnexpected(unicast, "cable"), ""},
                  {disableMode, "SetValue(belt, true)", "",
                   noMode.arg("MAC=025E41000001") + '\n' + noMode.arg("old IP=192.168.1.9")},
-                 {use("224.0.0.1"), set, refused, refusedTraced.arg("224.0.0.1")},
+                 {use("224.0.0.1"), set, reportOwn(refused, unicast), refusedTraced.arg("224.0.0.1")},
                  {[&] { failAt("SetPersistentIp", 1, false); },
-                  "SetPersistentIp(192.168.1.20, 255.255.255.0, 0.0.0.0)", "Unknown exception occurred", ""},
+                  "SetPersistentIp(192.168.1.20, 255.255.255.0, 0.0.0.0)",
+                  report("Unknown exception occurred", unicast), ""},
              }) {
             edit("6", false);
             clickOn("btnUsePersistentIp");
             type("editIpAddress", "192.168.1.20");
             breakIt();
             const QString address = text("editIpAddress");
-            const QStringList dialogs{report(shown, "unicastConfiguration"), notSaved};
+            const QStringList dialogs{shown, notSaved};
             saveFails(dialogs.mid(shown.isEmpty() ? 1 : 0));
             QCOMPARE(m_world.take().last(), lastCall); // neither closed nor restarted
             const QString errors = takeTrace().filter(QRegularExpression("^error")).join('\n');
@@ -209,7 +279,7 @@ private slots:
         };
         expect({click(QMessageBox::Yes), escape, escape});
         select("lan0");
-        const QString lost = report("Failed to discover reconfigured device", "unicastConfiguration");
+        const QString lost = reportOwn("Failed to discover reconfigured device", "unicastConfiguration");
         QCOMPARE(takeDialogs().mid(1), (QStringList{lost, notSaved}));
         QCOMPARE(row("km-1").text(5) + ' ' + row("km-1").text(6), "Unknown 192.168.1.20");
         QCOMPARE(takeTrace(QString()).filter(QRegularExpression("^warning (Failed to (cl|re)|close)")),

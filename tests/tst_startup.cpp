@@ -12,6 +12,7 @@
 #include <QXmlStreamReader>
 
 #include "qtbase/formatting.h" // moc cannot read it before the others
+#include "qtbase/helpandsupport.h"
 
 namespace {
 
@@ -25,6 +26,20 @@ QStringList fixedParts(const QString& text)
         found << match.next().captured();
     }
     found.sort();
+    return found;
+}
+
+/// The values of an attribute on a page of the help, in their order.
+QStringList valuesOf(const QString& attribute, const QString& page)
+{
+    QStringList found;
+    QFile file(page);
+    if (file.open(QFile::ReadOnly)) {
+        const QRegularExpression pattern(" " + attribute + "=\"([^\"]*)\"");
+        for (auto match = pattern.globalMatch(QString::fromUtf8(file.readAll())); match.hasNext();) {
+            found << match.next().captured(1);
+        }
+    }
     return found;
 }
 
@@ -63,6 +78,7 @@ class StartupTest : public QObject
                 tree.topLevelItem(0)->child(0)->text(5),
                 formatIPConfiguration("5", 0), // as the trace has it
                 QCoreApplication::translate("QPlatformTheme", "Cancel"),
+                QDir(SOURCES).relativeFilePath(GetHelpFilePath()),
                 letters.join(' ').contains(QRegularExpression("(\\S)\\1")) ? letters.join(' ')
                                                                            : "no letter twice"};
     }
@@ -102,11 +118,12 @@ private slots:
         const TraceCapture trace;
         QCOMPARE(runProgram(), 0);
         QVERIFY(trace.lines("qt.core.qmetaobject.connectslotsbyname").isEmpty());
-        QCOMPARE(seen, (QStringList{"initialised alone", "discovered in the background",
-                                    "seen before the user", "Tessal Lanvic v4.0 64-Bit", "width 770",
-                                    "picture", "known to the desktop", "&Datei", "Aktualisieren",
-                                    "Seriennummer", "Statische IP", "Static IP, Auto IP (LLA)", "Abbrechen",
-                                    "no letter twice", "released in the background", "terminated alone"}));
+        QCOMPARE(seen,
+                 (QStringList{"initialised alone", "discovered in the background", "seen before the user",
+                              "Tessal Lanvic v4.0 64-Bit", "width 770", "picture", "known to the desktop",
+                              "&Datei", "Aktualisieren", "Seriennummer", "Statische IP",
+                              "Static IP, Auto IP (LLA)", "Abbrechen", "docs/help/de/index.html",
+                              "no letter twice", "released in the background", "terminated alone"}));
         QVERIFY(sdk::world().take().contains("TessalTerminate(true)"));
     }
 
@@ -153,6 +170,27 @@ private slots:
             }
         }
         QVERIFY(!xml.hasError());
+    }
+
+    void theHelpIsCompleteInEveryLanguage_data()
+    {
+        QTest::addColumn<QString>("page");
+        QTest::newRow("English") << SOURCES "/docs/help/index.html";
+        QTest::newRow("German") << SOURCES "/docs/help/de/index.html";
+    }
+
+    void theHelpIsCompleteInEveryLanguage()
+    {
+        QFETCH(const QString, page);
+        const QStringList ids = valuesOf("id", page);
+        QVERIFY(!ids.isEmpty());
+        QCOMPARE(ids, valuesOf("id", SOURCES "/docs/help/index.html"));
+        const QStringList links = valuesOf("href", page) + valuesOf("src", page);
+        for (const QString& link : links) {
+            QVERIFY2(link.startsWith('#') ? ids.contains(link.mid(1))
+                                          : QFile::exists(QFileInfo(page).dir().filePath(link)),
+                     qPrintable(link));
+        }
     }
 };
 

@@ -1,4 +1,5 @@
-#include "Lanvic/DeviceLister.h"
+#include "DeviceLister.h"
+#include "qtbase/helpandsupport.h"
 #include "support/gui.h"
 
 #include <QStyle>
@@ -177,6 +178,18 @@ private slots:
         }
     }
 
+    void namesStandBelowOneAnotherWithAndWithoutAPicture()
+    {
+        m_world.cameras = {camera("km-1"),
+                           with(camera("km-1", "025E41000002"), {{"VendorName", "Another maker"}})};
+        openWindow();
+        const auto widthOf = [this](const char* mac) {
+            return tree().sizeHintForIndex(tree().indexFromItem(&row(mac), 0)).width();
+        };
+        QVERIFY(row("02:5E:41:00:00:02").icon(0).isNull());
+        QCOMPARE(widthOf("02:5E:41:00:00:02"), widthOf("02:5E:41:00:00:01"));
+    }
+
     void anAdapterTellsItsAddresses()
     {
         openWindow();
@@ -256,6 +269,17 @@ private slots:
         QCOMPARE(rows(), (QStringList{"lan0", "lan1"}));
     }
 
+    void anAdapterHasItsCamerasWhateverItsName()
+    {
+        const Adapter kitchen("küche", {"10.7.0.1/16"}, "02:00:00:00:00:02");
+        m_world.cameras = {camera("km-1", "025E41000001", "10.7.0.9", "10.7.0.1")};
+        openWindow();
+        QVERIFY(row("km-1").parent() != nullptr);
+        QCOMPARE(row("km-1").parent()->text(0), "küche");
+        select("küche");
+        QVERIFY2(info().contains("<b>küche</b>"), qPrintable(info()));
+    }
+
     void aFailedSearchIsShown()
     {
         m_world.makesTransportLayer = false;
@@ -270,10 +294,89 @@ private slots:
         failAt("EnumerateDevicesAnySubnet", 1, false);
         refresh();
         const QString failed = "Failed to enumerate devices";
+        const QString noLayer = "Failed to create transport layer object";
         QCOMPARE(takeDialogs(),
-                 (QStringList{report(failed + "\n\nFailed to create transport layer object", "refresh"),
-                              report(failed + "\n\ncable <cut>", "refresh"), report(failed, "refresh")}));
+                 (QStringList{report(failed + "\n\n" + noLayer, "refresh", {noLayer}),
+                              report(failed, "refresh", {"cable <cut>"}), report(failed, "refresh")}));
         QCOMPARE(rows(), QStringList());
+    }
+
+    void aStatusIsExplained_data()
+    {
+        QTest::addColumn<int>("accessibility");
+        QTest::addColumn<QList<std::pair<const char*, const char*>>>("learned");
+        QTest::addColumn<QString>("explanation");
+        using Properties = QList<std::pair<const char*, const char*>>;
+        QTest::newRow("free") << 1 << Properties()
+                              << "The camera answers at its address and no application controls it.";
+        QTest::newRow("held on a computer that is known")
+            << 2 << Properties{{Tessal::Key::ControlledBy, "192.168.1.7"}}
+            << "An application on the computer 192.168.1.7 controls the camera.";
+        QTest::newRow("held exclusively")
+            << 3 << Properties() << "Another application has the camera for itself alone.";
+        QTest::newRow("in another network")
+            << 4 << Properties{{Tessal::Key::IpAddress, "172.31.0.9"}}
+            << "The camera answers the search, but its address is not in a network of lan0.";
+        QTest::newRow("silent at its address")
+            << 4 << Properties()
+            << "The camera answers the search, but not at its own address. It may be restarting.";
+        QTest::newRow("an address that another camera has")
+            << 4
+            << Properties{{Tessal::Key::SameAddressName, "Gate <1>"},
+                          {Tessal::Key::SameAddressMac, "025E41000002"}}
+            << "The camera Gate <1> with the MAC address 02:5E:41:00:00:02 has the same address. One of them needs "
+               "another.";
+        QTest::newRow("a MAC address that another camera has")
+            << 1
+            << Properties{{Tessal::Key::SameMacName, "Twin (2)"}, {Tessal::Key::SameMacIp, "192.168.1.8"}}
+            << "The camera answers at its address and no application controls it. Another camera has the same MAC "
+               "address: Twin (2) at 192.168.1.8.";
+    }
+
+    void aStatusIsExplained()
+    {
+        QFETCH(const int, accessibility);
+        QFETCH(const QString, explanation);
+        using Properties = QList<std::pair<const char*, const char*>>;
+        QFETCH(const Properties, learned);
+        sdk::Camera camera = sdk::camera();
+        camera.accessibility = accessibility;
+        for (const auto& [key, value] : learned) {
+            camera.record.SetPropertyValue(key, value);
+        }
+        openOn({camera});
+        QCOMPARE(row("km-1").data(4, Qt::AccessibleDescriptionRole).toString(), explanation);
+        QCOMPARE(row("km-1").toolTip(4), explanation.toHtmlEscaped());
+    }
+
+    void whatHindersASearchIsToldOnTheAdaptersRow()
+    {
+        openOn();
+        m_world.obstacles = {{.kind = Tessal::Obstacle::SharedSubnet, .adapter = "lan1", .other = "lan0"}};
+        refresh();
+        const QString told =
+            "lan1 and lan0 have addresses in the same network, so cameras may not be reachable "
+            "through either. Give each adapter a network of its own.";
+        QCOMPARE(row("lan1").toolTip(0), told);
+        QCOMPARE(row("lan0").toolTip(0), "");
+        QVERIFY(GetOrvikSupportInfo(true).contains(told));
+    }
+
+    void aTemporaryAddressIsMarkedUntilTheCameraHasAnother()
+    {
+        const QString mark = "A temporary address: the camera has it until it restarts.";
+        openOn();
+        expect({[](QWidget& menu) { QTest::keyClicks(&menu, "a"); },
+                gui::fill({{"editIpAddress", "192.168.1.77"}})});
+        openMenuOf("km-1");
+        QCOMPARE(row("km-1").text(6), "192.168.1.77");
+        QCOMPARE(row("km-1").toolTip(6), mark);
+        refresh();
+        QCOMPARE(row("km-1").toolTip(6), mark);
+        cam().record.SetIpAddress("192.168.1.9");
+        refresh();
+        QCOMPARE(row("km-1").toolTip(6), "");
+        takeDialogs();
     }
 };
 

@@ -1,6 +1,6 @@
 #include "support/wire.h"
 
-#include "Lanvic/DeviceLister.h"
+#include "DeviceLister.h"
 
 #include <QNetworkDatagram>
 #include <QRadioButton>
@@ -11,12 +11,7 @@ class WireSavingTest : public WireTest
 {
     Q_OBJECT
 
-    const QByteArray m_gap{24, '0'};
-
-    QByteArray forceIp(const QByteArray& mac, const QByteArray& ip)
-    {
-        return "0000" + mac + m_gap + ip + m_gap + "ffffff00" + m_gap + "00000000";
-    }
+    const net::Ipv4 m_classC{0xFFFFFF00};
 
 private slots:
     void aTypedAddressReachesTheCameraByBroadcast()
@@ -39,13 +34,17 @@ private slots:
         QVERIFY(!canSave());
 
         OtherProgram other; // gives it a name that is no UTF-8, and after the search another address
-        QCOMPARE(other.ask("192.168.10.31", "420100820008000100000a0000000002"), "000000830004000100000001");
-        QVERIFY(other.ask("192.168.10.31", "4201008600140002000000e84bfc686c" + m_gap).startsWith("0000"));
-        QCOMPARE(other.ask("192.168.10.31", "420100820008000300000a0000000000"), "000000830004000300000001");
+        QCOMPARE(other.ask("192.168.10.31", packets::takeControl()), packets::done);
+        const std::uint32_t name = gvcp::Register::UserDefinedName;
+        QCOMPARE(other.ask("192.168.10.31",
+                           packets::writeRegisters({{name, 0x4BFC686C}, {name + 4, 0}, {name + 8, 0}})),
+                 "WRITEREG success 00000003"); // "K\xFChl"
+        QCOMPARE(other.ask("192.168.10.31", packets::giveBackControl()), packets::done);
         refresh();
         QCOMPARE(row("km-1").text(1), "K?hl");
-        QCOMPARE(other.ask("192.168.10.31", "4201000400380004" + forceIp("025e41000001", "c0a80a5f")),
-                 "0000000500000004");
+        QCOMPARE(other.ask("192.168.10.31",
+                           packets::forceIp({{0x02, 0x5E, 0x41, 0, 0, 1}}, {0xC0A80A5F}, m_classC)),
+                 "FORCEIP success");
         type("editIpAddress", "192.168."); // half an address does not hinder Auto IP
         clickOn("btnUseAutoIp");
         sleepUntil({"restarted camera=belt"});
@@ -53,6 +52,19 @@ private slots:
         QVERIFY(row("km-1").text(6).startsWith("169.254."));
         QCOMPARE(simulator().takeEvents().filter(QRegularExpression("by=broadcast.*K\uFFFDhl")).size(),
                  2); // nobody edited it
+    }
+
+    void aStaticAddressThatNoCameraCanHaveIsRefused()
+    {
+        start("test-saving", "km-1");
+        enter("editIpAddress", "127.0.0.1");
+        saveFails({gui::reportOwn("Invalid IP address. IP addresses 224.0.0.0 to 255.255.255.255 and "
+                                  "127.0.0.1 are not allowed.",
+                                  "unicastConfiguration"),
+                   gui::notSaved});
+        QCOMPARE(simulator().takeEvents().filter("configured"), QStringList());
+        m_controlled = {"belt"};
+        QVERIFY(text("editIpAddress") == "127.0.0.1" && canSave());
     }
 
     void anotherMakersCameraIsConfiguredByUnicast()
@@ -94,7 +106,7 @@ private slots:
     {
         start("test-saving", "km-1"); // of the maker: refuses the broadcast command as well
         OtherProgram other;
-        QCOMPARE(other.ask("192.168.10.21", "420100820008000100000a0000000002"), "000000830004000100000001");
+        QCOMPARE(other.ask("192.168.10.21", packets::takeControl()), packets::done);
         type("editCustomName", "mine");
         saveFails(
             {"Connection failed|Access denied\nThe device is controlled by another application.\nClose the connection before changing the IP configuration.|OK|",
@@ -105,14 +117,28 @@ private slots:
         m_controlled = {"belt"};
     }
 
+    void aCameraThatRefusesControlNeedsNoOtherAddress()
+    {
+        start("test-saving", "BX-8");
+        type("editCustomName", "mine");
+        saveFails(
+            {gui::report("The camera 192.168.10.28 refused to be controlled by this program.", "openDevice",
+                         {"Camera 192.168.10.28, WRITEREG of 0x0002 to 0x0A00: "
+                          "the camera reports an error (8FFF)"}),
+             gui::notSaved});
+        QVERIFY(text("editCustomName") == "mine" && canSave());
+    }
+
     void aCameraThatTookTheAddressOfAnotherIsLeftAlone()
     {
         start("test-saving", "BX-5");
         OtherProgram other;
-        QCOMPARE(other.ask("192.168.10.25", "4201000400380001" + forceIp("02a317000005", "c0a80a5f")),
-                 "0000000500000001");
-        QCOMPARE(other.ask("192.168.10.26", "4201000400380002" + forceIp("02a317000006", "c0a80a19")),
-                 "0000000500000002");
+        QCOMPARE(other.ask("192.168.10.25",
+                           packets::forceIp({{0x02, 0xA3, 0x17, 0, 0, 5}}, {0xC0A80A5F}, m_classC)),
+                 "FORCEIP success");
+        QCOMPARE(other.ask("192.168.10.26",
+                           packets::forceIp({{0x02, 0xA3, 0x17, 0, 0, 6}}, {0xC0A80A19}, m_classC)),
+                 "FORCEIP success");
         type("editCustomName", "mine");
         saveFails({gui::forceIpDialog, gui::notSaved});
         QVERIFY(takeDebug().join('\n').contains(
@@ -123,7 +149,8 @@ private slots:
         saveFails(
             {gui::report(
                  "The address 192.168.10.25 is that of another camera (MAC address 02:A3:17:00:00:06). Refresh the list, or choose another temporary address.",
-                 "unicastConfiguration"),
+                 "unicastConfiguration",
+                 {"The camera with MAC 02A317000005 was expected at 192.168.10.25, where the one with MAC 02A317000006 answers"}),
              gui::notSaved});
         QCOMPARE(simulator().takeEvents().filter("configured"), QStringList());
     }

@@ -34,6 +34,18 @@ class WireWindowTest : public WireTest
 {
     Q_OBJECT
 
+    /// Chooses the command of the camera's context menu and enters the address.
+    void assign(const QString& model, const QString& ip, const QList<gui::Answer>& more = {})
+    {
+        expect({[](QWidget& menu) {
+                    QTest::keyClick(&menu, Qt::Key_Down);
+                    QTest::keyClick(&menu, Qt::Key_Return);
+                },
+                gui::fill({{"editIpAddress", ip}})});
+        expect(more);
+        openMenuOf(model);
+    }
+
 private slots:
     void everyCameraSaysWhatIsTheMatterWithIt()
     {
@@ -55,43 +67,42 @@ private slots:
         const QString moved = "  BX-4||4|02:A3:17:00:00:04|OK|Static IP|192.168.10.13%1|255.255.255.0";
         const QString forced = "forced camera=foreign ip=192.168.10.13%1 mask=255.255.255.0 gateway=0.0.0.0";
         start("test-saving", "BX-4");
-        expect({[](QWidget& menu) {
-                    QTest::keyClick(&menu, Qt::Key_Down);
-                    QTest::keyClick(&menu, Qt::Key_Return);
-                },
-                gui::fill({{"editIpAddress", "192.168.10.134"}})});
         sleepUntil({forced.arg(4)});
-        openMenuOf("BX-4");
+        assign("BX-4", "192.168.10.134");
         QVERIFY2(rows().contains(moved.arg(4)), qPrintable(rows().join('\n')));
 
-        const auto forceByMac = [&](const QString& mac, const QList<gui::Answer>& more) {
+        const auto forceByMac = [&](const QString& mac) {
             takeDialogs();
             expect({gui::fill({{"editMacAddress", mac}, {"editIpAddress", "192.168.10.135"}})});
-            expect(more);
             press(QKeySequence("Alt+Shift+Ctrl+F"));
             return takeDialogs();
         };
         sleepUntil({forced.arg(5)});
-        QCOMPARE(forceByMac("02-a3-17-00-00-04", {}), QStringList{gui::forceIpDialog});
+        QCOMPARE(forceByMac("02-a3-17-00-00-04"), QStringList{gui::forceIpDialog});
         QTRY_VERIFY(rows().contains(moved.arg(5)));
         QCOMPARE(takeSleeps(), 2);
         const QStringList kept = simulator().states("foreign").filter(" persistent-ip=172.16.4.9 ");
         QCOMPARE(kept.filter(" mode=forced ").size(), 1);
 
-        // a camera that another program holds refuses
-        OtherProgram other;
-        QCOMPARE(other.ask("192.168.10.25", "420100820008000100000a0000000002"), "000000830004000100000001");
-        m_controlled = {"contested"};
-        const QString refusal = forceByMac("02-A3-17-00-00-05", {gui::escape}).last();
-        QVERIFY(refusal.contains("Camera MAC=02A317000005, assigning a temporary address: access is denied"));
-
         // a MAC address that no camera has
         const QStringList before = rows();
         select("km-1");
         type("editCustomName", "pending"); // a refresh would ask
-        QCOMPARE(forceByMac("02-A3-17-00-00-44", {}), QStringList{gui::forceIpDialog});
+        QCOMPARE(forceByMac("02-A3-17-00-00-44"), QStringList{gui::forceIpDialog});
         QCOMPARE(takeSleeps(), 30);
         QCOMPARE(rows(), before);
+    }
+
+    void anAddressThatTheCameraDoesNotTakeIsNotShown()
+    {
+        start("test-commands", "BX-3");
+        m_controlled = {"held", "locked"};
+        const QStringList before = rows();
+        assign("BX-3", "192.168.10.133", {gui::escape});
+        QVERIFY(takeDialogs().last().contains("192.168.10.23"));
+        QCOMPARE(rows(), before);
+        QCOMPARE(takeSleeps(), 0);
+        QVERIFY(takeTrace().last().startsWith("error Failed to force IP for MAC=02A317000003. Err='"));
     }
 };
 

@@ -21,6 +21,378 @@
     </message>
 </context>
 <context>
+    <name>Advice</name>
+    <message>
+        <source>The MAC address is incomplete: it has twelve digits, 0 to 9 and A to F.</source>
+        <translation>Die MAC-Adresse ist unvollständig: Sie hat zwölf Stellen, 0 bis 9 und A bis F.</translation>
+    </message>
+    <message>
+        <source>The subnet mask is incomplete: it has four numbers, such as 255.255.255.0, or is a length, such as /24, which becomes one when you leave the field.</source>
+        <translation>Die Subnetzmaske ist unvollständig: Sie hat vier Zahlen, wie 255.255.255.0, oder ist eine Länge, wie /24, aus der eine Maske wird, wenn Sie das Feld verlassen.</translation>
+    </message>
+    <message>
+        <source>The gateway is incomplete: it has four numbers from 0 to 255 with dots between them, or the field is empty.</source>
+        <translation>Das Gateway ist unvollständig: Es hat vier Zahlen von 0 bis 255 mit Punkten dazwischen, oder das Feld ist leer.</translation>
+    </message>
+    <message>
+        <source>The IP address is incomplete: it has four numbers from 0 to 255 with dots between them.</source>
+        <translation>Die IP-Adresse ist unvollständig: Sie hat vier Zahlen von 0 bis 255 mit Punkten dazwischen.</translation>
+    </message>
+    <message>
+        <source>%1 stands for a whole network, under the mask %2. No device can have it.</source>
+        <translation>%1 steht bei der Maske %2 für ein ganzes Netz. Kein Gerät kann diese Adresse haben.</translation>
+    </message>
+    <message>
+        <source>%1 addresses all devices of a network at once, under the mask %2. No device can have it.</source>
+        <translation>%1 spricht bei der Maske %2 alle Geräte eines Netzes zugleich an. Kein Gerät kann diese Adresse haben.</translation>
+    </message>
+    <message>
+        <source>%1 is this computer&apos;s own address on %2. A camera with it cannot be reached.</source>
+        <translation>%1 ist die eigene Adresse dieses Rechners an %2. Mit ihr ist eine Kamera nicht erreichbar.</translation>
+    </message>
+    <message>
+        <source>%1 is the address of another camera: %2. With the same address, neither can be reached reliably.</source>
+        <translation>%1 ist die Adresse einer anderen Kamera: %2. Mit derselben Adresse ist keine der beiden zuverlässig erreichbar.</translation>
+    </message>
+    <message>
+        <source>The gateway %1 is not in the camera&apos;s network. Leave the field empty if there is no router.</source>
+        <translation>Das Gateway %1 ist nicht im Netz der Kamera. Lassen Sie das Feld leer, wenn es keinen Router gibt.</translation>
+    </message>
+    <message>
+        <source>The gateway %1 is the camera&apos;s own address. Leave the field empty if there is no router.</source>
+        <translation>Das Gateway %1 ist die eigene Adresse der Kamera. Lassen Sie das Feld leer, wenn es keinen Router gibt.</translation>
+    </message>
+    <message>
+        <source>The subnet mask is missing.</source>
+        <translation>Die Subnetzmaske fehlt.</translation>
+    </message>
+    <message>
+        <source>The IP address is missing.</source>
+        <translation>Die IP-Adresse fehlt.</translation>
+    </message>
+    <message>
+        <source>Without an address, the camera starts its IP configuration anew.</source>
+        <translation>Ohne Adresse beginnt die Kamera ihre IP-Konfiguration von vorn.</translation>
+    </message>
+    <message>
+        <source>%1 has a special meaning. No camera can have it.</source>
+        <translation>%1 hat eine besondere Bedeutung. Keine Kamera kann diese Adresse haben.</translation>
+    </message>
+    <message>
+        <source>%1 is in no network of %2. The camera can then not be reached through %2.</source>
+        <translation>%1 liegt in keinem Netz von %2. Die Kamera ist dann über %2 nicht erreichbar.</translation>
+    </message>
+    <message>
+        <source>%1 is in no network of this computer. The camera can then not be reached.</source>
+        <translation>%1 liegt in keinem Netz dieses Rechners. Die Kamera ist dann nicht erreichbar.</translation>
+    </message>
+    <message>
+        <source>%1 is not a subnet mask, as 255.255.255.0 is one.</source>
+        <translation>%1 ist keine Subnetzmaske, wie etwa 255.255.255.0 eine ist.</translation>
+    </message>
+    <message>
+        <source>%1 has the mask %2 in this network. With another one, applications may not find the camera.</source>
+        <translation>%1 hat in diesem Netz die Maske %2. Mit einer anderen finden Anwendungen die Kamera vielleicht nicht.</translation>
+    </message>
+    <message>
+        <source>The IP address typed before is written as well, and a camera may refuse it. Choose Static IP again, then finish the address or empty the field.</source>
+        <translation>Die zuvor eingegebene IP-Adresse wird mitgeschrieben, und eine Kamera lehnt sie vielleicht ab. Wählen Sie wieder Statische IP, und vervollständigen Sie die Adresse oder leeren Sie das Feld.</translation>
+    </message>
+    <message>
+        <source>MAC address %1</source>
+        <translation>MAC-Adresse %1</translation>
+    </message>
+</context>
+<context>
+    <name>Confirmation</name>
+    <message>
+        <source>%1: %2 was saved; the camera reports %3.</source>
+        <translation>%1: gespeichert wurde %2; die Kamera meldet %3.</translation>
+    </message>
+    <message>
+        <source>nothing</source>
+        <translation>nichts</translation>
+    </message>
+    <message>
+        <source>IP configuration</source>
+        <translation>IP-Konfiguration</translation>
+    </message>
+    <message>
+        <source>IP address</source>
+        <translation>IP-Adresse</translation>
+    </message>
+    <message>
+        <source>Subnet mask</source>
+        <translation>Subnetzmaske</translation>
+    </message>
+    <message>
+        <source>Default gateway</source>
+        <translation>Standardgateway</translation>
+    </message>
+    <message>
+        <source>Device user ID</source>
+        <translation>Benutzer-ID</translation>
+    </message>
+</context>
+<context>
+    <name>Explanations</name>
+    <message>
+        <source>The camera %1 with the MAC address %2 has the same address. One of them needs another.</source>
+        <translation>Die Kamera %1 mit der MAC-Adresse %2 hat dieselbe Adresse. Eine von beiden braucht eine andere.</translation>
+    </message>
+    <message>
+        <source>The camera answers the search, but its address is not in a network of %1.</source>
+        <translation>Die Kamera antwortet auf die Suche, aber ihre Adresse liegt in keinem Netz von %1.</translation>
+    </message>
+    <message>
+        <source>The camera answers the search, but not at its own address. It may be restarting.</source>
+        <translation>Die Kamera antwortet auf die Suche, aber nicht unter ihrer eigenen Adresse. Vielleicht startet sie gerade neu.</translation>
+    </message>
+    <message>
+        <source>The camera answers at its address and no application controls it.</source>
+        <translation>Die Kamera antwortet unter ihrer Adresse, und keine Anwendung steuert sie.</translation>
+    </message>
+    <message>
+        <source>Another application controls the camera.</source>
+        <translation>Eine andere Anwendung steuert die Kamera.</translation>
+    </message>
+    <message>
+        <source>An application on the computer %1 controls the camera.</source>
+        <translation>Eine Anwendung auf dem Rechner %1 steuert die Kamera.</translation>
+    </message>
+    <message>
+        <source>Another application has the camera for itself alone.</source>
+        <translation>Eine andere Anwendung hat die Kamera für sich allein.</translation>
+    </message>
+    <message>
+        <source>An application on the computer %1 has the camera for itself alone.</source>
+        <translation>Eine Anwendung auf dem Rechner %1 hat die Kamera für sich allein.</translation>
+    </message>
+    <message>
+        <source>The camera answers, but does not tell whether an application controls it.</source>
+        <translation>Die Kamera antwortet, sagt aber nicht, ob eine Anwendung sie steuert.</translation>
+    </message>
+    <message>
+        <source>Another camera has the same MAC address: %1 at %2.</source>
+        <translation>Eine andere Kamera hat dieselbe MAC-Adresse: %1 unter %2.</translation>
+    </message>
+</context>
+<context>
+    <name>Failures</name>
+    <message>
+        <source>the new device user ID</source>
+        <translation>die neue Benutzer-ID</translation>
+    </message>
+    <message>
+        <source>the new IP configuration</source>
+        <translation>die neue IP-Konfiguration</translation>
+    </message>
+    <message>
+        <source>the new IP address</source>
+        <translation>die neue IP-Adresse</translation>
+    </message>
+    <message>
+        <source>the new subnet mask</source>
+        <translation>die neue Subnetzmaske</translation>
+    </message>
+    <message>
+        <source>the new gateway</source>
+        <translation>das neue Gateway</translation>
+    </message>
+    <message>
+        <source>the temporary address</source>
+        <translation>die temporäre Adresse</translation>
+    </message>
+    <message>
+        <source>the new value</source>
+        <translation>den neuen Wert</translation>
+    </message>
+    <message>
+        <source>“%1”</source>
+        <translation>„%1“</translation>
+    </message>
+    <message>
+        <source>The camera %1 confirmed %2 but did not keep it.</source>
+        <translation>Die Kamera %1 hat %2 bestätigt, aber nicht behalten.</translation>
+    </message>
+    <message>
+        <source>The camera %1 confirmed %2 but reports %3.</source>
+        <translation>Die Kamera %1 hat %2 bestätigt, meldet aber %3.</translation>
+    </message>
+    <message>
+        <source>This computer cannot reach the address %1 through any of its network adapters.</source>
+        <translation>Dieser Rechner erreicht die Adresse %1 über keinen seiner Netzwerkadapter.</translation>
+    </message>
+    <message>
+        <source>This computer could not use its network.</source>
+        <translation>Dieser Rechner konnte sein Netzwerk nicht benutzen.</translation>
+    </message>
+    <message>
+        <source>This computer could not send anything to the camera %1.</source>
+        <translation>Dieser Rechner konnte nichts an die Kamera %1 senden.</translation>
+    </message>
+    <message>
+        <source>This computer could not send the camera %1 %2.</source>
+        <translation>Dieser Rechner konnte der Kamera %1 %2 nicht senden.</translation>
+    </message>
+    <message>
+        <source>The camera %1 is controlled by another application.</source>
+        <translation>Die Kamera %1 wird von einer anderen Anwendung gesteuert.</translation>
+    </message>
+    <message>
+        <source>The camera %1 is controlled by another application, on the computer %2.</source>
+        <translation>Die Kamera %1 wird von einer anderen Anwendung auf dem Rechner %2 gesteuert.</translation>
+    </message>
+    <message>
+        <source>“%1” is not a MAC address, which has twelve hexadecimal digits.</source>
+        <translation>„%1“ ist keine MAC-Adresse. Sie hat zwölf hexadezimale Ziffern.</translation>
+    </message>
+    <message>
+        <source>The device user ID “%1” is too long for the camera.</source>
+        <translation>Die Benutzer-ID „%1“ ist für die Kamera zu lang.</translation>
+    </message>
+    <message>
+        <source>“%1” is not a subnet mask. It takes four numbers from 0 to 255 with dots between them.</source>
+        <translation>„%1“ ist keine Subnetzmaske. Sie besteht aus vier Zahlen von 0 bis 255 mit Punkten dazwischen.</translation>
+    </message>
+    <message>
+        <source>“%1” is not an IP address. It takes four numbers from 0 to 255 with dots between them.</source>
+        <translation>„%1“ ist keine IP-Adresse. Sie besteht aus vier Zahlen von 0 bis 255 mit Punkten dazwischen.</translation>
+    </message>
+    <message>
+        <source>The camera %1 kept asking for more time and never confirmed %2.</source>
+        <translation>Die Kamera %1 hat immer wieder um mehr Zeit gebeten und %2 nie bestätigt.</translation>
+    </message>
+    <message>
+        <source>The camera %1 kept asking for more time and never granted control.</source>
+        <translation>Die Kamera %1 hat immer wieder um mehr Zeit gebeten und die Steuerung nie freigegeben.</translation>
+    </message>
+    <message>
+        <source>The camera %1 kept asking for more time and never answered.</source>
+        <translation>Die Kamera %1 hat immer wieder um mehr Zeit gebeten und nie geantwortet.</translation>
+    </message>
+    <message>
+        <source>The camera %1 refused %2.</source>
+        <translation>Die Kamera %1 hat %2 abgelehnt.</translation>
+    </message>
+    <message>
+        <source>The camera %1 refused to be controlled by this program.</source>
+        <translation>Die Kamera %1 lässt sich von diesem Programm nicht steuern.</translation>
+    </message>
+    <message>
+        <source>The camera %1 refused to give information about itself.</source>
+        <translation>Die Kamera %1 hat keine Auskunft über sich gegeben.</translation>
+    </message>
+    <message>
+        <source>The camera %1 refused the request.</source>
+        <translation>Die Kamera %1 hat die Anfrage abgelehnt.</translation>
+    </message>
+    <message>
+        <source>The camera %1 gave no usable answer when it was given %2.</source>
+        <translation>Die Kamera %1 hat keine brauchbare Antwort gegeben, als sie %2 übernehmen sollte.</translation>
+    </message>
+    <message>
+        <source>The camera %1 gave no usable answer when this program asked for control.</source>
+        <translation>Die Kamera %1 hat keine brauchbare Antwort gegeben, als dieses Programm die Steuerung übernehmen wollte.</translation>
+    </message>
+    <message>
+        <source>The camera %1 gave no usable answer.</source>
+        <translation>Die Kamera %1 hat keine brauchbare Antwort gegeben.</translation>
+    </message>
+    <message>
+        <source>The camera %1 is busy and did not take %2.</source>
+        <translation>Die Kamera %1 ist beschäftigt und hat %2 nicht angenommen.</translation>
+    </message>
+    <message>
+        <source>The camera %1 is busy and cannot be controlled at the moment.</source>
+        <translation>Die Kamera %1 ist beschäftigt und lässt sich im Moment nicht steuern.</translation>
+    </message>
+    <message>
+        <source>The camera %1 is busy.</source>
+        <translation>Die Kamera %1 ist beschäftigt.</translation>
+    </message>
+    <message>
+        <source>The camera %1 did not answer when it was given %2.</source>
+        <translation>Die Kamera %1 hat nicht geantwortet, als sie %2 übernehmen sollte.</translation>
+    </message>
+    <message>
+        <source>The camera %1 did not answer when this program asked for control.</source>
+        <translation>Die Kamera %1 hat nicht geantwortet, als dieses Programm die Steuerung übernehmen wollte.</translation>
+    </message>
+    <message>
+        <source>The camera %1 did not answer.</source>
+        <translation>Die Kamera %1 hat nicht geantwortet.</translation>
+    </message>
+    <message>
+        <source>Two cameras have the address %1, those with the MAC addresses %2 and %3.</source>
+        <translation>Zwei Kameras haben die Adresse %1, die mit den MAC-Adressen %2 und %3.</translation>
+    </message>
+    <message>
+        <source>The address %1 is that of another camera (MAC address %2).</source>
+        <translation>Die Adresse %1 gehört einer anderen Kamera (MAC-Adresse %2).</translation>
+    </message>
+    <message>
+        <source>The address %1, which was given to the camera %2, is also that of the camera %3.</source>
+        <translation>Die Adresse %1, die die Kamera %2 bekommen hat, hat auch die Kamera %3.</translation>
+    </message>
+    <message>
+        <source>The camera %1 was given the address %2 but has %3.</source>
+        <translation>Die Kamera %1 sollte die Adresse %2 bekommen, hat aber %3.</translation>
+    </message>
+    <message>
+        <source>The camera %1 has no IP address yet.</source>
+        <translation>Die Kamera %1 hat noch keine IP-Adresse.</translation>
+    </message>
+    <message>
+        <source>The camera %1 does not let its device user ID be changed.</source>
+        <translation>Die Benutzer-ID der Kamera %1 lässt sich nicht ändern.</translation>
+    </message>
+    <message>
+        <source>%1 and %2</source>
+        <translation>%1 und %2</translation>
+    </message>
+    <message>
+        <source>%1, %2</source>
+        <translation>%1, %2</translation>
+    </message>
+    <message>
+        <source>It already has %1.</source>
+        <translation>Schon übernommen hat sie %1.</translation>
+    </message>
+    <message>
+        <source>Check whether it is still connected, then try again.</source>
+        <translation>Prüfen Sie, ob sie noch angeschlossen ist, und versuchen Sie es noch einmal.</translation>
+    </message>
+    <message>
+        <source>Wait a moment, then try again.</source>
+        <translation>Warten Sie einen Moment, und versuchen Sie es noch einmal.</translation>
+    </message>
+    <message>
+        <source>Check the network adapter and its cable.</source>
+        <translation>Prüfen Sie den Netzwerkadapter und sein Kabel.</translation>
+    </message>
+    <message>
+        <source>Close the connection there, then try again.</source>
+        <translation>Beenden Sie die Verbindung dort, und versuchen Sie es noch einmal.</translation>
+    </message>
+    <message>
+        <source>One of them needs another address first.</source>
+        <translation>Eine von beiden braucht zuerst eine andere Adresse.</translation>
+    </message>
+    <message>
+        <source>Refresh the list, or choose another temporary address.</source>
+        <translation>Aktualisieren Sie die Liste, oder wählen Sie eine andere temporäre Adresse.</translation>
+    </message>
+    <message>
+        <source>Choose another temporary address.</source>
+        <translation>Wählen Sie eine andere temporäre Adresse.</translation>
+    </message>
+    <message>
+        <source>Try again, or choose another temporary address.</source>
+        <translation>Versuchen Sie es noch einmal, oder wählen Sie eine andere temporäre Adresse.</translation>
+    </message>
+</context>
+<context>
     <name>Formatting</name>
     <message>
         <source>Static IP</source>
@@ -153,6 +525,11 @@
         <source>Kernel: %1 %2</source>
         <translation>Kernel: %1 %2</translation>
     </message>
+    <message>
+        <source>index.html</source>
+        <extracomment>The help page in this language, as a path in docs/help.</extracomment>
+        <translation>de/index.html</translation>
+    </message>
 </context>
 <context>
     <name>IpAddressWidget</name>
@@ -171,6 +548,14 @@
     <message>
         <source>Default &amp;Gateway:</source>
         <translation>Standard-&amp;Gateway:</translation>
+    </message>
+    <message>
+        <source>Camera:</source>
+        <translation>Kamera:</translation>
+    </message>
+    <message>
+        <source>not in the list</source>
+        <translation>nicht in der Liste</translation>
     </message>
 </context>
 <context>
@@ -230,6 +615,14 @@
     <message>
         <source>Connection failed</source>
         <translation>Verbindung fehlgeschlagen</translation>
+    </message>
+    <message>
+        <source>The device must be a GEV Camera.</source>
+        <translation>Das Gerät muss eine GEV-Kamera sein.</translation>
+    </message>
+    <message>
+        <source>The connection to the device could not be established.</source>
+        <translation>Die Verbindung zum Gerät konnte nicht hergestellt werden.</translation>
     </message>
     <message>
         <source>Access denied
@@ -368,16 +761,40 @@ Es wird gewartet, bis das Gerät wieder gefunden ist...</translation>
         <translation>Die Benutzer-ID (DeviceUserID) konnte nicht geändert werden.</translation>
     </message>
     <message>
-        <source>The address %1 is that of another camera (MAC address %2). Refresh the list, or choose another temporary address.</source>
-        <translation>Die Adresse %1 gehört einer anderen Kamera (MAC-Adresse %2). Aktualisieren Sie die Liste, oder wählen Sie eine andere temporäre Adresse.</translation>
-    </message>
-    <message>
         <source>Invalid IP address. IP addresses 224.0.0.0 to 255.255.255.255 and 127.0.0.1 are not allowed.</source>
         <translation>Ungültige IP-Adresse. Die IP-Adressen 224.0.0.0 bis 255.255.255.255 und 127.0.0.1 sind nicht erlaubt.</translation>
     </message>
     <message>
         <source>Failed to discover reconfigured device</source>
         <translation>Das neu konfigurierte Gerät wurde nicht wiedergefunden</translation>
+    </message>
+    <message>
+        <source>The camera %1 does not report what was saved.</source>
+        <translation>Die Kamera %1 meldet etwas anderes, als gespeichert wurde.</translation>
+    </message>
+    <message>
+        <source>No camera is selected.</source>
+        <translation>Es ist keine Kamera ausgewählt.</translation>
+    </message>
+    <message>
+        <source>It is not known whether the camera can be configured. Refresh the list.</source>
+        <translation>Es ist nicht bekannt, ob die Kamera konfiguriert werden kann. Aktualisieren Sie die Liste.</translation>
+    </message>
+    <message>
+        <source>Another application is using the camera.</source>
+        <translation>Eine andere Anwendung benutzt die Kamera.</translation>
+    </message>
+    <message>
+        <source>Nothing has been changed.</source>
+        <translation>Es wurde nichts geändert.</translation>
+    </message>
+    <message>
+        <source>The device user ID is too long.</source>
+        <translation>Die Benutzer-ID ist zu lang.</translation>
+    </message>
+    <message>
+        <source>A temporary address: the camera has it until it restarts.</source>
+        <translation>Eine temporäre Adresse: Die Kamera hat sie, bis sie neu startet.</translation>
     </message>
 </context>
 <context>
@@ -549,8 +966,8 @@ Danach können Sie sie an die angegebene Adresse senden (zu sehen über „Detai
 <context>
     <name>Messages</name>
     <message>
-        <source>The operation failed without saying why.</source>
-        <translation>Der Vorgang ist ohne Angabe eines Grundes fehlgeschlagen.</translation>
+        <source>The operation failed for an unexpected reason. The details say more.</source>
+        <translation>Der Vorgang ist aus einem unerwarteten Grund fehlgeschlagen. Näheres steht in den Details.</translation>
     </message>
     <message>
         <source>Operation: %1</source>
@@ -558,10 +975,40 @@ Danach können Sie sie an die angegebene Adresse senden (zu sehen über „Detai
     </message>
 </context>
 <context>
+    <name>Obstacles</name>
+    <message>
+        <source>Cameras with an address of another network are not seen through %1: the strict reverse-path filter of this system drops their answers. To see them, run: sudo sysctl net/ipv4/conf/all/rp_filter=0 net/ipv4/conf/%1/rp_filter=0</source>
+        <translation>Kameras mit einer Adresse aus einem anderen Netz sind über %1 nicht zu sehen: Der strenge Reverse-Path-Filter dieses Systems verwirft ihre Antworten. Um sie zu sehen: sudo sysctl net/ipv4/conf/all/rp_filter=0 net/ipv4/conf/%1/rp_filter=0</translation>
+    </message>
+    <message>
+        <source>Cameras with an address of another network are not seen through %1: the loose reverse-path filter of this system drops their answers, as there is no default route. To see them, run: sudo sysctl net/ipv4/conf/all/rp_filter=0 net/ipv4/conf/%1/rp_filter=0</source>
+        <translation>Kameras mit einer Adresse aus einem anderen Netz sind über %1 nicht zu sehen: Der lockere Reverse-Path-Filter dieses Systems verwirft ihre Antworten, weil es keine Standardroute gibt. Um sie zu sehen: sudo sysctl net/ipv4/conf/all/rp_filter=0 net/ipv4/conf/%1/rp_filter=0</translation>
+    </message>
+    <message>
+        <source>No camera can be found through %1, as it has no IPv4 address. Perhaps no DHCP server answers it; give it a fixed or a link-local address.</source>
+        <translation>Über %1 kann keine Kamera gefunden werden, weil der Adapter keine IPv4-Adresse hat. Vielleicht antwortet ihm kein DHCP-Server; geben Sie ihm eine feste oder eine Link-Local-Adresse.</translation>
+    </message>
+    <message>
+        <source>%1 and %2 have addresses in the same network, so cameras may not be reachable through either. Give each adapter a network of its own.</source>
+        <translation>%1 und %2 haben Adressen im selben Netz, daher sind Kameras vielleicht über keinen von beiden erreichbar. Geben Sie jedem Adapter ein eigenes Netz.</translation>
+    </message>
+    <message>
+        <source>No camera could be searched for through %1: %3.</source>
+        <translation>Über %1 konnte nicht nach Kameras gesucht werden: %3.</translation>
+    </message>
+</context>
+<context>
     <name>QObject</name>
     <message>
         <source>Failed to create transport layer object</source>
         <translation>Die Transportschicht konnte nicht erzeugt werden</translation>
+    </message>
+</context>
+<context>
+    <name>WaitBox</name>
+    <message>
+        <source>%1 of at most %2 s</source>
+        <translation>%1 von höchstens %2 s</translation>
     </message>
 </context>
 </TS>

@@ -1,14 +1,55 @@
 #include "net/routes.h"
 
+#include "net/netlink.h"
+
+#include <algorithm>
 #include <fstream>
 #include <ios>
 #include <iterator>
 #include <limits>
+#include <optional>
 #include <sstream>
 
 #include <linux/route.h>
+#include <linux/rtnetlink.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
 
 namespace net {
+
+namespace {
+
+constexpr unsigned addressBits = 32;
+
+Ipv4 maskOf(unsigned prefixLength)
+{
+    return {prefixLength == 0 ? 0 : ~std::uint32_t{0} << (addressBits - prefixLength)};
+}
+
+/// Nothing for a route through a gateway, to this host itself, or out of use.
+std::optional<LinkRoute> linkRouteOf(std::span<const std::uint8_t> body)
+{
+    const auto info = take<rtmsg>(body);
+    if (!info || info->rtm_type != RTN_UNICAST || info->rtm_dst_len > addressBits ||
+        (info->rtm_flags & (RTNH_F_DEAD | RTNH_F_LINKDOWN)) != 0) {
+        return std::nullopt;
+    }
+    LinkRoute route;
+    route.mask = maskOf(info->rtm_dst_len);
+    bool hasGateway = false;
+    forEachAttribute(body, sizeof(rtmsg), [&](std::uint16_t type, std::span<const std::uint8_t> value) {
+        if (type == RTA_DST) {
+            route.network = {ntohl(take<std::uint32_t>(value).value_or(0))};
+        } else if (type == RTA_OIF) {
+            route.adapterIndex = take<int>(value).value_or(0);
+        } else if (type == RTA_GATEWAY || type == RTA_VIA) {
+            hasGateway = true;
+        }
+    });
+    return hasGateway || route.adapterIndex == 0 ? std::nullopt : std::optional(route);
+}
+
+} // namespace
 
 std::string defaultRouteAdapter(const std::string& routes)
 {
@@ -40,6 +81,27 @@ std::string defaultRouteAdapter()
 {
     std::ifstream file("/proc/net/route");
     return defaultRouteAdapter({std::istreambuf_iterator<char>(file), {}});
+}
+
+std::vector<LinkRoute> linkRoutes()
+{
+    std::vector<LinkRoute> routes;
+    rtmsg ipv4{};
+    ipv4.rtm_family = AF_INET;
+    NetlinkSocket().exchange({RTM_GETROUTE, NLM_F_DUMP, ipv4}, "the kernel's routes cannot be listed",
+                             [&](std::span<const std::uint8_t> body) {
+                                 if (const auto route = linkRouteOf(body)) {
+                                     routes.push_back(*route);
+                                 }
+                             });
+    return routes;
+}
+
+bool isOnLink(const std::vector<LinkRoute>& routes, Ipv4 address, int adapterIndex)
+{
+    return std::ranges::any_of(routes, [&](const LinkRoute& route) {
+        return route.adapterIndex == adapterIndex && inSameSubnet(route.network, address, route.mask);
+    });
 }
 
 } // namespace net

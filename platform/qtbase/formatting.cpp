@@ -1,9 +1,13 @@
-#include "formatting.h"
+#include "qtbase/formatting.h"
 
 #include "net/addresses.h"
 
 #include <QCoreApplication>
+#include <QNetworkInterface>
+#include <QStringDecoder>
 #include <QStringList>
+
+#include <algorithm>
 
 namespace {
 
@@ -11,6 +15,20 @@ struct Texts
 {
     Q_DECLARE_TR_FUNCTIONS(Formatting)
 };
+
+bool isControlOrBidi(QChar character)
+{
+    switch (character.category()) {
+    case QChar::Other_Control:
+    case QChar::Separator_Line:
+    case QChar::Separator_Paragraph:
+        return true;
+    default:
+        const char16_t code = character.unicode();
+        return code == 0x200E || code == 0x200F || (code >= 0x202A && code <= 0x202E) ||
+               (code >= 0x2066 && code <= 0x2069);
+    }
+}
 
 } // namespace
 
@@ -62,4 +80,18 @@ QHostAddress addressFromText(const QString& text)
 {
     const auto address = net::parseIpv4(text.toStdString());
     return address ? QHostAddress(address->value) : QHostAddress();
+}
+
+QString adapterName(const QNetworkInterface& adapter)
+{
+    const QString name = adapter.name();
+    QStringDecoder utf8(QStringDecoder::Utf8);
+    const QString decoded = utf8(name.toLatin1());
+    return utf8.hasError() ? name : decoded;
+}
+
+QString displayText(QString text)
+{
+    std::ranges::replace_if(text, isControlOrBidi, QChar(QChar::ReplacementCharacter));
+    return text;
 }

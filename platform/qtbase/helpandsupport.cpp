@@ -1,6 +1,7 @@
-#include "helpandsupport.h"
+#include "qtbase/helpandsupport.h"
 
-#include "messages.h"
+#include "qtbase/formatting.h"
+#include "qtbase/messages.h"
 
 #include "net/routes.h"
 
@@ -79,7 +80,7 @@ QString kindOf(const QNetworkInterface& adapter)
     switch (adapter.type()) {
     case QNetworkInterface::Ethernet: {
         bool isNumber = false;
-        const QString path = QStringLiteral("/sys/class/net/%1/speed").arg(adapter.name());
+        const QString path = QStringLiteral("/sys/class/net/%1/speed").arg(adapterName(adapter));
         const int speed = kernelSetting(path).toInt(&isNumber); // -1 when nobody knows
         return isNumber && speed > 0 ? Texts::tr("Ethernet at %1 Mbit/s").arg(speed) : Texts::tr("Ethernet");
     }
@@ -102,9 +103,15 @@ QString describeAdapter(const QNetworkInterface& adapter)
         }
     }
     return Texts::tr("%1: %2, %3, MTU %4, rp_filter %5, %6")
-        .arg(shareableName(adapter.name()), kindOf(adapter), connectionOf(adapter),
-             QString::number(adapter.maximumTransmissionUnit()), reversePathFilter(adapter.name()),
+        .arg(shareableName(adapterName(adapter)), kindOf(adapter), connectionOf(adapter),
+             QString::number(adapter.maximumTransmissionUnit()), reversePathFilter(adapterName(adapter)),
              addresses.isEmpty() ? Texts::tr("no IPv4 address") : addresses.join(QLatin1String(", ")));
+}
+
+QStringList& supportRemarks()
+{
+    static QStringList remarks;
+    return remarks;
 }
 
 QStringList describeNetwork()
@@ -119,6 +126,9 @@ QStringList describeNetwork()
     const auto adapters = QNetworkInterface::allInterfaces();
     for (const QNetworkInterface& adapter : adapters) {
         lines += describeAdapter(adapter);
+    }
+    for (const QString& remark : supportRemarks()) {
+        lines += shareableName(remark);
     }
     return lines;
 }
@@ -139,9 +149,20 @@ QLabel* addText(QGridLayout* layout, int row, const QString& text, Qt::TextForma
 
 QString GetHelpFilePath()
 {
-    const QString installed = QDir::cleanPath(QCoreApplication::applicationDirPath() +
-                                              QStringLiteral("/../share/lanvic/help/index.html"));
-    return QFile::exists(installed) ? installed : QStringLiteral(LANVIC_SOURCE_HELP);
+    const QString installed =
+        QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/" LANVIC_INSTALLED_HELP));
+    //: The help page in this language, as a path in docs/help.
+    const QString translated = Texts::tr("index.html");
+    const QString english = QStringLiteral("index.html");
+    for (const QString& directory : {installed, QStringLiteral(LANVIC_SOURCE_HELP)}) {
+        for (const QString& page : {translated, english}) {
+            QString path = QDir(directory).filePath(page);
+            if (!directory.isEmpty() && QFile::exists(path)) {
+                return path;
+            }
+        }
+    }
+    return QDir(installed).filePath(english);
 }
 
 bool ShowHelpFile(EShowHelpFileFlags /*flags*/, QWidget* /*parent*/, const QString& path,
@@ -175,6 +196,11 @@ bool ContactOrvikSupport()
     const QByteArray mail = QByteArray("mailto:") + supportAddress.data() + "?subject=" + encoded(subject) +
                             "&body=" + encoded(body);
     return QDesktopServices::openUrl(QUrl::fromEncoded(mail));
+}
+
+void SetSupportRemarks(const QStringList& remarks)
+{
+    supportRemarks() = remarks;
 }
 
 QString GetOrvikSupportInfo(bool withAdapters)

@@ -1,21 +1,27 @@
-#include "ipaddresswidget.h"
+#include "qtbase/ipaddresswidget.h"
 
-#include "formatting.h"
+#include "qtbase/advicesign.h"
+#include "qtbase/formatting.h"
+#include "qtbase/validators.h"
 #include "ui_ipaddresswidget.h"
 
 #include "net/addresses.h"
 
 #include <QKeyEvent>
 #include <QNetworkInterface>
+#include <QPushButton>
+#include <QStyle>
 #include <QValidator>
 
 #include <algorithm>
+#include <tuple>
+#include <utility>
 
 namespace {
 
 constexpr QLatin1String makerPrefix("02-5E-41-");
-constexpr qsizetype ipv4Length = 15; // characters of "255.255.255.255"
-constexpr qsizetype macLength = 17;  // characters, with separators
+constexpr qsizetype macLength = 17; // characters, with separators
+constexpr int linesOfAdvice = 3;
 
 /// Lets only texts pass that the field can hold; blanks, which come with pasted text, are dropped. The length
 /// is judged after that: the field's own limit would cut a pasted text before it, to another address.
@@ -78,16 +84,37 @@ IpAddressWidget::IpAddressWidget(QWidget* parent)
     : QDialog(parent), ui(std::make_unique<Ui_IpAddressWidget>())
 {
     ui->setupUi(this);
-    for (QLineEdit* edit : {ui->editIpAddress, ui->editSubnetMask, ui->editDefaultGateway}) {
-        edit->setValidator(new CharacterFilter("0123456789.", ipv4Length, edit));
+    for (QLineEdit* edit : {ui->editIpAddress, ui->editDefaultGateway}) {
+        edit->setValidator(new QIpAddressWithNetmaskValidator(ui->editSubnetMask, edit));
+        connect(edit, &QLineEdit::textEdited, this, [this, edit] { takeMaskLength(edit); });
     }
+    ui->editSubnetMask->setValidator(new QIpNetmaskValidator(ui->editSubnetMask));
     ui->editMacAddress->setValidator(
         new CharacterFilter("0123456789abcdefABCDEF:-", macLength, ui->editMacAddress));
+    createAdviceSigns();
     setMacAddress(QString());
+    setReason(QString(), QString());
     setShowMacAddress(false);
     connect(ui->editIpAddress, &QLineEdit::textEdited, this, &IpAddressWidget::followAddress);
     connect(ui->editSubnetMask, &QLineEdit::textEdited, this,
             [this](const QString& text) { m_maskTyped = !text.isEmpty(); });
+}
+
+void IpAddressWidget::createAdviceSigns()
+{
+    using enum advice::Field;
+    for (const auto& [field, edit, row] : {std::tuple{MacAddress, ui->editMacAddress, ui->rowMacAddress},
+                                           {Address, ui->editIpAddress, ui->rowIpAddress},
+                                           {Mask, ui->editSubnetMask, ui->rowSubnetMask},
+                                           {Gateway, ui->editDefaultGateway, ui->rowDefaultGateway}}) {
+        auto* const sign = new AdviceSign(edit, this);
+        row->addWidget(sign);
+        m_signs[field] = sign;
+        connect(edit, &QLineEdit::textChanged, this, &IpAddressWidget::showAdvice);
+    }
+    connect(ui->editMacAddress, &QLineEdit::textChanged, this, &IpAddressWidget::showCamera);
+    // So that nothing moves while one types.
+    ui->labelAdvice->setMinimumHeight(linesOfAdvice * ui->labelAdvice->fontMetrics().lineSpacing());
 }
 
 IpAddressWidget::~IpAddressWidget() = default;
@@ -97,9 +124,30 @@ void IpAddressWidget::setHeaderText(const QString& text)
     ui->labelHeader->setText(text);
 }
 
+void IpAddressWidget::setReason(const QString& sentence, const QString& technicalText)
+{
+    const QIcon sign = style()->standardIcon(QStyle::SP_MessageBoxInformation);
+    ui->labelReasonSign->setPixmap(sign.pixmap(style()->pixelMetric(QStyle::PM_SmallIconSize)));
+    ui->labelReasonSign->setVisible(!sentence.isEmpty());
+
+    ui->labelReason->setText(sentence);
+    ui->labelReason->setAccessibleDescription(technicalText);
+    ui->labelReason->setToolTip(toolTipText(technicalText));
+    ui->labelReason->setVisible(!sentence.isEmpty());
+}
+
 void IpAddressWidget::setShowMacAddress(bool show)
 {
-    ui->formLayout->setRowVisible(ui->editMacAddress, show);
+    ui->formLayout->setRowVisible(ui->rowMacAddress, show);
+    showCamera();
+    showAdvice();
+}
+
+void IpAddressWidget::setSurroundings(advice::Surroundings surroundings)
+{
+    m_surroundings = std::move(surroundings);
+    showCamera();
+    showAdvice();
 }
 
 void IpAddressWidget::setIpAddress(const QString& text)
@@ -143,6 +191,23 @@ QString IpAddressWidget::macAddress() const
     return ui->editMacAddress->text();
 }
 
+advice::Entry IpAddressWidget::entry() const
+{
+    return {.purpose = advice::Purpose::Temporary,
+            .mac = macAddress(),
+            .address = ipAddress(),
+            .mask = subnetMask(),
+            .gateway = defaultGateway()};
+}
+
+void IpAddressWidget::setEntry(const advice::Entry& entry)
+{
+    setMacAddress(entry.mac);
+    setIpAddress(entry.address);
+    setSubnetMask(entry.mask);
+    setDefaultGateway(entry.gateway);
+}
+
 QHostAddress IpAddressWidget::subnetFromAddress(const QHostAddress& address)
 {
     bool isIpv4 = false;
@@ -178,6 +243,43 @@ void IpAddressWidget::followAddress(const QString& text)
     if (!m_maskTyped && !mask.isNull()) {
         setText(ui->editSubnetMask, mask.toString());
     }
+}
+
+void IpAddressWidget::takeMaskLength(QLineEdit* edit)
+{
+    if (const auto parts = splitMaskLength(edit->text())) {
+        setText(edit, parts->address);
+        setText(ui->editSubnetMask, parts->mask);
+        m_maskTyped = true;
+    }
+}
+
+void IpAddressWidget::showCamera()
+{
+    const bool isAsked = !ui->editMacAddress->isHidden();
+    const auto camera = cameraOf(macAddress(), m_surroundings);
+    const QString text = camera                                      ? describe(*camera)
+                         : net::parseMac(macAddress().toStdString()) ? tr("not in the list")
+                                                                     : QString();
+    ui->labelCamera->setText(text);
+    ui->formLayout->setRowVisible(ui->labelCamera, isAsked || camera);
+    setAccessibleDescription(text);
+}
+
+void IpAddressWidget::showAdvice()
+{
+    std::vector<advice::Advice> all = adviceOn(entry(), m_surroundings);
+    if (ui->editMacAddress->isHidden()) {
+        std::erase_if(all, [](const auto& one) { return one.field == advice::Field::MacAddress; });
+    }
+    for (const auto& [field, sign] : m_signs) {
+        sign->tell(adviceFor(field, all));
+    }
+    const auto missing = std::ranges::find_if(all, advice::isUnfinished);
+    QPushButton& ok = *ui->buttonBox->button(QDialogButtonBox::Ok);
+    ok.setEnabled(missing == all.end());
+    setExplanation(ok, missing != all.end() ? sentence(*missing) : QString());
+    ui->labelAdvice->setText(all.empty() ? QString() : sentence(all.front()));
 }
 
 void IpAddressWidget::keyPressEvent(QKeyEvent* event)

@@ -1,6 +1,6 @@
-#include "messages.h"
+#include "qtbase/messages.h"
 
-#include "genicam/exceptions.h"
+#include "qtbase/failuretexts.h"
 
 #include <QApplication>
 #include <QMessageBox>
@@ -38,14 +38,6 @@ void show(Message message, QWidget* parent)
     box.exec();
 }
 
-QString descriptionOf(const std::exception& exception)
-{
-    const auto* const reported = dynamic_cast<const GenICam::GenericException*>(&exception);
-    const QString text =
-        QString::fromUtf8(reported != nullptr ? reported->GetDescription() : exception.what()).trimmed();
-    return text.isEmpty() ? Texts::tr("The operation failed without saying why.") : text;
-}
-
 QString operationLine(const QString& operationName)
 {
     return Texts::tr("Operation: %1").arg(operationName);
@@ -61,10 +53,16 @@ void showException(const QString& operationName, const std::exception& exception
 void showException(const QString& operationName, const std::exception& exception, const QString& text,
                    QWidget* parent)
 {
+    QStringList paragraphs = sentencesOf(exception);
+    paragraphs.prepend(text);
+    paragraphs.removeAll(QString());
+    if (paragraphs.isEmpty()) {
+        paragraphs += Texts::tr("The operation failed for an unexpected reason. The details say more.");
+    }
     show({.icon = QMessageBox::Critical,
           .title = QGuiApplication::applicationDisplayName(),
-          .paragraphs = {text, descriptionOf(exception)},
-          .details = operationLine(operationName) + QLatin1Char('\n') + QString::fromUtf8(exception.what())},
+          .paragraphs = paragraphs,
+          .details = operationLine(operationName) + QLatin1Char('\n') + technicalTextOf(exception)},
          parent);
 }
 

@@ -1,4 +1,4 @@
-#include "validators.h"
+#include "qtbase/validators.h"
 
 #include "net/addresses.h"
 
@@ -48,14 +48,48 @@ std::optional<net::Ipv4> maskFromPrefixLength(QStringView text)
     return net::Ipv4{~std::uint32_t{0} << (32 - length)};
 }
 
+/// Makes of a text what an address has in its place; the position stays between the same characters.
+void tidy(QString& text, int& pos)
+{
+    const auto isSpace = [](QChar character) { return character.isSpace(); };
+    pos -= static_cast<int>(std::ranges::count_if(QStringView(text).left(pos), isSpace));
+    text.removeIf(isSpace);
+    text.replace(QLatin1Char(','), QLatin1Char('.'));
+}
+
+/// Whether the text is a dotted quad, a slash, and what may become the length of a mask.
+bool mayGetMaskLength(const QString& text)
+{
+    const qsizetype slash = text.indexOf(QLatin1Char('/'));
+    const QStringView length = QStringView(text).mid(slash + 1);
+    return slash > 0 && net::parseIpv4(text.left(slash).toStdString()) &&
+           (length.isEmpty() || (length.front() != QLatin1Char('0') && maskFromPrefixLength(length)));
+}
+
 } // namespace
+
+std::optional<AddressWithMask> splitMaskLength(const QString& text)
+{
+    constexpr int shortest = 4;
+    const qsizetype slash = text.indexOf(QLatin1Char('/'));
+    if (!mayGetMaskLength(text) || QStringView(text).mid(slash + 1).toInt() < shortest) {
+        return std::nullopt;
+    }
+    const auto mask = maskFromPrefixLength(QStringView(text).mid(slash));
+    return AddressWithMask{.address = text.left(slash),
+                           .mask = QString::fromStdString(net::formatIpv4(mask.value_or(net::Ipv4{})))};
+}
 
 QIpAddressWithNetmaskValidator::QIpAddressWithNetmaskValidator(QLineEdit* netmaskEdit, QObject* parent)
     : QValidator(parent), m_netmaskEdit(netmaskEdit)
 {}
 
-QValidator::State QIpAddressWithNetmaskValidator::validate(QString& input, int& /*pos*/) const
+QValidator::State QIpAddressWithNetmaskValidator::validate(QString& input, int& pos) const
 {
+    tidy(input, pos);
+    if (mayGetMaskLength(input)) {
+        return Intermediate;
+    }
     if (!holdsOnlyDigitsAndDots(input)) {
         return Invalid;
     }
@@ -73,8 +107,9 @@ QValidator::State QIpAddressWithNetmaskValidator::validate(QString& input, int& 
 
 QIpNetmaskValidator::QIpNetmaskValidator(QObject* parent) : QValidator(parent) {}
 
-QValidator::State QIpNetmaskValidator::validate(QString& input, int& /*pos*/) const
+QValidator::State QIpNetmaskValidator::validate(QString& input, int& pos) const
 {
+    tidy(input, pos);
     if (input.startsWith(QLatin1Char('/'))) {
         return std::ranges::all_of(QStringView(input).mid(1), isAsciiDigit) ? Intermediate : Invalid;
     }

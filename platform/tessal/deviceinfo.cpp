@@ -80,9 +80,14 @@ bool COrvikGigEDeviceInfo::IsAutoIpActive() const
     return (IpConfig::fromText(GetIpConfigCurrent().view()) & IpConfig::LinkLocal) != 0;
 }
 
+bool IsSupportedVendor(std::string_view vendorName)
+{
+    return vendorName == "Orvik";
+}
+
 bool IsSupportedDevice(const CDeviceInfo& info, bool)
 {
-    return info.GetVendorName() == "Orvik";
+    return IsSupportedVendor(info.GetVendorName().view());
 }
 
 } // namespace Tessal

@@ -1,6 +1,6 @@
 #include "camera/camera.h"
 
-#include "gige/bytes.h"
+#include "gvcp/bytes.h"
 
 #include <algorithm>
 #include <utility>
@@ -15,13 +15,6 @@ using gvcp::Status;
 bool changesSomething(const CommandMessage& command)
 {
     return command.is(Command::WriteReg) || command.is(Command::WriteMem) || command.is(Command::ForceIp);
-}
-
-bool isMac(std::span<const std::uint8_t> payload, std::size_t offset, const net::MacAddress& mac)
-{
-    return payload.size() >= offset + mac.bytes.size() &&
-           std::equal(mac.bytes.begin(), mac.bytes.end(),
-                      payload.begin() + static_cast<std::ptrdiff_t>(offset));
 }
 
 Message pendingAcknowledge(Duration left, std::uint16_t id)
@@ -45,6 +38,8 @@ std::string enabledText(std::uint32_t enabled)
     std::string text;
     text += (enabled & gvcp::IpConfig::Persistent) != 0 ? "persistent," : "";
     text += (enabled & gvcp::IpConfig::Dhcp) != 0 ? "dhcp," : "";
+    text += (enabled & gvcp::IpConfig::PauseReception) != 0 ? "pause-reception," : "";
+    text += (enabled & gvcp::IpConfig::PauseGeneration) != 0 ? "pause-generation," : "";
     return text.substr(0, text.empty() ? 0 : text.size() - 1);
 }
 
@@ -83,7 +78,8 @@ void Camera::hear(const Request& request, Instant now, Effects& effects)
         return;
     }
     m_control.heard(request.from, now, heartbeatTimeout());
-    if (isMeantForMe(*command, request.isBroadcast) && !answerRepeat(request, now, effects)) {
+    if (isMeantForMe(*command, request.isBroadcast) && !answerPending(*command, effects) &&
+        !answerRepeat(request, now, effects)) {
         execute(*command, request, now, effects);
     }
 }
@@ -94,10 +90,12 @@ bool Camera::isMeantForMe(const CommandMessage& command, bool isBroadcast) const
         return !m_config.faults.muteToDiscovery && (!isBroadcast || command.payload.empty());
     }
     if (command.is(Command::ForceIp)) {
-        return isMac(command.payload, gvcp::ForceIp::Mac, m_config.mac);
+        return hasMac(command.payload, gvcp::ForceIp::Mac, m_config.mac);
     }
     if (command.is(Command::BroadcastIpConfig) && m_config.knowsBroadcastCommand) {
-        return isMac(command.payload, gvcp::BroadcastIpConfig::Mac, m_config.mac);
+        return (m_config.faults.acknowledgeOthers != ForeignAck::Never &&
+                command.payload.size() == gvcp::BroadcastIpConfig::Size) ||
+               hasMac(command.payload, gvcp::BroadcastIpConfig::Mac, m_config.mac);
     }
     return !isBroadcast;
 }
@@ -123,6 +121,30 @@ bool Camera::answerRepeat(const Request& request, Instant now, Effects& effects)
     return true;
 }
 
+bool Camera::answerPending(const CommandMessage& command, Effects& effects) const
+{
+    const auto pending = m_config.faults.onlyPending.find(static_cast<Command>(command.code));
+    if (pending == m_config.faults.onlyPending.end()) {
+        return false;
+    }
+    effects.answers.push_back({pendingAcknowledge(pending->second, command.id), addressing()});
+    return true;
+}
+
+bool Camera::reports(const CommandMessage& command, Outcome& outcome) const
+{
+    if (!command.is(Command::WriteReg) || outcome.status != Status::Success) {
+        return true;
+    }
+    const auto& misreported = m_config.faults.misreportedWrites;
+    const auto found = misreported.find(bytes::get32(command.payload, 0));
+    if (found == misreported.end()) {
+        return true;
+    }
+    outcome = {found->second.value_or(Status::Success), "it was done all the same"};
+    return found->second.has_value();
+}
+
 void Camera::execute(const CommandMessage& command, const Request& request, Instant now, Effects& effects)
 {
     const Faults& faults = m_config.faults;
@@ -130,17 +152,21 @@ void Camera::execute(const CommandMessage& command, const Request& request, Inst
     const unsigned writesBefore = m_writes;
     const std::size_t answersBefore = effects.answers.size();
     m_payload.size = 0;
+    if (command.is(Command::BroadcastIpConfig) && m_config.knowsBroadcastCommand) {
+        answerMac(command.payload);
+    }
     const auto refusal = faults.refusedCommands.find(static_cast<Command>(command.code));
     const bool isBusy =
         faults.busyAtFirst && !request.isBroadcast && std::exchange(m_lastHeard, command.id) != command.id;
-    const Outcome outcome = refusal != faults.refusedCommands.end()
-                                ? Outcome{refusal->second, "the scene refuses this command"}
-                            : isBusy ? Outcome{Status::Busy, "it is busy at first"}
-                                     : dispatch(command, request, now, effects);
+    Outcome outcome = refusal != faults.refusedCommands.end()
+                          ? Outcome{refusal->second, "the scene refuses this command"}
+                      : isBusy ? Outcome{Status::Busy, "it is busy at first"}
+                               : dispatch(command, request, now, effects);
     const bool obeyed = command.is(Command::ForceIp) && outcome.status == Status::Success;
     const bool restarts = m_cycle.isRunning();
     const bool staysSilent =
-        obeyed && (restarts ? !faults.restartAck : faults.forceIpAck == ForceIpAck::Never);
+        (obeyed && (restarts ? !faults.restartAck : faults.forceIpAck == ForceIpAck::Never)) ||
+        !reports(command, outcome);
     if (!staysSilent) {
         const bool fromOldAddress = restarts || faults.forceIpAck == ForceIpAck::OldAddress;
         const bool isSlow = m_writes > writesBefore && outcome.status == Status::Success;
@@ -174,7 +200,10 @@ Camera::Outcome Camera::dispatch(const CommandMessage& command, const Request& r
     case Command::ReadMem:
         return readMemory(command.payload, request.from);
     case Command::WriteMem:
-        return writeMemory(command.payload, request.from, now, effects);
+        if (m_config.faults.knowsWriteMem) {
+            return writeMemory(command.payload, request.from, now, effects);
+        }
+        break;
     case Command::BroadcastIpConfig:
         if (m_config.knowsBroadcastCommand) {
             return broadcastIpConfig(command.payload, request.from, effects);
@@ -237,6 +266,9 @@ void Camera::advance(Instant now, Effects& effects)
     if (m_control.lapse(now)) {
         controlChanged(holder, "heartbeat", effects);
     }
+    if (now >= m_forcedNextAt) {
+        takeForcedAddress(m_forcedNext, effects);
+    }
     if (!m_cycle.isRunning() || !m_cycle.advance(now, stored())) {
         return;
     }
@@ -254,7 +286,7 @@ void Camera::advance(Instant now, Effects& effects)
 
 Instant Camera::nextDeadline() const
 {
-    return m_hasVanished ? never : std::min(m_control.deadline(), m_cycle.deadline());
+    return m_hasVanished ? never : std::min({m_control.deadline(), m_cycle.deadline(), m_forcedNextAt});
 }
 
 void Camera::restart(Instant now, Effects& effects)
@@ -264,8 +296,18 @@ void Camera::restart(Instant now, Effects& effects)
         m_control.release();
         controlChanged(holder, "restart", effects);
     }
+    m_forcedNextAt = never;
     m_cycle.restart(now);
     effects.hasNewAddress = true;
+}
+
+void Camera::takeForcedAddress(const Ipv4Settings& settings, Effects& effects)
+{
+    m_forcedNextAt = never;
+    m_cycle.force(settings);
+    addressChanged(effects);
+    effects.events.push_back(
+        event("forced").add("ip", settings.ip).add("mask", settings.mask).add("gateway", settings.gateway));
 }
 
 void Camera::addressChanged(Effects& effects)

@@ -75,9 +75,13 @@ private:
 
     [[nodiscard]] bool isMeantForMe(const CommandMessage& command, bool isBroadcast) const;
     [[nodiscard]] bool answerRepeat(const Request& request, Instant now, Effects& effects);
+    /// Whether the scene has the camera only ask for more time.
+    [[nodiscard]] bool answerPending(const CommandMessage& command, Effects& effects) const;
     void execute(const CommandMessage& command, const Request& request, Instant now, Effects& effects);
     [[nodiscard]] Outcome dispatch(const CommandMessage& command, const Request& request, Instant now,
                                    Effects& effects);
+    /// Whether the camera says anything about a write that it did; if so, `outcome` is what it says.
+    [[nodiscard]] bool reports(const CommandMessage& command, Outcome& outcome) const;
     /// `work` is how long the answer takes beyond the usual; unless zero, a PENDING_ACK goes ahead of it.
     void acknowledge(const CommandMessage& command, const Outcome& outcome, const Ipv4Settings& source,
                      Duration work, Effects& effects);
@@ -103,9 +107,12 @@ private:
                        std::size_t& done, Effects& effects);
 
     void restart(Instant now, Effects& effects);
+    void takeForcedAddress(const Ipv4Settings& settings, Effects& effects);
     void addressChanged(Effects& effects);
     void controlChanged(net::Ipv4 by, const char* reason, Effects& effects);
     void reportConfiguration(const char* by, const char* what, Effects& effects) const;
+    /// Says which camera acknowledges the maker's broadcast command.
+    void answerMac(std::span<const std::uint8_t> command);
     void answerIndex(std::size_t index);
     [[nodiscard]] Duration heartbeatTimeout() const;
     [[nodiscard]] StoredIpConfig stored() const;
@@ -116,6 +123,8 @@ private:
     ControlChannel m_control;
     IpCycle m_cycle;
     bool m_hasVanished = false;
+    Ipv4Settings m_forcedNext; // takes this temporary address at the time below
+    Instant m_forcedNextAt = never;
     unsigned m_writes = 0; // registers or blocks, the privilege not counted
     std::optional<Executed> m_lastExecuted;
     std::uint16_t m_lastHeard = 0; // id of the latest command to this camera alone

@@ -2,12 +2,13 @@
 
 #include "camera/description.h"
 #include "camera/time.h"
-#include "gige/gvcp.h"
+#include "gvcp/gvcp.h"
 #include "net/addresses.h"
 
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -41,14 +42,17 @@ struct InUse
     std::optional<Duration> duration; // none: for ever
 };
 
+/// How a device acknowledges the maker's broadcast command to another camera.
+enum class ForeignAck { Never, Nameless, AsItself, AsThatCamera };
 enum class ForceIpAck { NewAddress, OldAddress, Never };
-enum class SpoiledAnswer { No, Garbage, Truncated, WrongId, WrongLength };
+enum class SpoiledAnswer { No, Garbage, Truncated, WrongId, WrongLength, Surplus, LongPayload };
 
 /// What is wrong with a camera, or with the line it hangs on.
 struct Faults
 {
     Duration discoveryDelay{};
     Duration answerDelay{};
+    Duration work{}; // for each answer, one after another
     bool muteToUnicast = false;
     bool muteToDiscovery = false;
     bool ignoreBroadcastAckFlag = false;
@@ -60,8 +64,18 @@ struct Faults
     std::map<gvcp::Command, gvcp::Status> refusedCommands;
     std::map<std::uint32_t, gvcp::Status> refusedWrites; // by register address
     std::map<std::uint32_t, gvcp::Status> refusedReads;
+    std::map<std::uint32_t, std::optional<gvcp::Status>> misreportedWrites; // done; none: not acknowledged
+    std::set<std::uint32_t> forgottenWrites;                                // acknowledged and not done
+    std::map<gvcp::Command, Duration> onlyPending; // never done; time is asked for again and again
+    bool emptyWriteAcks = false;                   // say that it is done, and not how much
+    bool knowsWriteMem = true;
+    bool togglesPause = false; // a write of the mode switches the generation of pause frames over
     ForceIpAck forceIpAck = ForceIpAck::NewAddress;
+    bool ignoreForceIp = false;            // acknowledges a temporary address and keeps its own
+    std::optional<net::Ipv4> forceIpTakes; // takes this address in place of the one that it is given
+    Duration forceIpDelay{};               // takes it that long after the acknowledge
     bool restartAck = false;
+    ForeignAck acknowledgeOthers = ForeignAck::Never;
     bool busyAtFirst = false;   // each register access is refused as busy once, and done at its repeat
     bool neverConfirms = false; // a write that takes time is done, but only its PENDING_ACK comes
     Duration pendingAck{};      // zero: writes are quick and no PENDING_ACK comes
@@ -73,6 +87,7 @@ struct CameraConfig
 {
     std::string name;
     net::MacAddress mac;
+    std::optional<net::MacAddress> interfaceMac; // on the wire, where that is another than it says
     Identity identity;
     std::uint32_t supported = gvcp::IpConfig::Persistent | gvcp::IpConfig::Dhcp | gvcp::IpConfig::LinkLocal;
     std::uint32_t enabled = gvcp::IpConfig::LinkLocal;

@@ -1,5 +1,5 @@
 #include "camera/camera.h"
-#include "gige/bytes.h"
+#include "gvcp/bytes.h"
 
 #include <algorithm>
 
@@ -91,9 +91,9 @@ Camera::Outcome Camera::forceIp(const CommandMessage& command, const Request& re
     if (m_control.isHeldByAnotherThan(request.from)) {
         return {Status::AccessDenied, reasonOf(Status::AccessDenied)};
     }
-    const Ipv4Settings wanted{{bytes::get32(payload, gvcp::ForceIp::Ip)},
-                              {bytes::get32(payload, gvcp::ForceIp::Mask)},
-                              {bytes::get32(payload, gvcp::ForceIp::Gateway)}};
+    Ipv4Settings wanted{{bytes::get32(payload, gvcp::ForceIp::Ip)},
+                        {bytes::get32(payload, gvcp::ForceIp::Mask)},
+                        {bytes::get32(payload, gvcp::ForceIp::Gateway)}};
     if (wanted.ip.value == 0) {
         restart(now, effects);
         return {};
@@ -101,10 +101,14 @@ Camera::Outcome Camera::forceIp(const CommandMessage& command, const Request& re
     if (!isUsableAddress(wanted.ip) || !net::isContiguousMask(wanted.mask)) {
         return {Status::InvalidParameter, "no address for a camera"};
     }
-    m_cycle.force(wanted);
-    addressChanged(effects);
-    effects.events.push_back(
-        event("forced").add("ip", wanted.ip).add("mask", wanted.mask).add("gateway", wanted.gateway));
+    const Faults& faults = m_config.faults;
+    wanted.ip = faults.forceIpTakes.value_or(wanted.ip);
+    if (faults.forceIpDelay > Duration::zero()) {
+        m_forcedNext = wanted;
+        m_forcedNextAt = now + faults.forceIpDelay;
+    } else if (!faults.ignoreForceIp) {
+        takeForcedAddress(wanted, effects);
+    }
     return {};
 }
 
@@ -135,6 +139,9 @@ Camera::Outcome Camera::readRegisters(std::span<const std::uint8_t> payload, End
     }
     for (std::size_t at = 0; at < payload.size(); at += RegisterSize) {
         const std::uint32_t address = bytes::get32(payload, at);
+        if (address >= DescriptionAddress) {
+            return {Status::InvalidAddress, "memory is no register"};
+        }
         if (const Outcome outcome = checkRead(address, RegisterSize, from);
             outcome.status != Status::Success) {
             return outcome; // with the values read so far
@@ -189,6 +196,10 @@ Camera::Outcome Camera::writeWord(std::uint32_t address, std::uint32_t value, En
     if (const Outcome outcome = checkWrite(address, from); outcome.status != Status::Success) {
         return outcome;
     }
+    const Faults& faults = m_config.faults;
+    if (faults.forgottenWrites.contains(address)) {
+        return {};
+    }
     switch (address) {
     case gvcp::Register::ControlChannelPrivilege:
         return writePrivilege(value, from, now, effects);
@@ -196,7 +207,8 @@ Camera::Outcome Camera::writeWord(std::uint32_t address, std::uint32_t value, En
         if ((value & ~m_registers.get(gvcp::Register::IpConfigSupported)) != 0) {
             return {Status::InvalidParameter, "mode not supported"};
         }
-        m_registers.set(address, value | gvcp::IpConfig::LinkLocal);
+        m_registers.set(address, (value | gvcp::IpConfig::LinkLocal) ^
+                                     (faults.togglesPause ? gvcp::IpConfig::PauseGeneration : 0));
         break;
     case gvcp::Register::HeartbeatTimeout:
         if (value == 0) {
@@ -280,6 +292,9 @@ Camera::Outcome Camera::broadcastIpConfig(std::span<const std::uint8_t> payload,
                                           Effects& effects)
 {
     namespace Field = gvcp::BroadcastIpConfig;
+    if (!hasMac(payload, Field::Mac, m_config.mac)) {
+        return {}; // the scene has it acknowledge what is for another
+    }
     if (!m_config.broadcastCommand) {
         return {Status::NotImplemented, "the command is switched off"};
     }
@@ -307,8 +322,27 @@ Camera::Outcome Camera::broadcastIpConfig(std::span<const std::uint8_t> payload,
     return {};
 }
 
+void Camera::answerMac(std::span<const std::uint8_t> command)
+{
+    namespace Field = gvcp::BroadcastIpConfig;
+    const bool isForAnother = !hasMac(command, Field::Mac, m_config.mac);
+    const ForeignAck manner = isForAnother ? m_config.faults.acknowledgeOthers : ForeignAck::AsItself;
+    if (manner == ForeignAck::Nameless) {
+        return;
+    }
+    const std::span<const std::uint8_t> own = m_config.mac.bytes;
+    const auto mac = manner == ForeignAck::AsThatCamera ? command.subspan(Field::Mac, own.size()) : own;
+    m_payload.size = gvcp::BroadcastIpConfigAck::Size;
+    bytes::put16(m_payload.all(), 0, 0);
+    std::copy(mac.begin(), mac.end(), m_payload.all().begin() + gvcp::BroadcastIpConfigAck::Mac);
+}
+
 void Camera::answerIndex(std::size_t index)
 {
+    if (m_config.faults.emptyWriteAcks) {
+        m_payload.size = 0;
+        return;
+    }
     m_payload.size = gvcp::WriteAck::Size;
     bytes::put16(m_payload.all(), 0, 0);
     bytes::put16(m_payload.all(), gvcp::WriteAck::Index, static_cast<std::uint16_t>(index));

@@ -2,7 +2,7 @@
 
 #include "camera/message.h"
 #include "camera/time.h"
-#include "gige/gvcp.h"
+#include "gvcp/gvcp.h"
 
 namespace sim {
 

@@ -1,6 +1,6 @@
 #include "camera/description.h"
 
-#include "gige/gvcp.h"
+#include "gvcp/gvcp.h"
 
 #include <zip.h>
 
@@ -15,6 +15,7 @@ namespace sim {
 namespace {
 
 constexpr std::uint32_t HugeSize = 0x40000000; // bytes
+constexpr std::size_t EndlessSize = 0x800000;  // bytes
 
 std::string hex(std::uint32_t value)
 {
@@ -83,7 +84,11 @@ std::string builtInXml(DescriptionKind kind, const std::string& vendor, const st
            "    <pFeature>Width</pFeature>\n    <pFeature>Height</pFeature>\n  </Category>\n";
     xml += stringRegister("DeviceVendorName", Register::Manufacturer, DiscoveryAck::ManufacturerSize, "RO");
     xml += stringRegister("DeviceModelName", Register::Model, DiscoveryAck::ModelSize, "RO");
-    if (named) {
+    if (kind == DescriptionKind::FormulaUserId) {
+        xml += "  <StringReg Name=\"DeviceUserID\" NameSpace=\"Standard\">\n    <IntSwissKnife>"
+               "<Formula>16 * 16 - 24</Formula></IntSwissKnife>\n    <Length>16</Length>\n"
+               "    <AccessMode>RW</AccessMode>\n    <pPort>Device</pPort>\n  </StringReg>\n";
+    } else if (named) {
         xml += stringRegister("DeviceUserID", Register::UserDefinedName, DiscoveryAck::UserDefinedNameSize,
                               kind == DescriptionKind::ReadOnlyUserId ? "RO" : "RW");
     }
@@ -157,6 +162,12 @@ std::shared_ptr<const Description> makeDescription(DescriptionKind kind, const s
         xml.resize(xml.size() / 2);
     }
     const bool isZip = kind == DescriptionKind::Zipped;
+    if (kind == DescriptionKind::Endless) {
+        xml.resize(EndlessSize, ' ');
+    } else if (kind == DescriptionKind::WordTail) {
+        xml.resize(xml.size() / gvcp::MaxDataSize * gvcp::MaxDataSize + gvcp::MaxDataSize +
+                   gvcp::RegisterSize);
+    }
     description->bytes =
         isZip ? zipped("camera.xml", xml) : std::vector<std::uint8_t>(xml.begin(), xml.end());
     const std::uint32_t size =

@@ -16,6 +16,9 @@ enum class DescriptionKind {
     Huge,      // a URL that promises 1 GiB
     NoUserId,
     ReadOnlyUserId,
+    FormulaUserId, // the address of the name is given by a formula
+    WordTail,      // a file that ends in a single word, if it is read in the largest pieces
+    Endless,       // 8 MiB, of which only the first few are XML
 };
 
 /// The GenICam description as a camera holds it: two URLs and the bytes to which they point.

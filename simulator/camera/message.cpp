@@ -1,6 +1,6 @@
 #include "camera/message.h"
 
-#include "gige/bytes.h"
+#include "gvcp/bytes.h"
 
 #include <algorithm>
 #include <string>
@@ -50,6 +50,13 @@ Message makeAcknowledge(gvcp::Status status, std::uint16_t code, std::uint16_t i
     bytes::put16(bytes, gvcp::Header::RequestId, id);
     std::copy(payload.begin(), payload.end(), bytes.begin() + gvcp::HeaderSize);
     return message;
+}
+
+bool hasMac(std::span<const std::uint8_t> payload, std::size_t offset, const net::MacAddress& mac)
+{
+    return payload.size() >= offset + mac.bytes.size() &&
+           std::equal(mac.bytes.begin(), mac.bytes.end(),
+                      payload.begin() + static_cast<std::ptrdiff_t>(offset));
 }
 
 std::string commandName(std::uint16_t code)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "gige/gvcp.h"
+#include "gvcp/gvcp.h"
 #include "net/addresses.h"
 
 #include <array>
@@ -16,7 +16,9 @@ using net::Endpoint;
 /// The bytes of one GVCP message of this simulator, held in place: answers come in thousands.
 struct Message
 {
-    std::array<std::uint8_t, gvcp::MaxPacketSize> bytes{};
+    static constexpr std::size_t Capacity = 1472; // bytes; what a frame holds beside the IP and UDP headers
+
+    std::array<std::uint8_t, Capacity> bytes{};
     std::size_t size = 0;
 
     [[nodiscard]] std::span<std::uint8_t> all() { return std::span(bytes).first(size); }
@@ -42,6 +44,10 @@ struct CommandMessage
 /// Builds an acknowledge; a payload that does not fit in a message is a bug.
 [[nodiscard]] Message makeAcknowledge(gvcp::Status status, std::uint16_t code, std::uint16_t id,
                                       std::span<const std::uint8_t> payload = {});
+
+/// Whether the MAC address stands at that offset of a payload.
+[[nodiscard]] bool hasMac(std::span<const std::uint8_t> payload, std::size_t offset,
+                          const net::MacAddress& mac);
 
 /// The command's name in the protocol, or its code in hexadecimal digits.
 [[nodiscard]] std::string commandName(std::uint16_t code);

@@ -1,6 +1,6 @@
 #include "camera/registerspace.h"
 
-#include "gige/bytes.h"
+#include "gvcp/bytes.h"
 
 #include <algorithm>
 
@@ -66,7 +66,8 @@ RegisterSpace::RegisterSpace(const CameraConfig& config) : m_description(config.
     set(Register::PersistentGateway, config.persistent.gateway.value);
     set(Register::Capability, (hasName ? Capability::UserDefinedName : 0) | Capability::SerialNumber |
                                   (config.faults.pendingAck > Duration::zero() ? Capability::PendingAck : 0) |
-                                  Capability::WriteMem | Capability::SeveralRegisters);
+                                  (config.faults.knowsWriteMem ? Capability::WriteMem : 0) |
+                                  Capability::SeveralRegisters);
     set(Register::HeartbeatTimeout, static_cast<std::uint32_t>(config.heartbeatTimeout.count()));
     set(Register::DiscoveryAckDelay, static_cast<std::uint32_t>(config.faults.discoveryDelay.count()));
     set(FeatureAddress, 1280);

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "camera/cameraconfig.h"
-#include "gige/gvcp.h"
+#include "gvcp/gvcp.h"
 
 #include <array>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #include "network/impairments.h"
 
-#include "gige/bytes.h"
+#include "gvcp/bytes.h"
 
 #include <algorithm>
 
@@ -82,6 +82,14 @@ void Impairments::spoil(SpoiledAnswer how, Message& message)
     case SpoiledAnswer::WrongLength:
         bytes::put16(bytes, gvcp::Header::Length,
                      static_cast<std::uint16_t>(bytes::get16(bytes, gvcp::Header::Length) + 4));
+        break;
+    case SpoiledAnswer::LongPayload:
+        message.size = Message::Capacity;
+        bytes::put16(message.all(), gvcp::Header::Length,
+                     static_cast<std::uint16_t>(message.size - gvcp::HeaderSize));
+        break;
+    case SpoiledAnswer::Surplus:
+        message.size = Message::Capacity;
         break;
     }
 }

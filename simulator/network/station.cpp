@@ -22,6 +22,12 @@ GatewayRoute& Station::routeOn(std::size_t adapter)
     return m_routes[static_cast<std::size_t>(found - m_adapters.begin())];
 }
 
+Duration Station::queueWork(Instant now)
+{
+    m_idleAt = std::max(now, m_idleAt) + m_camera.config().faults.work;
+    return std::chrono::ceil<Duration>(m_idleAt - now);
+}
+
 wire::Frame Station::arpRequest(net::Ipv4 target, net::Ipv4 sender) const
 {
     return wire::buildArp(wire::broadcastMac,

@@ -27,12 +27,18 @@ public:
 
     [[nodiscard]] Camera& camera() { return m_camera; }
     [[nodiscard]] const Camera& camera() const { return m_camera; }
-    [[nodiscard]] const net::MacAddress& mac() const { return m_camera.config().mac; }
+    [[nodiscard]] const net::MacAddress& mac() const
+    {
+        const auto& config = m_camera.config();
+        return config.interfaceMac ? *config.interfaceMac : config.mac;
+    }
     [[nodiscard]] const std::vector<std::size_t>& adapters() const { return m_adapters; }
 
     /// Whether a packet for this address is for us: our own, or a broadcast of the whole wire or our subnet.
     [[nodiscard]] bool hears(net::Ipv4 to) const;
     [[nodiscard]] std::uint16_t nextIdentification() { return ++m_identification; }
+    /// How long an answer takes that is asked for now: the camera works off one request after another.
+    [[nodiscard]] Duration queueWork(Instant now);
     [[nodiscard]] unsigned countRequest() { return m_requests++; }
     /// The address under which the network knows us now; 0.0.0.0 for none.
     [[nodiscard]] net::Ipv4 knownAs() const { return m_knownAs; }
@@ -48,6 +54,7 @@ private:
     std::vector<GatewayRoute> m_routes; // one for each adapter
     std::uint16_t m_identification = 0;
     unsigned m_requests = 0;
+    Instant m_idleAt;
     net::Ipv4 m_knownAs;
 };
 

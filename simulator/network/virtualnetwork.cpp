@@ -77,8 +77,11 @@ void VirtualNetwork::receive(std::size_t adapter, std::span<const std::uint8_t> 
         for (Station* const station : segment.stations) {
             receivePacket(*station, adapter, *frame, *packet, now);
         }
-    } else if (const auto found = segment.byMac.find(frame->to); found != segment.byMac.end()) {
-        receivePacket(*found->second, adapter, *frame, *packet, now);
+    } else {
+        const auto [first, last] = segment.byMac.equal_range(frame->to);
+        std::for_each(first, last, [&](const auto& entry) {
+            receivePacket(*entry.second, adapter, *frame, *packet, now);
+        });
     }
 }
 
@@ -131,6 +134,10 @@ void VirtualNetwork::receiveRequest(Station& station, const Origin& origin, cons
     const Fate fate = m_impairments.ofRequest(station.camera().config().faults, station.countRequest());
     for (unsigned copy = 0; copy < fate.copies; ++copy) {
         station.camera().hear(request, now, m_effects);
+        const Duration work = m_effects.answers.empty() ? Duration::zero() : station.queueWork(now);
+        for (Answer& answer : m_effects.answers) {
+            answer.delay += work;
+        }
         carryOut(station, now, &origin);
     }
 }

@@ -36,7 +36,7 @@ private:
     struct Segment
     {
         std::vector<Station*> stations;
-        std::unordered_map<net::MacAddress, Station*, MacHash> byMac;
+        std::unordered_multimap<net::MacAddress, Station*, MacHash> byMac;
         std::unordered_multimap<std::uint32_t, Station*> byAddress; // several in an address conflict
     };
     struct DelayedFrame

@@ -25,9 +25,11 @@ constexpr std::uint32_t FirstLinkLocal = 0xA9FE0100; // 169.254.1.0
 constexpr std::uint32_t LinkLocalCount = 254 * 256;  // to 169.254.254.255
 constexpr std::string_view makerOfBroadcastCommand = "Orvik";
 
-constexpr std::array<std::pair<std::string_view, std::uint32_t>, 2> modes{{
+constexpr std::array<std::pair<std::string_view, std::uint32_t>, 4> modes{{
     {"persistent", gvcp::IpConfig::Persistent},
     {"dhcp", gvcp::IpConfig::Dhcp},
+    {"pause-reception", gvcp::IpConfig::PauseReception},
+    {"pause-generation", gvcp::IpConfig::PauseGeneration},
 }};
 
 constexpr std::array<std::pair<std::string_view, std::uint32_t>, 2> privileges{{
@@ -35,7 +37,7 @@ constexpr std::array<std::pair<std::string_view, std::uint32_t>, 2> privileges{{
     {"exclusive", gvcp::Privilege::Exclusive},
 }};
 
-constexpr std::array<std::pair<std::string_view, DescriptionKind>, 8> descriptionKinds{{
+constexpr std::array<std::pair<std::string_view, DescriptionKind>, 11> descriptionKinds{{
     {"plain", DescriptionKind::Plain},
     {"zipped", DescriptionKind::Zipped},
     {"second-url", DescriptionKind::SecondUrl},
@@ -44,6 +46,9 @@ constexpr std::array<std::pair<std::string_view, DescriptionKind>, 8> descriptio
     {"huge", DescriptionKind::Huge},
     {"no-user-id", DescriptionKind::NoUserId},
     {"read-only-user-id", DescriptionKind::ReadOnlyUserId},
+    {"formula-user-id", DescriptionKind::FormulaUserId},
+    {"word-tail", DescriptionKind::WordTail},
+    {"endless", DescriptionKind::Endless},
 }};
 
 /// Adapter names of cameras are looked up once all adapters are known.
@@ -52,6 +57,7 @@ struct PendingCamera
     PlacedCamera camera;
     std::vector<std::pair<std::string, std::string>> alsoOn; // adapter name, path
     std::string path;
+    bool sharesMac = false; // with another device
 };
 
 std::string readFile(const std::filesystem::path& file, const std::string& place)
@@ -191,6 +197,10 @@ private:
             object.fail("name", "is empty");
         }
         camera.mac = readMac(object, "mac");
+        if (object.find("interfaceMac") != nullptr) {
+            camera.interfaceMac = readMac(object, "interfaceMac");
+        }
+        pending.sharesMac = object.flagOr("sharesMac", false);
         camera.identity = readIdentity(object);
         readAddressing(camera, object);
         camera.heartbeatTimeout = readDuration(object, "heartbeatTimeoutMs", camera.heartbeatTimeout);
@@ -270,7 +280,9 @@ private:
             }
             camera.linkLocal.value =
                 FirstLinkLocal + (camera.linkLocal.value - FirstLinkLocal + i) % LinkLocalCount;
-            claimMac(camera.mac, copy.path + ".mac");
+            if (!pattern.sharesMac) {
+                claimMac(camera.mac, copy.path + ".mac");
+            }
             if (!m_names.insert(camera.name).second) {
                 throw SceneError(copy.path + ".name", "is the name of another camera, too");
             }

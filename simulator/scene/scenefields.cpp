@@ -12,17 +12,25 @@ namespace {
 constexpr std::size_t AddressTextSize = 17; // the longest way to write a MAC address
 constexpr unsigned LongestDuration = 3'600'000;
 
+constexpr std::array<std::pair<std::string_view, ForeignAck>, 3> foreignAcks{{
+    {"nameless", ForeignAck::Nameless},
+    {"as-itself", ForeignAck::AsItself},
+    {"as-that-camera", ForeignAck::AsThatCamera},
+}};
+
 constexpr std::array<std::pair<std::string_view, ForceIpAck>, 3> forceIpAcks{{
     {"new-address", ForceIpAck::NewAddress},
     {"old-address", ForceIpAck::OldAddress},
     {"never", ForceIpAck::Never},
 }};
 
-constexpr std::array<std::pair<std::string_view, SpoiledAnswer>, 4> spoiledAnswers{{
+constexpr std::array<std::pair<std::string_view, SpoiledAnswer>, 6> spoiledAnswers{{
     {"garbage", SpoiledAnswer::Garbage},
     {"truncated", SpoiledAnswer::Truncated},
     {"wrongId", SpoiledAnswer::WrongId},
     {"wrongLength", SpoiledAnswer::WrongLength},
+    {"surplus", SpoiledAnswer::Surplus},
+    {"longPayload", SpoiledAnswer::LongPayload},
 }};
 
 /// Hexadecimal digits with or without 0x, at most `limit`.
@@ -40,14 +48,28 @@ std::optional<std::uint32_t> parseHex(std::string_view text, std::uint32_t limit
     return value;
 }
 
-void readRefusal(Faults& faults, const std::string& what, const nlohmann::json& value,
-                 const std::string& path)
+gvcp::Status parseRefusal(const std::string& text, const std::string& path)
 {
-    const auto status = parseHex(jsonText(value, path), 0xFFFF);
+    const auto status = parseHex(text, 0xFFFF);
     if (!status || (*status & 0x8000) == 0) {
         throw SceneError(path, "must be a status from 8001 to FFFF");
     }
-    const auto refused = static_cast<gvcp::Status>(*status);
+    return static_cast<gvcp::Status>(*status);
+}
+
+std::uint32_t parseRegister(const std::string& text, const std::string& path)
+{
+    const auto address = parseHex(text, 0xFFFFFFFF);
+    if (!address || *address % gvcp::RegisterSize != 0) {
+        throw SceneError(path, "is not the address of a register");
+    }
+    return *address;
+}
+
+void readRefusal(Faults& faults, const std::string& what, const nlohmann::json& value,
+                 const std::string& path)
+{
+    const gvcp::Status refused = parseRefusal(jsonText(value, path), path);
     if (const auto command = commandByName(what)) {
         faults.refusedCommands[*command] = refused;
         return;
@@ -55,14 +77,41 @@ void readRefusal(Faults& faults, const std::string& what, const nlohmann::json& 
     for (const auto& [prefix, registers] :
          {std::pair("register:", &faults.refusedWrites), std::pair("read:", &faults.refusedReads)}) {
         if (what.starts_with(prefix)) {
-            const auto address = parseHex(std::string_view(what).substr(std::strlen(prefix)), 0xFFFFFFFF);
-            if (address && *address % 4 == 0) {
-                (*registers)[*address] = refused;
-                return;
-            }
+            (*registers)[parseRegister(what.substr(std::strlen(prefix)), path)] = refused;
+            return;
         }
     }
     throw SceneError(path, "is neither a command nor register:ADDRESS nor read:ADDRESS");
+}
+
+/// What is wrong with how a camera takes new values.
+void readWriteFaults(Faults& faults, JsonObject& object)
+{
+    faults.emptyWriteAcks = object.flagOr("emptyWriteAcks", false);
+    faults.knowsWriteMem = object.flagOr("knowsWriteMem", true);
+    faults.togglesPause = object.flagOr("togglesPause", false);
+    for (const auto& [value, path] : object.listOr("forget")) {
+        faults.forgottenWrites.insert(parseRegister(jsonText(*value, path), path));
+    }
+    if (const nlohmann::json* const misreports = object.find("misreport")) {
+        const JsonObject fields(*misreports, object.pathOf("misreport"));
+        for (const auto& [what, value] : misreports->items()) {
+            const std::string path = fields.pathOf(what);
+            const std::string says = jsonText(value, path);
+            faults.misreportedWrites[parseRegister(what, path)] =
+                says == "nothing" ? std::nullopt : std::optional(parseRefusal(says, path));
+        }
+    }
+    if (const nlohmann::json* const pending = object.find("onlyPendingMs")) {
+        JsonObject fields(*pending, object.pathOf("onlyPendingMs"));
+        for (const auto& [what, value] : pending->items()) {
+            const auto command = commandByName(what);
+            if (!command) {
+                fields.fail(what, "is not a command");
+            }
+            faults.onlyPending[*command] = readDuration(fields, what, {});
+        }
+    }
 }
 
 } // namespace
@@ -118,11 +167,14 @@ Faults readFaults(JsonObject& object)
     Faults faults;
     faults.discoveryDelay = readDuration(object, "discoveryDelayMs", {});
     faults.answerDelay = readDuration(object, "answerDelayMs", {});
+    faults.work = readDuration(object, "workMs", {});
     faults.pendingAck = readDuration(object, "pendingAckMs", {});
     faults.muteToUnicast = object.flagOr("muteToUnicast", false);
     faults.muteToDiscovery = object.flagOr("muteToDiscovery", false);
     faults.ignoreBroadcastAckFlag = object.flagOr("ignoreBroadcastAckFlag", false);
     faults.vanishAfterRestart = object.flagOr("vanishAfterRestart", false);
+    faults.ignoreForceIp = object.flagOr("ignoreForceIp", false);
+    faults.forceIpDelay = readDuration(object, "forceIpDelayMs", {});
     faults.restartAck = object.flagOr("restartAck", false);
     faults.busyAtFirst = object.flagOr("busyAtFirst", false);
     faults.neverConfirms = object.flagOr("neverConfirms", false);
@@ -135,6 +187,7 @@ Faults readFaults(JsonObject& object)
         }
         faults.losePackets.push_back(value->get<unsigned>());
     }
+    readWriteFaults(faults, object);
     if (object.find("vanishAfterWrites") != nullptr) {
         faults.vanishAfterWrites = object.numberOr("vanishAfterWrites", 1, 1'000'000, 1);
     }
@@ -145,6 +198,13 @@ Faults readFaults(JsonObject& object)
     if (object.find("forceIpAck") != nullptr) {
         faults.forceIpAck =
             chooseWord(object.text("forceIpAck", 32), object.pathOf("forceIpAck"), forceIpAcks);
+    }
+    if (object.find("acknowledgeOthers") != nullptr) {
+        faults.acknowledgeOthers =
+            chooseWord(object.text("acknowledgeOthers", 32), object.pathOf("acknowledgeOthers"), foreignAcks);
+    }
+    if (object.find("forceIpTakes") != nullptr) {
+        faults.forceIpTakes = readIpv4(object, "forceIpTakes");
     }
     if (const nlohmann::json* const refusals = object.find("refuse")) {
         const JsonObject fields(*refusals, object.pathOf("refuse"));

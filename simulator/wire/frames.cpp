@@ -1,6 +1,6 @@
 #include "wire/frames.h"
 
-#include "gige/bytes.h"
+#include "gvcp/bytes.h"
 
 #include <algorithm>
 

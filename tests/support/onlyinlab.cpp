@@ -1,19 +1,18 @@
-#include "wire/routesocket.h"
+#include "net/links.h"
 
-#include <net/if.h>
 #include <unistd.h>
 
 #include <cstdio>
 
 // Compiled into every test that sends packets. A discovery or a Force IP from a developer's own adapters
-// could reconfigure a real camera, so such a program ends before its main where any adapter is up but the
-// loopback and virtual ones that a program has made.
+// could reconfigure a real camera, so such a program ends before its main where there is an adapter that may
+// lead to one.
 
 namespace {
 
 [[maybe_unused]] const bool inLab = [] {
-    for (const wire::Link& link : wire::RouteSocket().links()) {
-        if ((link.flags & IFF_UP) != 0 && (link.flags & IFF_LOOPBACK) == 0 && link.kind != "tun") {
+    for (const net::Link& link : net::links()) {
+        if (net::mayLeadToRealCamera(link)) {
             std::fprintf(stderr,
                          "This test changes adapters or sends packets, and %s may lead to a real camera.\n",
                          link.name.c_str());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tessal/searchreport.h"
 #include "tessal/transportlayer.h"
 
 #include <QStringList>
@@ -26,7 +27,10 @@ struct Camera
     bool hasNodeMap = true;
     bool hasUserId = true; // among the nodes
 
-    bool silent = false; // away since a restart, because it does not come back
+    bool keepsConfiguration = true; // takes up at a restart what was stored
+
+    Tessal::COrvikGigEDeviceInfo stored; // the mode and addresses of the latest write
+    bool silent = false;                 // away since a restart, because it does not come back
 };
 
 /// A camera in static mode, with that model, MAC and address, heard by the host address `interface`.
@@ -45,8 +49,9 @@ struct World
     /// throw. "sleep" is the program's own sleep.
     std::map<std::string, std::function<void()>> at;
     bool makesTransportLayer = true;
-    bool isGigE = true;  // has devices for its cameras
-    QStringList journal; // every call with its arguments, in order
+    bool isGigE = true;                             // has devices for its cameras
+    std::vector<Tessal::AdapterObstacle> obstacles; // that a search met
+    QStringList journal;                            // every call with its arguments, in order
 
     /// The journal since the last call, without what discovery asks unless `all`.
     QStringList take(bool all = false);

@@ -1,20 +1,24 @@
 #pragma once
 
-#include <QProcess>
 #include <QStringList>
-#include <QUdpSocket>
+
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+#include <sys/types.h>
 
 /// The simulated cameras of one scene, running while this object lives.
 class Simulator
 {
 public:
-    /// Starts simulator/scenes/NAME.json, or the file of that path, and returns when its cameras are up. Ends
-    /// the test program when they do not come.
+    /// Starts simulator/scenes/NAME.json, or the file of that path, and returns when its cameras are up.
+    /// Throws std::runtime_error if they do not come.
     explicit Simulator(const QString& scene);
     Q_DISABLE_COPY_MOVE(Simulator)
     ~Simulator();
 
-    /// Reads on to a line that begins so. False when none comes within ten seconds.
+    /// Reads on to a line that begins so. False if none comes within ten seconds.
     [[nodiscard]] bool await(const QString& beginning);
     /// What happened since the last call, apart from searches.
     [[nodiscard]] QStringList takeEvents();
@@ -22,19 +26,17 @@ public:
     [[nodiscard]] QStringList states(const QString& camera = {});
 
 private:
-    QProcess m_process;
+    void readLines();
+    [[nodiscard]] bool hasLine() const { return !m_lines.isEmpty() || m_ended; }
+
+    pid_t m_process = -1;
+    int m_output = -1; // the read end of its standard output
+    std::mutex m_mutex;
+    std::condition_variable m_arrived;
+    QStringList m_lines; // read and not yet looked at
+    bool m_ended = false;
+    std::thread
+        m_reader; // the simulator waits while nothing reads its lines, also in a program without events
     QStringList m_events;
     QStringList m_states;
-};
-
-/// Asks cameras as another program would: packets written out by hand, none of the code under test.
-class OtherProgram
-{
-public:
-    /// Sends a request, in hexadecimal digits, to the control port; gives the answer in the same form, or
-    /// nothing when none comes.
-    [[nodiscard]] QByteArray ask(const QString& camera, const QByteArray& request);
-
-private:
-    QUdpSocket m_socket;
 };

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <net/if.h>
 #include <stdexcept>
 
 namespace gui {
@@ -27,7 +28,12 @@ QString describe(QWidget& shown)
         buttons.sort();
         const QAbstractButton* const standard = box->defaultButton();
         parts << box->text() << buttons.join(',') << (standard ? standard->text().remove('&') : QString());
-        parts << box->detailedText().split('\n').filter(QRegularExpression("^Operation: "));
+        static const QRegularExpression origin(R"( : \w+ thrown \(file .*\)$)");
+        if (box->detailedText().startsWith("Operation: ")) {
+            for (QString line : box->detailedText().split('\n')) {
+                parts << line.remove(origin);
+            }
+        }
     }
     if (const int depth = cursorDepth(); depth > 0) {
         parts << "wait cursor " + QString::number(depth);
@@ -58,8 +64,9 @@ Adapter::Adapter(const QString& name, const QStringList& addresses, const QStrin
     if (QProcess::execute("sh", {"-c", (command + " && ip link set %1 up").arg(name)}) != 0) {
         throw std::runtime_error("the adapter cannot be set up");
     }
-    const auto isRunning = [&name] { // the carrier is announced a little later
-        return QNetworkInterface::interfaceFromName(name).flags().testFlag(QNetworkInterface::IsRunning);
+    const int index = static_cast<int>(if_nametoindex(name.toUtf8().constData()));
+    const auto isRunning = [index] { // the carrier is announced a little later
+        return QNetworkInterface::interfaceFromIndex(index).flags().testFlag(QNetworkInterface::IsRunning);
     };
     if (!QTest::qWaitFor(isRunning)) {
         throw std::runtime_error("the adapter does not come up");

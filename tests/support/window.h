@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Lanvic/MainWnd.h"
+#include "MainWnd.h"
 #include "support/trace.h"
 #include "wire/tapdevice.h"
 
@@ -60,13 +60,26 @@ inline void escape(QWidget& shown)
 /// Types into fields, by object name, and confirms with Enter.
 [[nodiscard]] Answer fill(const QList<std::pair<const char*, QString>>& fields);
 
-/// Dialogs as takeDialogs() gives them; report() is that of showException() and its kin, which names the
-/// operation among the details.
+/// Dialogs as takeDialogs() gives them; report() is that of showException() and its kin, with the operation
+/// and technical lines among the details, and without the places in the source that these name.
 inline const QString notSaved = "|The configuration could not be saved.|Close|Close";
 inline const QString forceIpDialog = "Assign Temporary IP Address (Force IP)";
-[[nodiscard]] inline QString report(const QString& text, const QString& operation)
+[[nodiscard]] inline QString report(const QString& text, const QString& operation,
+                                    const QStringList& technicalLines = {})
 {
-    return "Tessal Lanvic|" + text + "|OK,Show Details...||Operation: " + operation;
+    return "Tessal Lanvic|" + text + "|OK,Show Details...||" +
+           (QStringList{"Operation: " + operation} + technicalLines).join('|');
+}
+/// The report of an exception whose description is for support alone.
+[[nodiscard]] inline QString reportUnexpected(const QString& operation, const QString& technicalLine)
+{
+    return report("The operation failed for an unexpected reason. The details say more.", operation,
+                  {technicalLine});
+}
+/// The report of an exception of the program's own.
+[[nodiscard]] inline QString reportOwn(const QString& text, const QString& operation)
+{
+    return report(text, operation, {text});
 }
 
 /// Base of the tests of the real window: one at a time, with private settings. A dialog or menu that nobody

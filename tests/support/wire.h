@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/otherprogram.h"
+#include "support/packets.h"
 #include "support/simulator.h"
 #include "support/window.h"
 

@@ -1,0 +1,100 @@
+#include "explanations.h"
+
+#include "NetworkAdapter.h"
+#include "recorddisplay.h"
+
+#include "qtbase/formatting.h"
+#include "tessal/transportlayer.h"
+
+#include <QCoreApplication>
+#include <QStringList>
+
+#include <algorithm>
+
+namespace {
+
+struct Texts
+{
+    Q_DECLARE_TR_FUNCTIONS(Explanations)
+};
+
+/// Empty if the record lacks the property.
+QString property(const Tessal::COrvikGigEDeviceInfo& record, const char* key)
+{
+    GenICam::gcstring value;
+    return record.GetPropertyValue(key, value) ? displayText(QString::fromUtf8(value.c_str())) : QString();
+}
+
+QString explainControl(const Tessal::COrvikGigEDeviceInfo& record, const QString& byUnknown,
+                       const QString& byComputer)
+{
+    const QString computer = property(record, Tessal::Key::ControlledBy);
+    return computer.isEmpty() ? byUnknown : byComputer.arg(computer);
+}
+
+bool fitsAdapter(const Tessal::COrvikGigEDeviceInfo& record, const CNetworkAdapter& adapter)
+{
+    const QHostAddress address(fromAscii(record.GetIpAddress()));
+    const auto entries = adapter.addressEntries();
+    return std::ranges::any_of(entries, [&](const QNetworkAddressEntry& entry) {
+        return entry.ip().protocol() == QAbstractSocket::IPv4Protocol &&
+               address.isInSubnet(entry.ip(), entry.prefixLength());
+    });
+}
+
+QString explainUnreachable(const Tessal::COrvikGigEDeviceInfo& record, const CNetworkAdapter* adapter)
+{
+    const QString other = property(record, Tessal::Key::SameAddressName);
+    if (!other.isEmpty()) {
+        return Texts::tr(
+                   "The camera %1 with the MAC address %2 has the same address. One of them needs another.")
+            .arg(other, formatMACAddress(property(record, Tessal::Key::SameAddressMac).toLatin1(), ":"));
+    }
+    if (adapter != nullptr && !fitsAdapter(record, *adapter)) {
+        return Texts::tr("The camera answers the search, but its address is not in a network of %1.")
+            .arg(adapter->m_name);
+    }
+    return Texts::tr("The camera answers the search, but not at its own address. It may be restarting.");
+}
+
+QString explainCode(const Tessal::COrvikGigEDeviceInfo& record, const CNetworkAdapter* adapter)
+{
+    using namespace Tessal::Accessibility;
+    switch (GetDeviceAccessibility(&record)) {
+    case Ok:
+        return Texts::tr("The camera answers at its address and no application controls it.");
+    case Controlled:
+        return explainControl(record, Texts::tr("Another application controls the camera."),
+                              Texts::tr("An application on the computer %1 controls the camera."));
+    case ControlledExclusively:
+        return explainControl(
+            record, Texts::tr("Another application has the camera for itself alone."),
+            Texts::tr("An application on the computer %1 has the camera for itself alone."));
+    case NotReachable:
+        return explainUnreachable(record, adapter);
+    default:
+        return Texts::tr("The camera answers, but does not tell whether an application controls it.");
+    }
+}
+
+} // namespace
+
+QString explainObstacle(const Tessal::AdapterObstacle& obstacle)
+{
+    // Not QString::arg(), which warns of values that a sentence does not take.
+    return QCoreApplication::translate("Obstacles", Tessal::obstacleSentence(obstacle.kind))
+        .replace(QLatin1String("%1"), QString::fromLocal8Bit(obstacle.adapter.c_str()))
+        .replace(QLatin1String("%2"), QString::fromLocal8Bit(obstacle.other.c_str()))
+        .replace(QLatin1String("%3"), QString::fromLocal8Bit(obstacle.reason.c_str()));
+}
+
+QString explainStatus(const Tessal::COrvikGigEDeviceInfo& record, const CNetworkAdapter* adapter)
+{
+    QStringList sentences{explainCode(record, adapter)};
+    const QString twin = property(record, Tessal::Key::SameMacName);
+    if (!twin.isEmpty()) {
+        sentences += Texts::tr("Another camera has the same MAC address: %1 at %2.")
+                         .arg(twin, property(record, Tessal::Key::SameMacIp));
+    }
+    return sentences.join(QLatin1Char(' '));
+}

@@ -1,0 +1,156 @@
+#include "ipconfigurationwidget.h"
+
+#include "DeviceLister.h"
+#include "addressranges.h"
+#include "recorddisplay.h"
+
+#include "qtbase/advicesign.h"
+#include "qtbase/formatting.h"
+#include "qtbase/validators.h"
+
+#include <QToolTip>
+
+#include <algorithm>
+#include <tuple>
+
+namespace {
+
+/// The signs stand left of the fields' titles, where the frame is empty.
+constexpr int signX = 8;     // pixels from the left border
+constexpr int signBelow = 2; // pixels from the upper border of the field
+
+std::optional<advice::Camera> listed(const Tessal::COrvikGigEDeviceInfo& record)
+{
+    const auto mac = net::parseMac(record.GetMacAddress().view());
+    if (!mac) {
+        return std::nullopt;
+    }
+    return advice::Camera{.name =
+                              displayText(GetUtf8Property(&record, Tessal::Key::UserDefinedName)).trimmed(),
+                          .model = displayText(GetUtf8Property(&record, Tessal::Key::ModelName)).trimmed(),
+                          .mac = *mac,
+                          .address = net::parseIpv4(record.GetIpAddress().view()).value_or(net::Ipv4{})};
+}
+
+advice::Adapter withSubnets(const CNetworkAdapter& adapter)
+{
+    advice::Adapter known{.name = displayText(adapter.m_name), .subnets = {}};
+    const QList<QNetworkAddressEntry> entries = ipv4Entries(&adapter);
+    for (const QNetworkAddressEntry& entry : entries) {
+        known.subnets.push_back({{entry.ip().toIPv4Address()}, {entry.netmask().toIPv4Address()}});
+    }
+    return known;
+}
+
+/// A tool tip has to be asked for by the mouse, but a mistake is told while it is being made; right of the
+/// field, so that the others are still seen.
+void showBeside(QWidget& field)
+{
+    const QPoint offset(4, -16); // a tool tip stands this far below its point
+    if (field.isVisible() && field.isActiveWindow()) {
+        QToolTip::showText(field.mapToGlobal(field.rect().topRight() + offset), field.toolTip(), &field);
+    }
+}
+
+} // namespace
+
+void IpConfigurationWidget::createAdviceSigns()
+{
+    using enum advice::Field;
+    for (const auto& [field, edit] :
+         {std::pair{Address, ui.editIpAddress}, {Mask, ui.editNetmask}, {Gateway, ui.editDefaultGateway}}) {
+        m_adviceSigns[field] = new AdviceSign(edit, ui.frameConfig);
+        const QPoint place = edit->mapTo(ui.frameConfig, QPoint(0, signBelow));
+        m_adviceSigns[field]->move(signX, place.y());
+    }
+}
+
+/// Understands "192.168.1.9/24": the length becomes the mask.
+void IpConfigurationWidget::takeMaskLength(QLineEdit* edit)
+{
+    if (const auto parts = splitMaskLength(edit->text())) {
+        edit->setText(parts->address);
+        ui.editNetmask->setText(parts->mask);
+        m_netmaskModified = true;
+    }
+}
+
+advice::Surroundings IpConfigurationWidget::surroundings(const CNetworkAdapter* adapter) const
+{
+    advice::Surroundings known;
+    for (const CNetworkAdapter& one : m_networkAdapters) {
+        known.adapters.push_back(withSubnets(one));
+    }
+    for (const Tessal::COrvikGigEDeviceInfo& record : m_pDeviceLister->m_devices) {
+        if (auto camera = listed(record)) {
+            known.cameras.push_back(*std::move(camera));
+        }
+    }
+    if (adapter != nullptr) {
+        known.cameraAdapter = displayText(adapter->m_name);
+    }
+    return known;
+}
+
+std::vector<advice::Advice> IpConfigurationWidget::adviceInUi(const Tessal::COrvikGigEDeviceInfo& record,
+                                                              const QTreeWidgetItem* item) const
+{
+    const bool isStatic = ui.btnUsePersistentIp->isChecked();
+    if (!isStatic && !areIpSettingsEdited()) {
+        return {}; // only the mode is written
+    }
+    return adviceOn({.purpose = isStatic ? advice::Purpose::Static : advice::Purpose::LeftOver,
+                     .mac = fromAscii(record.GetMacAddress()),
+                     .address = ui.editIpAddress->text(),
+                     .mask = ui.editNetmask->text(),
+                     .gateway = ui.editDefaultGateway->text()},
+                    surroundings(GetNetworkAdapaterFromDeviceItem(item)));
+}
+
+void IpConfigurationWidget::showAdvice(const Tessal::COrvikGigEDeviceInfo* record,
+                                       const QTreeWidgetItem* item)
+{
+    const bool isEditable = record != nullptr && ui.editCustomName->isEnabled();
+    const std::vector<advice::Advice> all =
+        isEditable ? adviceInUi(*record, item) : std::vector<advice::Advice>();
+    setExplanation(*ui.btnWriteConfiguration, explainSave(record, all));
+    for (const auto& [field, sign] : m_adviceSigns) {
+        const auto advice = adviceFor(field, all);
+        QLineEdit& edit = sign->field();
+        const bool isNews = sign->tell(advice);
+        const bool isMeant = edit.hasFocus() || (advice && advice->kind == advice::Kind::LeftOverAddress);
+        if (isNews && isMeant && advice && isWarning(*advice)) {
+            showBeside(edit);
+        } else if (isNews && isMeant) {
+            QToolTip::hideText();
+        }
+    }
+}
+
+/// Why Save is grey, or what there is to consider before.
+QString IpConfigurationWidget::explainSave(const Tessal::COrvikGigEDeviceInfo* record,
+                                           const std::vector<advice::Advice>& all) const
+{
+    if (record == nullptr) {
+        return tr("No camera is selected.");
+    }
+    if (!ui.editCustomName->isEnabled()) {
+        return GetDeviceAccessibility(record) == Tessal::Accessibility::Unknown
+                   ? tr("It is not known whether the camera can be configured. Refresh the list.")
+                   : tr("Another application is using the camera.");
+    }
+    if (!hasUnsavedChanges()) {
+        return tr("Nothing has been changed.");
+    }
+    if (!ui.editCustomName->hasAcceptableInput()) {
+        return tr("The device user ID is too long.");
+    }
+    QStringList sentences;
+    for (const advice::Advice& advice : all) {
+        if (ui.btnWriteConfiguration->isEnabled() ||
+            !m_adviceSigns.at(advice.field)->field().hasAcceptableInput()) {
+            sentences += sentence(advice);
+        }
+    }
+    return sentences.join(QLatin1Char('\n'));
+}

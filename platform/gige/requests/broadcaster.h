@@ -1,0 +1,72 @@
+#pragma once
+
+#include "hostadapters.h"
+#include "socket.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace gige {
+
+struct SendFailure
+{
+    HostAddress host;
+    std::string reason;     // the operating system's words
+    bool hasPassed = false; // the socket was only full for a moment
+
+    friend bool operator==(const SendFailure&, const SendFailure&) = default;
+};
+
+/// Speaks to every camera on every network of this host at once, whatever their addresses: one socket for
+/// each host address, so that the port at which an answer arrives tells which of them asked.
+class Broadcaster
+{
+public:
+    /// An adapter that cannot be used is traced and left out. Throws SocketException when the adapters cannot
+    /// be listed.
+    Broadcaster();
+
+    /// Sends to the limited broadcast and the subnet's own, from every host address. A way that fails is
+    /// traced and not tried again, unless it was only short of memory.
+    void send(gvcp::Bytes packet);
+    /// The same from the host address of one channel, to its subnet's own broadcast only if `asksSubnet`.
+    void send(std::size_t channel, gvcp::Bytes packet, bool asksSubnet);
+
+    /// Whether any packet could be sent so far.
+    [[nodiscard]] bool hasSent() const { return m_hasSent; }
+    /// Whether any way is left that has not failed for good.
+    [[nodiscard]] bool canSend() const;
+    /// What kept the adapters from sending.
+    [[nodiscard]] const std::vector<SendFailure>& failures() const { return m_failures; }
+    /// The same in words: "eth0 (192.168.1.5): Network is down".
+    [[nodiscard]] std::string describeFailures() const;
+
+    [[nodiscard]] std::size_t channelCount() const { return m_channels.size(); }
+    /// The host address of a channel; channels keep the order in which the system lists its addresses.
+    [[nodiscard]] const HostAddress& host(std::size_t channel) const { return m_channels[channel].host; }
+
+    /// Adds one entry for each channel, in their order.
+    void appendTo(std::vector<pollfd>& sockets) const;
+
+    /// Hands on what waits at a channel, at most `limit` datagrams, so that a flood leaves time to look at
+    /// the clock. What another adapter heard is dropped: there the same packet has, or had, its own channel.
+    void receive(std::size_t channel, std::size_t limit, const std::function<void(const Datagram&)>& handle);
+
+private:
+    struct Channel
+    {
+        HostAddress host;
+        UdpSocket socket;
+        std::vector<net::Ipv4> destinations;
+    };
+
+    void open(const HostAddress& host);
+    void fail(const SendFailure& failure);
+
+    std::vector<Channel> m_channels;
+    std::vector<SendFailure> m_failures;
+    bool m_hasSent = false;
+};
+
+} // namespace gige

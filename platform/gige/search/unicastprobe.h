@@ -1,0 +1,137 @@
+#pragma once
+
+#include "neighbourbudget.h"
+#include "net/routes.h"
+#include "request.h"
+#include "searchpace.h"
+#include "socket.h"
+
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <queue>
+#include <unordered_map>
+#include <vector>
+
+namespace gige {
+
+/// The part of a search that finds out which cameras can be talked to and who controls them: reads the
+/// control channel privilege of all of them at the same time, through one socket, and each through the
+/// adapter that heard it. Only what the camera itself answers counts, not what another device at its address
+/// does: which hardware address answered the kernel knows, and where that is not the camera's the device is
+/// asked for its MAC address.
+class UnicastProbe
+{
+public:
+    struct Answer
+    {
+        bool heard = false;
+        int accessibility = 0;  // Tessal::Accessibility
+        net::Ipv4 controlledBy; // of the application that has control, where the camera tells
+    };
+    struct Camera
+    {
+        net::MacAddress mac;
+        net::Ipv4 address;
+
+        // NOLINTNEXTLINE(modernize-use-nullptr): the check takes the zero of a comparison for a pointer
+        friend auto operator<=>(const Camera&, const Camera&) = default;
+    };
+
+    /// Throws SocketException.
+    UnicastProbe(const SearchPace& pace, Clock::time_point start);
+
+    /// Gives every question, asked or yet to come, more time. The window of the new pace is no shorter than
+    /// the former deadline.
+    void switchTo(const SearchPace& pace);
+    /// Keeps room for questions through this adapter, however many there are through others.
+    void addAdapter(int adapterIndex);
+
+    /// Asks the camera, if the adapter that heard it reaches its address without a gateway; once only, but
+    /// through several adapters by turns. `lateness` is what the camera took for other answers: it is given
+    /// as long for this one.
+    void ask(const Camera& camera, int adapterIndex, Clock::duration lateness, Clock::time_point now);
+
+    /// Repeats what is unanswered.
+    void sendDue(Clock::time_point now);
+    /// Takes in at most `limit` datagrams.
+    void receive(std::size_t limit, Clock::time_point now);
+
+    [[nodiscard]] int descriptor() const { return m_socket.descriptor(); }
+    /// When sendDue() is next of use.
+    [[nodiscard]] Clock::time_point nextSend() const;
+    /// When nothing is left to wait for: the end of the window, or later.
+    [[nodiscard]] Clock::time_point end(Clock::time_point now) const;
+
+    [[nodiscard]] Answer answerOf(const Camera& camera) const;
+
+private:
+    enum class Step { Privilege, MacHigh, MacLow, ControlledBy };
+
+    struct Question
+    {
+        Camera camera;
+        std::vector<int> adapters; // that reach it
+        Clock::time_point askedAt;
+        Clock::duration repeatInterval{};
+        Clock::time_point openUntil;
+        Step step = Step::Privilege;
+        Request request = Request::readRegister(gvcp::Register::ControlChannelPrivilege);
+        std::size_t sent = 0;
+        int sentThrough = 0; // adapter indices
+        int heardThrough = 0;
+        bool underWay = false; // sent, and neither answered nor due for its repeat
+        bool settled = false;  // answered, or there is no way to the camera
+        bool repeating = true; // until the camera says that it has heard and needs time
+        std::uint32_t macHigh = 0;
+        Answer answer;
+        Answer unproven; // becomes the answer once the device has proved to be the camera
+    };
+    struct Repeat
+    {
+        Clock::time_point at;
+        std::size_t question = 0;
+        std::uint16_t requestId = 0;
+
+        bool operator>(const Repeat& other) const { return at > other.at; }
+    };
+    struct Queue // of one adapter
+    {
+        std::deque<std::size_t> waiting; // indices of questions to be sent
+        std::size_t underWay = 0;
+        std::size_t questions = 0;
+    };
+
+    void add(const Camera& camera, int adapterIndex, Clock::duration lateness, Clock::time_point now);
+    void giveTime(Question& question, Clock::duration lateness);
+    [[nodiscard]] Queue& queueOf(const Question& question);
+    /// Whether the next of the queue may be sent too.
+    [[nodiscard]] bool send(Queue& queue, std::size_t index, Clock::time_point now);
+    void land(Question& question);
+    void settle(Question& question, const Answer& answer);
+    void handle(const Datagram& datagram, Clock::time_point now);
+    void handle(std::size_t index, const Reply& reply, Clock::time_point now);
+    void take(std::size_t index, std::uint32_t value, Clock::time_point now);
+    void proveOrAsk(std::size_t index, const Answer& answer, Clock::time_point now);
+    void conclude(std::size_t index, Clock::time_point now);
+    void askFurther(std::size_t index, Step step, std::uint32_t address, Clock::time_point now);
+    [[nodiscard]] bool isKnownToBe(const Question& question) const;
+
+    UdpSocket m_socket;
+    NeighbourBudget m_neighbours;
+    std::vector<net::LinkRoute> m_routes;
+    bool m_neighboursEnded = false;
+    Clock::time_point m_start;
+    SearchPace m_pace;
+    Clock::time_point m_pausedUntil; // the socket took no more
+    std::vector<Question> m_questions;
+    std::map<int, Queue> m_queues; // by adapter
+    std::priority_queue<Repeat, std::vector<Repeat>, std::greater<>> m_repeats;
+    std::map<Camera, std::size_t> m_byCamera;
+    std::unordered_map<std::uint16_t, std::size_t> m_byRequestId;
+};
+
+/// The accessibility code that a value of the control channel privilege register means.
+[[nodiscard]] int accessibilityOf(std::uint32_t privilege);
+
+} // namespace gige

@@ -1,0 +1,194 @@
+#include "gigetransportlayer.h"
+
+#include "errors.h"
+#include "gvcp/bytes.h"
+#include "log.h"
+#include "obstacles.h"
+#include "opening.h"
+#include "record.h"
+#include "unicastprobe.h"
+
+#include <algorithm>
+#include <array>
+
+namespace gige {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto cachedFor = 1s;
+constexpr std::size_t maxRemembered = 8192; // cameras; a flood of invented ones must not eat the memory
+
+/// Empty when the record has none.
+GenICam::gcstring property(const Tessal::CDeviceInfo& info, const char* name)
+{
+    GenICam::gcstring value;
+    info.GetPropertyValue(name, value);
+    return value;
+}
+
+net::MacAddress readMac(CameraPort& port)
+{
+    std::array<std::uint8_t, std::size_t{2} * gvcp::RegisterSize> registers{};
+    bytes::put32(registers, 0, port.readRegister(gvcp::Register::MacHigh));
+    bytes::put32(registers, gvcp::RegisterSize, port.readRegister(gvcp::Register::MacLow));
+    net::MacAddress mac;
+    std::ranges::copy(std::span(registers).last<sizeof mac.bytes>(), mac.bytes.begin());
+    return mac;
+}
+
+/// Asks the camera itself who controls it. A camera with another MAC address than `mac` is not the one that
+/// is meant; one that does not let its MAC address be read is taken for it only as not being free.
+int askAccessibility(net::Ipv4 address, const std::optional<net::MacAddress>& mac)
+{
+    if (address == net::Ipv4{}) { // for the kernel this computer itself
+        return Tessal::Accessibility::NotReachable;
+    }
+    try {
+        CameraPort port(address);
+        port.setPlan(quickPlan());
+        const TimeLimit limit(port, 2s); // for all questions together, however much time the camera asks for
+        if (mac && readMac(port) != *mac) {
+            return Tessal::Accessibility::NotReachable;
+        }
+        return accessibilityOf(port.readRegister(gvcp::Register::ControlChannelPrivilege));
+    } catch (const GenICam::AccessException&) {
+        return Tessal::Accessibility::ControlledExclusively;
+    } catch (const RefusalException&) {
+        return Tessal::Accessibility::Unknown;
+    } catch (const GenICam::GenericException& failure) {
+        logRequest(ozlog::LogLevel::Info, "%hs", failure.GetDescription());
+        return Tessal::Accessibility::NotReachable;
+    }
+}
+
+} // namespace
+
+void GigETransportLayer::search()
+{
+    invalidateCache();
+    m_found = searchCameras(m_searches);
+    m_foundIndex.clear();
+    if (m_orvikCameras.size() > maxRemembered) {
+        m_orvikCameras.clear();
+    }
+    for (std::size_t i = 0; i < m_found.size(); ++i) {
+        const FoundCamera& camera = m_found[i];
+        m_foundIndex.emplace(HeardAs(camera.identity.mac, camera.identity.ip, camera.heardBy.address), i);
+        if (Tessal::IsSupportedVendor(camera.identity.manufacturer)) {
+            m_orvikCameras.insert_or_assign(camera.identity.mac, camera.identity);
+        } else {
+            m_orvikCameras.erase(camera.identity.mac);
+        }
+    }
+    m_cachedUntil = Clock::now() + cachedFor;
+}
+
+bool GigETransportLayer::renewCache()
+{
+    const auto now = Clock::now();
+    if (now >= m_cachedUntil) {
+        return false;
+    }
+    m_cachedUntil = now + cachedFor;
+    return true;
+}
+
+int GigETransportLayer::list(Tessal::DeviceInfoList& list, bool append, bool onlyUnicast) const
+{
+    if (!append) {
+        list.clear();
+    }
+    int added = 0;
+    for (const FoundCamera& camera : m_found) {
+        if (camera.answersUnicast || !onlyUnicast) {
+            list.push_back(makeRecord(camera));
+            ++added;
+        }
+    }
+    return added;
+}
+
+int GigETransportLayer::EnumerateDevicesAnySubnet(Tessal::DeviceInfoList& found, bool append)
+{
+    search();
+    return list(found, append, false);
+}
+
+int GigETransportLayer::EnumerateDevices(Tessal::DeviceInfoList& found, bool append)
+{
+    if (!renewCache()) {
+        search();
+    }
+    return list(found, append, true);
+}
+
+Tessal::CDeviceInfo GigETransportLayer::CreateDeviceInfo()
+{
+    return {};
+}
+
+void GigETransportLayer::SetExpectedMac(const GenICam::gcstring& mac)
+{
+    m_expectedMac = net::parseMac(mac.view());
+}
+
+Tessal::ITessalDevice* GigETransportLayer::CreateDevice(const Tessal::CDeviceInfo& info)
+{
+    if (!info.GetPropertyAvailable(Tessal::Key::IpAddress)) {
+        return nullptr;
+    }
+    m_devices.push_back(std::make_unique<Device>(
+        info, [this](net::Ipv4 opening, const std::optional<net::MacAddress>& answered) {
+            invalidateCache();
+            const int adapterIndex = adapterForOpening(m_found, opening, m_expectedMac);
+            if (answered) {
+                checkStillThere(m_found, opening, adapterIndex, *answered);
+            }
+            return adapterIndex;
+        }));
+    return m_devices.back().get();
+}
+
+void GigETransportLayer::DestroyDevice(Tessal::ITessalDevice* device)
+{
+    if (device == nullptr) {
+        return;
+    }
+    const auto destroyed = std::erase_if(m_devices, [&](const auto& owned) { return owned.get() == device; });
+    if (destroyed == 0) {
+        raise<GenICam::LogicalErrorException>("The device was not made by this transport layer");
+    }
+}
+
+const FoundCamera* GigETransportLayer::findCached(const Tessal::CDeviceInfo& info)
+{
+    const auto mac = net::parseMac(property(info, Tessal::Key::MacAddress).view());
+    const auto address = net::parseIpv4(property(info, Tessal::Key::IpAddress).view());
+    // Records that callers have joined name several host addresses; each knows the answer.
+    const GenICam::gcstring hosts = property(info, Tessal::Key::Interface);
+    const auto host = net::parseIpv4(hosts.view().substr(0, hosts.view().find(';')));
+    if (!mac || !address || !host || !renewCache()) {
+        return nullptr;
+    }
+    const auto found = m_foundIndex.find(HeardAs(*mac, *address, *host));
+    return found == m_foundIndex.end() ? nullptr : &m_found[found->second];
+}
+
+bool GigETransportLayer::QueryDeviceAccessibility(const Tessal::CDeviceInfo& info,
+                                                  const Tessal::AccessModeSet&, int* accessibility)
+{
+    int code = Tessal::Accessibility::NotReachable;
+    if (const FoundCamera* known = findCached(info)) {
+        code = known->accessibility;
+    } else if (const auto address = net::parseIpv4(property(info, Tessal::Key::IpAddress).view())) {
+        code = askAccessibility(*address, net::parseMac(property(info, Tessal::Key::MacAddress).view()));
+    }
+    if (accessibility != nullptr) {
+        *accessibility = code;
+    }
+    return code == Tessal::Accessibility::Ok;
+}
+
+} // namespace gige

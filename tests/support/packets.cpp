@@ -1,0 +1,154 @@
+#include "support/packets.h"
+
+#include <QtEndian>
+
+namespace packets {
+
+namespace {
+
+QByteArray word(std::uint32_t value)
+{
+    QByteArray bytes(4, '\0');
+    qToBigEndian(value, bytes.data());
+    return bytes;
+}
+
+QByteArray halfWord(std::uint16_t value)
+{
+    return word(value).last(2);
+}
+
+QByteArray bytesOf(const net::MacAddress& mac)
+{
+    return {reinterpret_cast<const char*>(mac.bytes.data()), std::ssize(mac.bytes)};
+}
+
+QByteArray command(gvcp::Command code, const QByteArray& payload, Reply reply = Reply::Unicast)
+{
+    using namespace gvcp::Flag;
+    QByteArray header;
+    header += static_cast<char>(gvcp::Key);
+    header += static_cast<char>(AckRequired | (reply == Reply::MayBeBroadcast ? AllowBroadcastAck : 0));
+    header += halfWord(static_cast<std::uint16_t>(code));
+    header += halfWord(static_cast<std::uint16_t>(payload.size()));
+    return header + halfWord(1) + payload;
+}
+
+QString nameOf(std::uint16_t code)
+{
+    switch (gvcp::Ack{code}) {
+    case gvcp::Ack::Discovery:
+        return "DISCOVERY";
+    case gvcp::Ack::ForceIp:
+        return "FORCEIP";
+    case gvcp::Ack::ReadReg:
+        return "READREG";
+    case gvcp::Ack::WriteReg:
+        return "WRITEREG";
+    case gvcp::Ack::ReadMem:
+        return "READMEM";
+    case gvcp::Ack::WriteMem:
+        return "WRITEMEM";
+    case gvcp::Ack::Pending:
+        return "PENDING";
+    case gvcp::Ack::BroadcastIpConfig:
+        return "BROADCAST_IPCONFIG";
+    }
+    return "code " + halfWord(code).toHex();
+}
+
+QString nameOf(gvcp::Status status)
+{
+    switch (status) {
+    case gvcp::Status::Success:
+        return "success";
+    case gvcp::Status::NotImplemented:
+        return "not implemented";
+    case gvcp::Status::InvalidParameter:
+        return "invalid parameter";
+    case gvcp::Status::InvalidAddress:
+        return "invalid address";
+    case gvcp::Status::WriteProtected:
+        return "write protected";
+    case gvcp::Status::BadAlignment:
+        return "bad alignment";
+    case gvcp::Status::AccessDenied:
+        return "access denied";
+    case gvcp::Status::Busy:
+        return "busy";
+    default:
+        return "status " + halfWord(static_cast<std::uint16_t>(status)).toHex();
+    }
+}
+
+} // namespace
+
+QByteArray discovery(Reply reply)
+{
+    return command(gvcp::Command::Discovery, {}, reply);
+}
+
+QByteArray forceIp(const net::MacAddress& camera, net::Ipv4 ip, net::Ipv4 mask)
+{
+    const QByteArray gap(12, '\0');
+    const QByteArray payload =
+        halfWord(0) + bytesOf(camera) + gap + word(ip.value) + gap + word(mask.value) + gap + word(0);
+    return command(gvcp::Command::ForceIp, payload, Reply::MayBeBroadcast);
+}
+
+QByteArray readRegisters(const std::vector<std::uint32_t>& addresses)
+{
+    QByteArray payload;
+    for (const std::uint32_t address : addresses) {
+        payload += word(address);
+    }
+    return command(gvcp::Command::ReadReg, payload);
+}
+
+QByteArray writeRegisters(const std::vector<std::pair<std::uint32_t, std::uint32_t>>& values)
+{
+    QByteArray payload;
+    for (const auto& [address, value] : values) {
+        payload += word(address) + word(value);
+    }
+    return command(gvcp::Command::WriteReg, payload);
+}
+
+QByteArray readMemory(std::uint32_t address, std::uint16_t count)
+{
+    return command(gvcp::Command::ReadMem, word(address) + word(count));
+}
+
+QByteArray broadcastIpConfig(const net::MacAddress& camera, std::uint32_t ipConfig, net::Ipv4 ip,
+                             net::Ipv4 mask, net::Ipv4 gateway, const QByteArray& name)
+{
+    return command(gvcp::Command::BroadcastIpConfig,
+                   halfWord(0) + bytesOf(camera) + word(ipConfig) + word(ip.value) + word(mask.value) +
+                       word(gateway.value) + name.leftJustified(16, '\0'),
+                   Reply::MayBeBroadcast);
+}
+
+QByteArray withId(QByteArray message, std::uint16_t id)
+{
+    return message.replace(gvcp::Header::RequestId, 2, halfWord(id));
+}
+
+QString describe(const QByteArray& acknowledge, std::uint16_t id)
+{
+    const auto field = [&](std::size_t offset) {
+        return qFromBigEndian<std::uint16_t>(acknowledge.constData() + offset);
+    };
+    const auto payloadSize = acknowledge.size() - static_cast<qsizetype>(gvcp::HeaderSize);
+    if (payloadSize < 0 || field(gvcp::Header::Length) != payloadSize) {
+        return "no acknowledge";
+    }
+    if (field(gvcp::Header::RequestId) != id) {
+        return "an acknowledge of another request";
+    }
+    const QByteArray payload = acknowledge.sliced(gvcp::HeaderSize).toHex().toUpper();
+    return (nameOf(field(gvcp::Header::Code)) + ' ' + nameOf(gvcp::Status{field(gvcp::Header::Status)}) +
+            ' ' + payload)
+        .trimmed();
+}
+
+} // namespace packets
