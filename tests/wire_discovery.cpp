@@ -265,6 +265,23 @@ private slots:
         }
     }
 
+    void aCameraIsAskedThroughTheAdapterThatHeardIt()
+    {
+        const auto simulator =
+            simulate({adapter("lab0", {"192.168.10.1/24"}, {camera(1, "one", "192.168.10.21")}),
+                      adapter("lab1", {"192.168.10.2/24"}, {camera(2, "two", "192.168.10.21")})});
+        const DeviceLister window;
+        search();
+        for (const char* const mac : {"025E41000001", "025E41000002"}) {
+            Tessal::CDeviceInfo record = cameraAt("192.168.10.21");
+            record.SetPropertyValue(Tessal::Key::MacAddress, mac);
+            int accessibility = -1;
+            DeviceLister::s_pTl->QueryDeviceAccessibility(record, Tessal::EDeviceAccessMode::Control,
+                                                          &accessibility);
+            QCOMPARE(accessibility, Tessal::Accessibility::Ok);
+        }
+    }
+
     void saysOnceWhenTheSystemHidesCameras()
     {
         const Simulator simulator("test-discovery");

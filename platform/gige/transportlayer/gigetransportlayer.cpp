@@ -38,15 +38,16 @@ net::MacAddress readMac(CameraPort& port)
     return mac;
 }
 
-/// Asks the camera itself who controls it. A camera with another MAC address than `mac` is not the one that
-/// is meant; one that does not let its MAC address be read is taken for it only as not being free.
-int askAccessibility(net::Ipv4 address, const std::optional<net::MacAddress>& mac)
+/// Asks the camera itself who controls it, through the adapter with that index, 0 for any. A camera with
+/// another MAC address than `mac` is not the one that is meant; one that does not let its MAC address be read
+/// is taken for it only as not being free.
+int askAccessibility(net::Ipv4 address, int adapterIndex, const std::optional<net::MacAddress>& mac)
 {
     if (address == net::Ipv4{}) { // for the kernel this computer itself
         return Tessal::Accessibility::NotReachable;
     }
     try {
-        CameraPort port(address);
+        CameraPort port(address, adapterIndex);
         port.setPlan(quickPlan());
         const TimeLimit limit(port, 2s); // for all questions together, however much time the camera asks for
         if (mac && readMac(port) != *mac) {
@@ -140,11 +141,12 @@ Tessal::ITessalDevice* GigETransportLayer::CreateDevice(const Tessal::CDeviceInf
         return nullptr;
     }
     m_devices.push_back(std::make_unique<Device>(
-        info, [this](net::Ipv4 opening, const std::optional<net::MacAddress>& answered) {
+        info,
+        [this, expected = m_expectedMac](net::Ipv4 opening, const std::optional<net::MacAddress>& answered) {
             invalidateCache();
-            const int adapterIndex = adapterForOpening(m_found, opening, m_expectedMac);
+            const int adapterIndex = adapterForOpening(m_found, opening, expected);
             if (answered) {
-                checkStillThere(m_found, opening, adapterIndex, *answered);
+                checkAnswered(m_found, opening, adapterIndex, expected, *answered);
             }
             return adapterIndex;
         }));
@@ -183,7 +185,8 @@ bool GigETransportLayer::QueryDeviceAccessibility(const Tessal::CDeviceInfo& inf
     if (const FoundCamera* known = findCached(info)) {
         code = known->accessibility;
     } else if (const auto address = net::parseIpv4(property(info, Tessal::Key::IpAddress).view())) {
-        code = askAccessibility(*address, net::parseMac(property(info, Tessal::Key::MacAddress).view()));
+        const auto mac = net::parseMac(property(info, Tessal::Key::MacAddress).view());
+        code = askAccessibility(*address, adapterThatHeard(m_found, *address, mac), mac);
     }
     if (accessibility != nullptr) {
         *accessibility = code;

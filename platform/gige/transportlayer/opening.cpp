@@ -42,6 +42,18 @@ void prefer(Candidates& candidates, const Condition& condition)
                                          "; one of them needs another address first");
 }
 
+[[noreturn]] void raiseAnotherAnswers(net::Ipv4 address, const net::MacAddress& expected,
+                                      const net::MacAddress& answered)
+{
+    raise<GenICam::RuntimeException>({.kind = Tessal::FailureKind::AnotherCameraAnswers,
+                                      .address = net::formatIpv4(address),
+                                      .mac = net::formatMac(expected),
+                                      .other = net::formatMac(answered)},
+                                     "The address " + net::formatIpv4(address) +
+                                         " was that of the camera with MAC " + net::formatMac(expected) +
+                                         " and is now that of the one with MAC " + net::formatMac(answered));
+}
+
 } // namespace
 
 int adapterForOpening(std::span<const FoundCamera> found, net::Ipv4 address,
@@ -68,9 +80,24 @@ int adapterForOpening(std::span<const FoundCamera> found, net::Ipv4 address,
     return chosen.heardBy.adapterIndex;
 }
 
-void checkStillThere(std::span<const FoundCamera> found, net::Ipv4 address, int adapterIndex,
-                     const net::MacAddress& answered)
+int adapterThatHeard(std::span<const FoundCamera> found, net::Ipv4 address,
+                     const std::optional<net::MacAddress>& mac)
 {
+    Candidates candidates = camerasAt(found, address);
+    prefer(candidates, [&](const FoundCamera* camera) { return camera->identity.mac == mac; });
+    prefer(candidates, [](const FoundCamera* camera) { return camera->answersUnicast; });
+    return candidates.empty() ? 0 : candidates.front()->heardBy.adapterIndex;
+}
+
+void checkAnswered(std::span<const FoundCamera> found, net::Ipv4 address, int adapterIndex,
+                   const std::optional<net::MacAddress>& expected, const net::MacAddress& answered)
+{
+    if (expected) {
+        if (*expected != answered) {
+            raiseAnotherAnswers(address, *expected, answered);
+        }
+        return;
+    }
     Candidates candidates = camerasAt(found, address);
     std::erase_if(candidates,
                   [&](const FoundCamera* camera) { return camera->heardBy.adapterIndex != adapterIndex; });
@@ -79,14 +106,7 @@ void checkStillThere(std::span<const FoundCamera> found, net::Ipv4 address, int 
         })) {
         return;
     }
-    const std::string mac = net::formatMac(candidates.front()->identity.mac);
-    raise<GenICam::RuntimeException>({.kind = Tessal::FailureKind::AnotherCameraAnswers,
-                                      .address = net::formatIpv4(address),
-                                      .mac = mac,
-                                      .other = net::formatMac(answered)},
-                                     "The address " + net::formatIpv4(address) +
-                                         " was that of the camera with MAC " + mac +
-                                         " and is now that of the one with MAC " + net::formatMac(answered));
+    raiseAnotherAnswers(address, candidates.front()->identity.mac, answered);
 }
 
 } // namespace gige

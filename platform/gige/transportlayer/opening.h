@@ -14,9 +14,15 @@ namespace gige {
 [[nodiscard]] int adapterForOpening(std::span<const FoundCamera> found, net::Ipv4 address,
                                     const std::optional<net::MacAddress>& expected);
 
-/// Throws RuntimeException if the latest search heard only another camera there, through this adapter: leases
-/// may have changed hands.
-void checkStillThere(std::span<const FoundCamera> found, net::Ipv4 address, int adapterIndex,
-                     const net::MacAddress& answered);
+/// The index of the adapter through which the latest search heard the camera at this address; 0, for any, if
+/// it heard none there.
+[[nodiscard]] int adapterThatHeard(std::span<const FoundCamera> found, net::Ipv4 address,
+                                   const std::optional<net::MacAddress>& mac);
+
+/// Throws RuntimeException if the camera that answers at the address is not the expected one. If none is
+/// expected, it must be one that the latest search heard there through this adapter, unless it heard none:
+/// leases may have changed hands.
+void checkAnswered(std::span<const FoundCamera> found, net::Ipv4 address, int adapterIndex,
+                   const std::optional<net::MacAddress>& expected, const net::MacAddress& answered);
 
 } // namespace gige
