@@ -46,7 +46,8 @@ QString nameOf(Tessal::FailureKind kind)
                                                           {AskedForMoreTime, "asked for more time"},
                                                           {Refused, "refused"},
                                                           {Busy, "busy"},
-                                                          {NotKept, "not kept"}};
+                                                          {NotKept, "not kept"},
+                                                          {ControlledElsewhere, "controlled elsewhere"}};
     return names.value(kind, "another kind");
 }
 
@@ -177,6 +178,8 @@ private slots:
               "busy: control");
         fault("control given, and said to be busy", R"("misreport": {"0x0A00": "8007"})", message,
               "busy: control");
+        fault("control given, and said to be denied", R"("misreport": {"0x0A00": "8006"})",
+              "AccessException, ", "controlled elsewhere: control");
         fault("control given without a word", R"("misreport": {"0x0A00": "nothing"})", message,
               "no answer: control");
         fault("asks for another minute again and again", R"("onlyPendingMs": {"WRITEREG": 60000})", message,
@@ -196,6 +199,8 @@ private slots:
             exception = "LogicalErrorException, " + told(failure);
         } catch (const GenICam::TimeoutException& failure) {
             exception = "TimeoutException, " + told(failure);
+        } catch (const GenICam::AccessException& failure) {
+            exception = "AccessException, " + told(failure);
         } catch (const GenICam::GenericException& failure) {
             exception = "another, " + told(failure);
         }

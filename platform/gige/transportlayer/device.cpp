@@ -89,23 +89,34 @@ void giveBackControl(CameraPort& port, std::chrono::seconds time)
                                         (other.empty() ? "" : " (on " + other + ")"));
 }
 
+/// For an opening that failed, also one that has used up its time.
+void tryToGiveBackControl(CameraPort& port)
+{
+    const RegisterPort::TimePoint deadline = port.deadline();
+    port.setDeadline(RegisterPort::TimePoint::max());
+    try {
+        giveBackControl(port, releasingTime);
+    } catch (const GenICam::GenericException& failure) {
+        logRequest(ozlog::LogLevel::Info, "%hs", failure.GetDescription());
+    }
+    port.setDeadline(deadline);
+}
+
 /// Leaves the camera free when it fails.
 void takeControl(CameraPort& port)
 {
     try {
         port.writeRegister(gvcp::Register::ControlChannelPrivilege, gvcp::Privilege::Control);
     } catch (const GenICam::AccessException&) {
+        // A camera that grants control and loses the answer may refuse the repeat. Another program of this
+        // computer does not lose its control by that: it is not ours to give back.
+        if (holderOf(port) == port.hostAddress()) {
+            tryToGiveBackControl(port);
+        }
         raiseControlledElsewhere(port);
     } catch (const GenICam::GenericException&) {
         // The camera may have granted it all the same: the answer was lost, or said something else.
-        const RegisterPort::TimePoint deadline = port.deadline();
-        port.setDeadline(RegisterPort::TimePoint::max());
-        try {
-            giveBackControl(port, releasingTime);
-        } catch (const GenICam::GenericException& failure) {
-            logRequest(ozlog::LogLevel::Info, "%hs", failure.GetDescription());
-        }
-        port.setDeadline(deadline);
+        tryToGiveBackControl(port);
         throw;
     }
 }
