@@ -15,10 +15,17 @@
 namespace {
 
 /// What reading a register does instead.
-using Fault = void (*)();
-constexpr Fault refuse = [] { gige::raise<gige::RefusalException>("no such register"); };
-constexpr Fault deny = [] { gige::raise<GenICam::AccessException>("no such register"); };
-constexpr Fault keepSilent = [] { gige::raise<GenICam::TimeoutException>("no such register"); };
+using Fault = void (*)(gige::RegisterPort&);
+constexpr Fault refuse = [](gige::RegisterPort&) { gige::raise<gige::RefusalException>("no such register"); };
+constexpr Fault deny = [](gige::RegisterPort&) { gige::raise<GenICam::AccessException>("no such register"); };
+constexpr Fault keepSilent = [](gige::RegisterPort&) {
+    gige::raise<GenICam::TimeoutException>("no such register");
+};
+
+constexpr Fault outlastTheLimit = [](gige::RegisterPort& port) {
+    port.setDeadline(std::chrono::steady_clock::now());
+    gige::raise<GenICam::TimeoutException>("no answer in time");
+};
 
 /// The first registers of a camera, at first 0; what is beyond them is refused. From 0x10000 on there is
 /// memory, in which no register can be read.
@@ -28,7 +35,7 @@ struct FakePort : gige::RegisterPort
     void read(std::uint32_t address, std::span<std::uint8_t> to) override
     {
         if (address >= 0x10000 && to.size() <= 4) {
-            refuse();
+            refuse(*this);
         }
         readMemory(address, to);
     }
@@ -36,10 +43,10 @@ struct FakePort : gige::RegisterPort
     {
         ++reads;
         if (faults.contains(address)) {
-            faults[address]();
+            faults[address](*this);
         }
         if (std::cmp_greater(address + to.size(), memory.size())) {
-            refuse();
+            refuse(*this);
         }
         std::copy_n(memory.cbegin() + address, to.size(), to.begin());
     }
@@ -343,6 +350,13 @@ private slots:
         row("bits outside",
             userId(atA) + node("MaskedIntReg", "A", {{"Address", "0x2000"}, {"Length", "4"}, {"Bit", "32"}}),
             "'A' has a bit field outside of its register");
+        row("an address in a register that must not be read",
+            userId(atA) + node("IntReg", "A", {{"Address", "0x9000"}, {"Length", "4"}}),
+            "'A' cannot be read: no such register");
+        row("a length in a register that takes longer than there is time",
+            userId({{"Address", "0x1000"}, {"pLength", "A"}}) +
+                node("IntReg", "A", {{"Address", "0x9004"}, {"Length", "4"}}),
+            "'A' takes too long to be read: no answer in time");
         row("not in the camera's registers",
             node("StringReg", "DeviceUserID", place + Children{{"pPort", "P"}}) +
                 node("Port", "P", {{"ChunkID", "1"}}),
@@ -360,6 +374,8 @@ private slots:
             FakePort port;
             putFile(port, descriptionOf(nodes));
             port.put(gvcp::Register::Capability, hasRegister ? "\x80" : "\x7F");
+            port.faults[0x9000] = deny;
+            port.faults[0x9004] = outlastTheLimit;
             const auto map = gige::makeNodeMap(port);
             const GenApi::CPointer<GenApi::IString> name(map->GetNode("DeviceUserID"));
             const QString result = resultOf([&] {

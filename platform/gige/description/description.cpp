@@ -9,11 +9,17 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <chrono>
 #include <vector>
 
 namespace gige {
 
 namespace {
+
+using namespace std::chrono_literals;
+
+// The user waits meanwhile, and a camera that needs minutes for its description shows it by then.
+constexpr auto paceKnownAfter = 2s;
 
 std::string lowered(std::string_view text)
 {
@@ -60,11 +66,19 @@ std::string readFile(RegisterPort& port, const DescriptionUrl& url, const TimeLi
 {
     std::string file;
     file.reserve(url.length);
+    const auto start = std::chrono::steady_clock::now();
+    const std::chrono::duration<double> available = port.deadline() - start;
+    const auto willBeLate = [&](RegisterPort::TimePoint now) {
+        const double done = static_cast<double>(file.size()) / static_cast<double>(url.length);
+        return std::chrono::duration<double>(now - start) > available * done;
+    };
     std::array<std::uint8_t, gvcp::MaxDataSize> block{};
     while (file.size() < url.length) {
-        if (limit.isOver()) {
+        const auto now = std::chrono::steady_clock::now();
+        if (limit.isOver() || (now - start >= paceKnownAfter && willBeLate(now))) {
             throw DescriptionError(std::to_string(file.size()) + " of " + std::to_string(url.length) +
-                                   " bytes took all the time that there is for it");
+                                   " bytes took " + std::to_string((now - start) / 1ms) +
+                                   " ms, which is too slow");
         }
         const auto part = std::span(block).first(std::min(block.size(), url.length - file.size()));
         port.readMemory(url.address + static_cast<std::uint32_t>(file.size()), part);

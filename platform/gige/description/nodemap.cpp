@@ -17,10 +17,10 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// From the first request to the last node ten seconds, since the window waits meanwhile: these and the two
-// that a node may take. A description of 1 MiB is read in a second from a camera that answers within half a
-// millisecond.
-constexpr auto loadingTime = 8s;
+// From the first request to the last ten seconds, since the window waits meanwhile: these, the two that a
+// node may take, and one for the camera to tell whether it has a standard name register. A description of 1
+// MiB is read in a second from a camera that answers within half a millisecond.
+constexpr auto loadingTime = 7s;
 
 constexpr char userIdName[] = "DeviceUserID";
 

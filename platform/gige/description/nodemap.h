@@ -9,7 +9,7 @@ namespace gige {
 class RegisterPort;
 
 /// The features of an opened camera. They come from the GenICam description that the camera carries. Where
-/// none can be had within eight seconds, or it does not tell how to reach "DeviceUserID", the standard name
+/// none can be had within seven seconds, or it does not tell how to reach "DeviceUserID", the standard name
 /// register serves as that feature if the camera says that it has one; without a description there is no
 /// other feature. Never null. The description is read when the first feature is asked for; a node reads
 /// nothing before it is used. `port` must outlive the map.

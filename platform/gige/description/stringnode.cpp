@@ -32,6 +32,7 @@ constexpr auto evaluationTime = 2s; // for the registers on which an address or 
 
 std::string StringRegister::read() const
 {
+    const TimeLimit limit(m_port, MaxOperationTime);
     std::vector<std::uint8_t> field(m_range.length);
     m_port.readMemory(m_range.address, field);
     return {field.begin(), std::ranges::find(field, 0)};

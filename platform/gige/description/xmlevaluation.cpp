@@ -153,10 +153,6 @@ bool XmlEvaluation::condition(pugi::xml_node of, std::string_view reference, boo
         return value(node(of, trimmed(child.child_value()))) != 0;
     } catch (const Unresolvable&) {
         return otherwise;
-    } catch (const RefusalException&) {
-        return otherwise;
-    } catch (const GenICam::AccessException&) {
-        return otherwise;
     }
 }
 
@@ -201,7 +197,18 @@ std::int64_t XmlEvaluation::registerValue(pugi::xml_node of)
     const Field field = fieldOf(of, bigEndian, place.length);
     std::array<std::uint8_t, 8> buffer{};
     const auto octets = std::span(buffer).first(place.length);
-    m_port.read(place.address, octets);
+    try {
+        m_port.read(place.address, octets);
+    } catch (const RefusalException& refusal) {
+        fail(of, "cannot be read: " + std::string(refusal.GetDescription()));
+    } catch (const GenICam::AccessException& refusal) {
+        fail(of, "cannot be read: " + std::string(refusal.GetDescription()));
+    } catch (const GenICam::TimeoutException& silence) {
+        if (std::chrono::steady_clock::now() < m_port.deadline()) {
+            throw;
+        }
+        fail(of, "takes too long to be read: " + std::string(silence.GetDescription()));
+    }
     if (!bigEndian) {
         std::ranges::reverse(octets);
     }
