@@ -74,7 +74,7 @@ bool AdapterSearch::wantsRound(const SearchPace& pace, Clock::time_point now, Cl
 
 bool AdapterSearch::asksSubnet() const
 {
-    return m_rounds.empty() || m_rounds.size() >= usualRounds();
+    return m_rounds.size() < Pace::RoundsToSubnet || m_rounds.size() >= usualRounds();
 }
 
 const Request& AdapterSearch::beginRound(Clock::time_point now)

@@ -45,6 +45,9 @@ inline constexpr milliseconds RoundInterval{30};
 /// Questions that every camera is asked, however well the line works: those that none is heard of may have
 /// been lost to a camera that is not known yet.
 inline constexpr std::size_t MinQuestions = 4;
+/// So many of them go to the subnet's own broadcast address as well, as do all that are asked beyond: a
+/// camera that hears only those is asked twice, and one with a slow work queue is not kept busy by copies.
+inline constexpr std::size_t RoundsToSubnet = 2;
 /// Each of several host addresses of one adapter asks as often, at least.
 inline constexpr std::size_t MinRounds = 2;
 /// Only then the cameras behind an adapter are asked further because none is heard, or one is missing that
