@@ -174,7 +174,7 @@ bool UnicastProbe::send(Queue& queue, std::size_t index, Clock::time_point now)
                       "The kernel's neighbour table (net.ipv4.neigh.default.gc_thresh3) has no room to ask "
                       "all cameras; the others count as not reachable.");
         }
-        settle(question, notReachable);
+        tryNextAdapter(question, index);
         return true;
     }
     const int error = m_socket.sendTo(question.request.packet(), {question.camera.address, gvcp::Port},
@@ -184,19 +184,28 @@ bool UnicastProbe::send(Queue& queue, std::size_t index, Clock::time_point now)
         m_pausedUntil = now + fullSocketPause;
         return false;
     }
-    ++question.sent;
     if (error == 0) {
+        ++question.sent;
         m_neighbours.add({adapter, question.camera.address});
         question.sentThrough = adapter;
         question.underWay = true;
         ++queue.underWay;
         m_repeats.push({now + question.repeatInterval, index, question.request.id()});
-    } else if (question.sent >= question.adapters.size()) {
-        settle(question, notReachable);
+    } else {
+        tryNextAdapter(question, index);
+    }
+    return true;
+}
+
+/// After the adapter whose turn it is could not send. What the camera has said before stands.
+void UnicastProbe::tryNextAdapter(Question& question, std::size_t index)
+{
+    ++question.sent;
+    if (question.sent >= question.adapters.size()) {
+        settle(question, question.answer);
     } else {
         queueOf(question).waiting.push_back(index);
     }
-    return true;
 }
 
 /// The question is no longer under way.

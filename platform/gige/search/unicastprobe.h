@@ -107,6 +107,7 @@ private:
     [[nodiscard]] Queue& queueOf(const Question& question);
     /// Whether the next of the queue may be sent too.
     [[nodiscard]] bool send(Queue& queue, std::size_t index, Clock::time_point now);
+    void tryNextAdapter(Question& question, std::size_t index);
     void land(Question& question);
     void settle(Question& question, const Answer& answer);
     void handle(const Datagram& datagram, Clock::time_point now);
