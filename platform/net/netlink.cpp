@@ -1,5 +1,7 @@
 #include "net/netlink.h"
 
+#include "net/errors.h"
+
 #include <linux/netlink.h>
 #include <linux/rtnetlink.h>
 #include <sys/socket.h>
@@ -23,7 +25,7 @@ std::size_t aligned(std::size_t size)
 
 [[noreturn]] void fail(int error, const std::string& what)
 {
-    throw std::system_error(error, std::generic_category(), what);
+    throw std::system_error(error, errnoCategory(), what);
 }
 
 /// Hands on the messages in what was received. Gives the kernel's error number, 0 for success, once the

@@ -2,6 +2,7 @@
 
 #include "errors.h"
 #include "log.h"
+#include "net/errors.h"
 
 #include <algorithm>
 
@@ -60,7 +61,7 @@ void Broadcaster::send(std::size_t channel, gvcp::Bytes packet, bool asksSubnet)
             return false;
         }
         const bool mayPass = isTransientSendError(error);
-        fail({.host = from.host, .reason = describeErrno(error), .hasPassed = mayPass});
+        fail({.host = from.host, .reason = net::describeErrno(error), .hasPassed = mayPass});
         return !mayPass;
     });
 }

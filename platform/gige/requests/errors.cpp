@@ -49,11 +49,6 @@ bool isRefusal(const std::exception& exception)
     return failure != nullptr && failure->kind == Tessal::FailureKind::Refused;
 }
 
-std::string describeErrno(int error)
-{
-    return std::generic_category().message(error);
-}
-
 std::string describeStatus(gvcp::Status status)
 {
     std::array<char, 8> code{};

@@ -66,9 +66,6 @@ template <typename E>
 /// Whether the camera refused what was asked, for another reason than that it was busy.
 [[nodiscard]] bool isRefusal(const std::exception& exception);
 
-/// The operating system's words for an errno value.
-[[nodiscard]] std::string describeErrno(int error);
-
 /// What a camera means by the status, with its hexadecimal code: "the register is write protected (8004)".
 [[nodiscard]] std::string describeStatus(gvcp::Status status);
 

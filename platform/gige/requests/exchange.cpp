@@ -2,6 +2,7 @@
 
 #include "errors.h"
 #include "log.h"
+#include "net/errors.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -78,13 +79,25 @@ void Exchange::send(const Request& request)
     }
     if (error != 0 && !isEarlierPacketsError(error) && !isTransientSendError(error)) {
         Tessal::Failure cannotSend = failure(Tessal::FailureKind::CannotSend);
-        cannotSend.reason = describeErrno(error);
+        cannotSend.reason = net::describeErrno(error);
         raise<SocketException>(std::move(cannotSend),
-                               prefix() + "this computer could not send it: " + describeErrno(error));
+                               prefix() + "this computer could not send it: " + net::describeErrno(error));
     }
     if (error != 0) {
-        logRequest(ozlog::LogLevel::Info, "%hs%hs", prefix().c_str(), describeErrno(error).c_str());
+        logRequest(ozlog::LogLevel::Info, "%hs%hs", prefix().c_str(), net::describeErrno(error).c_str());
     }
+}
+
+/// Whether it answers an earlier request about registers: a camera that is slow answers every repeat.
+bool Exchange::isLate(gvcp::Bytes datagram) const
+{
+    constexpr int recently = 256; // requests
+    const auto acknowledge = gvcp::decodeAcknowledge(datagram);
+    if (!acknowledge || acknowledge->code == gvcp::Ack::Discovery) {
+        return false;
+    }
+    const auto age = static_cast<std::uint16_t>(m_request.id() - acknowledge->requestId);
+    return age > 0 && age < recently;
 }
 
 bool Exchange::take(gvcp::Bytes datagram)
@@ -92,7 +105,9 @@ bool Exchange::take(gvcp::Bytes datagram)
     const Reply reply = m_request.judge(datagram);
     switch (reply.kind) {
     case Reply::Kind::NotOurs:
-        m_unmatchedPackets += m_heartbeat.judge(datagram).kind == Reply::Kind::NotOurs ? 1 : 0;
+        if (m_heartbeat.judge(datagram).kind == Reply::Kind::NotOurs && !isLate(datagram)) {
+            ++m_unmatchedPackets;
+        }
         return false;
     case Reply::Kind::Pending:
         m_attempts.extend(reply.moreTime, Clock::now());

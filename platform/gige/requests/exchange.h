@@ -40,6 +40,7 @@ private:
     void send(const Request& request);
     /// Whether the packet ends the exchange; if so, m_answer is set.
     [[nodiscard]] bool take(gvcp::Bytes datagram);
+    [[nodiscard]] bool isLate(gvcp::Bytes datagram) const;
     [[nodiscard]] Clock::time_point nextEvent() const;
     [[nodiscard]] std::string prefix() const;
     [[nodiscard]] Tessal::Failure failure(Tessal::FailureKind kind) const;

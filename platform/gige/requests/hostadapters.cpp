@@ -2,6 +2,7 @@
 
 #include "errors.h"
 #include "log.h"
+#include "net/errors.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -43,8 +44,9 @@ AdapterList listAdapters()
 {
     ifaddrs* first = nullptr;
     if (::getifaddrs(&first) != 0) {
-        raise<SocketException>({.kind = Tessal::FailureKind::CannotSend, .reason = describeErrno(errno)},
-                               "Cannot list the network adapters of this computer: " + describeErrno(errno));
+        raise<SocketException>({.kind = Tessal::FailureKind::CannotSend, .reason = net::describeErrno(errno)},
+                               "Cannot list the network adapters of this computer: " +
+                                   net::describeErrno(errno));
     }
     return {first, &::freeifaddrs};
 }

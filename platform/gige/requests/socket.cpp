@@ -1,6 +1,7 @@
 #include "socket.h"
 
 #include "errors.h"
+#include "net/errors.h"
 #include "net/routes.h"
 
 #include <array>
@@ -36,7 +37,7 @@ Endpoint fromSockaddr(const sockaddr_in& address)
 /// `peer` is the camera's address, if it is about one.
 [[noreturn]] void failWithErrno(const std::string& what, const std::string& peer = {})
 {
-    const std::string reason = describeErrno(errno);
+    const std::string reason = net::describeErrno(errno);
     raise<SocketException>({.kind = Tessal::FailureKind::CannotSend, .address = peer, .reason = reason},
                            what + ": " + reason);
 }

@@ -16,9 +16,9 @@ using Clock = std::chrono::steady_clock;
 
 using net::Endpoint;
 
-/// For one datagram: more than a frame carries. The longest answer that is needed has 524 bytes, but cameras
-/// may send more.
-using ReceiveBuffer = std::array<std::uint8_t, 2048>;
+/// For one datagram, the largest there is. The longest answer that is needed has 524 bytes, but what a camera
+/// adds to it may come in several fragments, and one that is cut off contradicts its own length.
+using ReceiveBuffer = std::array<std::uint8_t, 65536>;
 
 /// The adapter to leave by and the host address to name as the source.
 struct Origin
