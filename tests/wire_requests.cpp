@@ -140,6 +140,8 @@ private slots:
             << QByteArray(R"("emptyWriteAcks": true)") << nothing;
         QTest::newRow("that grants WRITEMEM and refuses it")
             << QByteArray(R"("refuse": {"WRITEMEM": "8001"})") << QStringList{"WRITEMEM"};
+        QTest::newRow("that grants WRITEMEM and denies it")
+            << QByteArray(R"("refuse": {"WRITEMEM": "8006"})") << QStringList{"WRITEMEM"};
         QTest::newRow("that does not know WRITEMEM") << QByteArray(R"("knowsWriteMem": false)") << nothing;
     }
 

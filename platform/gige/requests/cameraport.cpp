@@ -164,7 +164,7 @@ void CameraPort::write(std::uint32_t address, std::span<const std::uint8_t> from
             from.first(m_writeMemGranted ? std::min(from.size(), gvcp::MaxDataSize) : gvcp::RegisterSize);
         try {
             writeBlock(address, block);
-        } catch (const RefusalException& refusal) {
+        } catch (const GenICam::GenericException& refusal) {
             if (block.size() == gvcp::RegisterSize || !isRefusal(refusal)) {
                 throw;
             }
