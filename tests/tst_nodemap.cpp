@@ -429,8 +429,12 @@ private slots:
     {
         FakePort port;
         port.faults[gvcp::Register::FirstUrl] = keepSilent;
+        port.faults[gvcp::Register::Capability] = keepSilent;
         QVERIFY_THROWS_EXCEPTION(GenICam::TimeoutException,
                                  static_cast<void>(gige::makeNodeMap(port)->GetNode("DeviceUserID")));
+        port.faults.erase(gvcp::Register::Capability); // then only its description cannot be had
+        port.put(gvcp::Register::Capability, "\x80");
+        QVERIFY(gige::makeNodeMap(port)->GetNode("DeviceUserID") != nullptr);
     }
 
     void aNameIsReadBack_data()

@@ -150,9 +150,6 @@ std::unique_ptr<XmlDescription> loadDescription(RegisterPort& port, std::chrono:
         } catch (const GenICam::AccessException& refusal) {
             reasons += refusal.GetDescription();
         } catch (const GenICam::TimeoutException& silence) {
-            if (!limit.isOver()) {
-                throw;
-            }
             reasons += silence.GetDescription();
         }
     }

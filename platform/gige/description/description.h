@@ -33,8 +33,8 @@ struct DescriptionUrl
 [[nodiscard]] DescriptionUrl parseDescriptionUrl(std::string_view text);
 
 /// The description at the camera's first URL or, if that is of no use, at its second. Throws DescriptionError
-/// with the reasons for both, or when it is not there within `time`; failures of the transport other than
-/// refusals arrive as they are.
+/// with the reasons for both, such as silence, or when it is not there within `time`; that this computer
+/// cannot send arrives as it is.
 [[nodiscard]] std::unique_ptr<XmlDescription> loadDescription(RegisterPort& port,
                                                               std::chrono::milliseconds time);
 

@@ -36,6 +36,7 @@ class DescribedText : public NamedNode, public GenApi::IString
     template <typename Operation>
     auto use(Operation operation)
     {
+        const TimeLimit limit(m_port, m_port.featureTime());
         std::string reason;
         try {
             return operation(m_described);
@@ -57,6 +58,7 @@ public:
     DescribedText(pugi::xml_node element, const XmlDescription& description, RegisterPort& port,
                   StandardName* standIn)
         : NamedNode(element.attribute("Name").value()),
+          m_port(port),
           m_described(element, description, port),
           m_standIn(standIn)
     {}
@@ -75,6 +77,7 @@ public:
     }
 
 private:
+    RegisterPort& m_port;
     XmlStringNode m_described;
     StandardName* m_standIn;
 };
@@ -155,7 +158,10 @@ public:
     [[nodiscard]] GenApi::INode* GetNode(const GenICam::gcstring& name) const override
     {
         if (m_map == nullptr) {
+            const auto start = std::chrono::steady_clock::now();
             m_map = readNodeMap(m_port);
+            m_port.setSpentOnFeatures(std::chrono::duration_cast<std::chrono::milliseconds>(
+                std::chrono::steady_clock::now() - start));
         }
         return m_map->GetNode(name);
     }

@@ -32,7 +32,7 @@ constexpr auto evaluationTime = 2s; // for the registers on which an address or 
 
 std::string StringRegister::read() const
 {
-    const TimeLimit limit(m_port, MaxOperationTime);
+    const TimeLimit limit(m_port, m_port.featureTime());
     std::vector<std::uint8_t> field(m_range.length);
     m_port.readMemory(m_range.address, field);
     return {field.begin(), std::ranges::find(field, 0)};
@@ -48,7 +48,7 @@ void StringRegister::write(std::string_view text) const
             "A text of " + std::to_string(text.size()) + " bytes was given; the camera takes up to " +
                 std::to_string(m_range.length) + " bytes other than NUL.");
     }
-    const TimeLimit limit(m_port, MaxOperationTime);
+    const TimeLimit limit(m_port, m_port.featureTime());
     constexpr std::size_t Word = gvcp::RegisterSize;
     const std::size_t before = m_range.address % Word;
     const std::size_t end = before + m_range.length;

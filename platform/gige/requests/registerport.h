@@ -37,7 +37,19 @@ public:
     [[nodiscard]] TimePoint deadline() const { return m_deadline; }
     void setDeadline(TimePoint deadline) { m_deadline = deadline; }
 
+    /// What is left of MaxOperationTime for the use of a feature: to find out where it is may have taken
+    /// long.
+    [[nodiscard]] std::chrono::milliseconds featureTime() const
+    {
+        return MaxOperationTime - m_spentOnFeatures;
+    }
+    void setSpentOnFeatures(std::chrono::milliseconds spent)
+    {
+        m_spentOnFeatures = std::min<std::chrono::milliseconds>(spent, MaxOperationTime);
+    }
+
 private:
+    std::chrono::milliseconds m_spentOnFeatures{};
     TimePoint m_deadline = TimePoint::max();
 };
 
