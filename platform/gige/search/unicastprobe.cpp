@@ -102,6 +102,13 @@ void UnicastProbe::ask(const Camera& camera, int adapterIndex, Clock::duration l
     giveTime(question, lateness);
     if (std::ranges::find(question.adapters, adapterIndex) == question.adapters.end()) {
         question.adapters.push_back(adapterIndex);
+        if (std::exchange(question.hasNoWay, false)) {
+            question.settled = false;
+            question.failures = 0;
+            question.sent = question.adapters.size() - 1;
+            queueOf(question).waiting.push_back(known->second);
+            sendDue(now);
+        }
     }
 }
 
@@ -174,7 +181,7 @@ bool UnicastProbe::send(Queue& queue, std::size_t index, Clock::time_point now)
                       "The kernel's neighbour table (net.ipv4.neigh.default.gc_thresh3) has no room to ask "
                       "all cameras; the others count as not reachable.");
         }
-        tryNextAdapter(question, index);
+        tryNextAdapter(question, index, now);
         return true;
     }
     const int error = m_socket.sendTo(question.request.packet(), {question.camera.address, gvcp::Port},
@@ -186,25 +193,33 @@ bool UnicastProbe::send(Queue& queue, std::size_t index, Clock::time_point now)
     }
     if (error == 0) {
         ++question.sent;
+        question.wasSent = true;
+        question.failures = 0;
         m_neighbours.add({adapter, question.camera.address});
         question.sentThrough = adapter;
         question.underWay = true;
         ++queue.underWay;
         m_repeats.push({now + question.repeatInterval, index, question.request.id()});
     } else {
-        tryNextAdapter(question, index);
+        tryNextAdapter(question, index, now);
     }
     return true;
 }
 
-/// After the adapter whose turn it is could not send. What the camera has said before stands.
-void UnicastProbe::tryNextAdapter(Question& question, std::size_t index)
+/// After the adapter whose turn it is could not send. What the camera has said before stands, and what was
+/// sent through another adapter may still be answered.
+void UnicastProbe::tryNextAdapter(Question& question, std::size_t index, Clock::time_point now)
 {
     ++question.sent;
-    if (question.sent >= question.adapters.size()) {
-        settle(question, question.answer);
-    } else {
+    ++question.failures;
+    if (question.failures < question.adapters.size()) {
         queueOf(question).waiting.push_back(index);
+    } else if (question.wasSent) {
+        question.failures = 0;
+        m_repeats.push({now + question.repeatInterval, index, question.request.id()});
+    } else {
+        question.hasNoWay = true;
+        settle(question, question.answer);
     }
 }
 
@@ -356,6 +371,8 @@ void UnicastProbe::askFurther(std::size_t index, Step step, std::uint32_t addres
     question.step = step;
     question.request = Request::readRegister(address);
     question.repeating = true;
+    question.wasSent = false;
+    question.failures = 0;
     question.sent = static_cast<std::size_t>(std::ranges::find(question.adapters, question.heardThrough) -
                                              question.adapters.begin());
     m_byRequestId.emplace(question.request.id(), index);

@@ -77,8 +77,11 @@ private:
         Clock::time_point openUntil;
         Step step = Step::Privilege;
         Request request = Request::readRegister(gvcp::Register::ControlChannelPrivilege);
-        std::size_t sent = 0;
-        int sentThrough = 0; // adapter indices
+        std::size_t sent = 0;     // also in vain; the adapters take turns
+        std::size_t failures = 0; // to send, one after the other
+        bool wasSent = false;     // in this step
+        bool hasNoWay = false;    // settled because no adapter could send it
+        int sentThrough = 0;      // adapter indices
         int heardThrough = 0;
         bool underWay = false; // sent, and neither answered nor due for its repeat
         bool settled = false;  // answered, or there is no way to the camera
@@ -107,7 +110,7 @@ private:
     [[nodiscard]] Queue& queueOf(const Question& question);
     /// Whether the next of the queue may be sent too.
     [[nodiscard]] bool send(Queue& queue, std::size_t index, Clock::time_point now);
-    void tryNextAdapter(Question& question, std::size_t index);
+    void tryNextAdapter(Question& question, std::size_t index, Clock::time_point now);
     void land(Question& question);
     void settle(Question& question, const Answer& answer);
     void handle(const Datagram& datagram, Clock::time_point now);
