@@ -65,7 +65,6 @@ net::Ipv4 holderOf(CameraPort& port)
 
 void giveBackControl(CameraPort& port, std::chrono::seconds time)
 {
-    port.setPlan(quickPlan());
     const TimeLimit limit(port, time);
     try {
         port.writeRegister(gvcp::Register::ControlChannelPrivilege, gvcp::Privilege::Open);
@@ -94,6 +93,7 @@ void tryToGiveBackControl(CameraPort& port)
 {
     const RegisterPort::TimePoint deadline = port.deadline();
     port.setDeadline(RegisterPort::TimePoint::max());
+    port.setPlan(quickPlan());
     try {
         giveBackControl(port, releasingTime);
     } catch (const GenICam::GenericException& failure) {

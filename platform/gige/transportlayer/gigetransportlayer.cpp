@@ -60,7 +60,9 @@ int askAccessibility(net::Ipv4 address, int adapterIndex, const std::optional<ne
         return Tessal::Accessibility::Unknown;
     } catch (const GenICam::GenericException& failure) {
         logRequest(ozlog::LogLevel::Info, "%hs", failure.GetDescription());
-        return Tessal::Accessibility::NotReachable;
+        const Tessal::Failure* const told = failureOf(failure);
+        const bool hasAnswered = told != nullptr && told->kind == Tessal::FailureKind::AskedForMoreTime;
+        return hasAnswered ? Tessal::Accessibility::Unknown : Tessal::Accessibility::NotReachable;
     }
 }
 
