@@ -62,13 +62,26 @@ bool isWritten(const Failure& failure)
             !failure.wanted.empty());
 }
 
+/// Auto IP is always on beside the others, and cannot make a difference.
+QString formatModes(const std::string& value)
+{
+    using namespace Tessal::IpConfig;
+    QStringList modes;
+    for (const unsigned int bit : {Persistent, Dhcp}) {
+        if ((fromText(value) & bit) != 0) {
+            modes += formatIPConfiguration(std::to_string(bit).c_str(), 1);
+        }
+    }
+    return modes.isEmpty() ? formatIPConfiguration(value.c_str(), 1) : modes.join(QLatin1String(", "));
+}
+
 /// A value of the setting as the window shows it.
 QString formatValue(Setting setting, const std::string& value)
 {
     if (setting == Setting::Name) {
         return Texts::tr("“%1”").arg(valueText(value));
     }
-    return setting == Setting::IpConfigMode ? formatIPConfiguration(value.c_str(), 1) : valueText(value);
+    return setting == Setting::IpConfigMode ? formatModes(value) : valueText(value);
 }
 
 QString nameWithValue(const Failure& failure)
