@@ -44,11 +44,18 @@ bool fitsAdapter(const Tessal::COrvikGigEDeviceInfo& record, const CNetworkAdapt
 
 QString explainUnreachable(const Tessal::COrvikGigEDeviceInfo& record, const CNetworkAdapter* adapter)
 {
-    const QString other = property(record, Tessal::Key::SameAddressName);
-    if (!other.isEmpty()) {
-        return Texts::tr(
-                   "The camera %1 with the MAC address %2 has the same address. One of them needs another.")
-            .arg(other, formatMACAddress(property(record, Tessal::Key::SameAddressMac).toLatin1(), ":"));
+    const QString otherMac = property(record, Tessal::Key::SameAddressMac);
+    if (!otherMac.isEmpty()) {
+        const QString mac = formatMACAddress(otherMac.toLatin1(), ":");
+        const QString other = property(record, Tessal::Key::SameAddressName);
+        return other.isEmpty()
+                   ? Texts::tr("The camera with the MAC address %1 has the same address. One of them needs "
+                               "another.")
+                         .arg(mac)
+                   : Texts::tr(
+                         "The camera %1 with the MAC address %2 has the same address. One of them needs "
+                         "another.")
+                         .arg(other, mac);
     }
     if (adapter != nullptr && !fitsAdapter(record, *adapter)) {
         return Texts::tr("The camera answers the search, but its address is not in a network of %1.")
@@ -91,10 +98,13 @@ QString explainObstacle(const Tessal::AdapterObstacle& obstacle)
 QString explainStatus(const Tessal::COrvikGigEDeviceInfo& record, const CNetworkAdapter* adapter)
 {
     QStringList sentences{explainCode(record, adapter)};
-    const QString twin = property(record, Tessal::Key::SameMacName);
-    if (!twin.isEmpty()) {
-        sentences += Texts::tr("Another camera has the same MAC address: %1 at %2.")
-                         .arg(twin, property(record, Tessal::Key::SameMacIp));
+    const QString twinAddress = property(record, Tessal::Key::SameMacIp);
+    if (!twinAddress.isEmpty()) {
+        const QString twin = property(record, Tessal::Key::SameMacName);
+        sentences +=
+            twin.isEmpty()
+                ? Texts::tr("Another camera has the same MAC address, at %1.").arg(twinAddress)
+                : Texts::tr("Another camera has the same MAC address: %1 at %2.").arg(twin, twinAddress);
     }
     return sentences.join(QLatin1Char(' '));
 }

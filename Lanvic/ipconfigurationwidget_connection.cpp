@@ -66,6 +66,19 @@ void expectCamera(Tessal::IGigETransportLayer& transportLayer, const Tessal::COr
     }
 }
 
+Tessal::FailureOf<GenICam::RuntimeException>
+addressNotTaken(const GenICam::gcstring& mac, const IpSettings& given, const GenICam::gcstring& actual)
+{
+    return {GenICam::ExceptionReporter<GenICam::RuntimeException>(__FILE__, __LINE__, "RuntimeException")
+                .Report("Camera MAC=%s was given the address %s and has %s", mac.c_str(),
+                        given.ipAddress.constData(), actual.c_str()),
+            {.kind = Tessal::FailureKind::AddressNotTaken,
+             .setting = Tessal::Setting::TemporaryAddress,
+             .mac = mac.c_str(),
+             .wanted = given.ipAddress.toStdString(),
+             .actual = actual.c_str()}};
+}
+
 void sendForceIp(const GenICam::gcstring& mac, const IpSettings& settings)
 {
     LogTrace(GetIPConfigBaseCatID(), LogLevel::Info, "Now forcing IP for MAC=%hs. Retries remaining=%i.", mac,
@@ -208,13 +221,29 @@ bool IpConfigurationWidget::forceIp(const QString& headerText, bool showMacAddre
     if (!waitForDevice(fromAscii(mac))) {
         return false;
     }
-    m_temporaryAddresses.insert(fromAscii(mac), QString::fromLatin1(settings->ipAddress));
     if (!showMacAddress) {
         m_pDeviceLister->updateDeviceInfo(mac, nullptr, dialog.ipAddress().toLatin1(),
                                           dialog.subnetMask().toLatin1(), dialog.defaultGateway().toLatin1(),
                                           true);
     }
+    noteTemporaryAddress(mac, *settings);
     return true;
+}
+
+/// The camera may have been out of sight when it was given the address, and come back with another one; an
+/// empty address makes it look for one of its own.
+void IpConfigurationWidget::noteTemporaryAddress(const GenICam::gcstring& mac, const IpSettings& given)
+{
+    const GenICam::gcstring actual = m_rediscovered.GetIpAddress();
+    if (actual == given.ipAddress.constData()) {
+        m_temporaryAddresses.insert(fromAscii(mac), QString::fromLatin1(given.ipAddress));
+        return;
+    }
+    m_pDeviceLister->updateDeviceInfo(mac, nullptr, actual, m_rediscovered.GetSubnetMask(),
+                                      m_rediscovered.GetDefaultGateway(), true);
+    if (given.ipAddress != "0.0.0.0") {
+        reportingForceIpFailure(mac, [&] { throw addressNotTaken(mac, given, actual); });
+    }
 }
 
 void IpConfigurationWidget::fillTemporaryAddressDialog(IpAddressWidget& dialog,

@@ -141,6 +141,10 @@
         <translation>Die Kamera %1 mit der MAC-Adresse %2 hat dieselbe Adresse. Eine von beiden braucht eine andere.</translation>
     </message>
     <message>
+        <source>The camera with the MAC address %1 has the same address. One of them needs another.</source>
+        <translation>Die Kamera mit der MAC-Adresse %1 hat dieselbe Adresse. Eine von beiden braucht eine andere.</translation>
+    </message>
+    <message>
         <source>The camera answers the search, but its address is not in a network of %1.</source>
         <translation>Die Kamera antwortet auf die Suche, aber ihre Adresse liegt in keinem Netz von %1.</translation>
     </message>
@@ -175,6 +179,10 @@
     <message>
         <source>Another camera has the same MAC address: %1 at %2.</source>
         <translation>Eine andere Kamera hat dieselbe MAC-Adresse: %1 unter %2.</translation>
+    </message>
+    <message>
+        <source>Another camera has the same MAC address, at %1.</source>
+        <translation>Eine andere Kamera hat dieselbe MAC-Adresse, unter %1.</translation>
     </message>
 </context>
 <context>
