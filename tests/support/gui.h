@@ -3,10 +3,21 @@
 #include "support/scriptedsdk.h"
 #include "support/window.h"
 
+#include <QAccessible>
+#include <QRegularExpression>
+
 #include <stdexcept>
 #include <vector>
 
 namespace gui {
+
+/// What is enabled in the editor, as enabledInEditor() gives it.
+inline const QStringList editorWithoutAddresses{"btnUseAutoIp", "btnUseDhcp", "btnUsePersistentIp",
+                                                "editCustomName", "labelCustomName"};
+inline const QStringList editorWithAddresses{"btnUseAutoIp",   "btnUseDhcp",         "btnUsePersistentIp",
+                                             "editCustomName", "editDefaultGateway", "editIpAddress",
+                                             "editNetmask",    "labelCustomName",    "labelDefaultGateway",
+                                             "labelIpAddress", "labelNetmask"};
 
 /// Base of the tests of the window against the scripted SDK: an empty world and two adapters. lan0 has
 /// 192.168.1.5/24; lan1 has 172.16.3.4/20 and 10.0.0.1/16.
@@ -45,6 +56,32 @@ protected:
         select("km-1");
         m_world.take();
         takeTrace();
+    }
+    /// Leaves the edited camera in a way that asks about its changes.
+    void leave(const QString& way)
+    {
+        if (way == "another row") {
+            select("lan0");
+        } else if (way == "another row, by a screen reader") {
+            QAccessible::queryAccessibleInterface(&tree())->tableInterface()->selectRow(0);
+        } else if (way == "refresh") {
+            refresh();
+        } else if (way == "close") {
+            m_window->close();
+        } else {
+            QFAIL(qPrintable("no way to leave: " + way));
+        }
+    }
+    /// The names of the editor's fields, labels and modes that are enabled.
+    QStringList enabledInEditor()
+    {
+        const QRegularExpression names("^(btnUse|edit|label)\\w+(?<!Advice)$");
+        QStringList enabled;
+        for (const QWidget* const widget : child<QWidget>("frameConfig").findChildren<QWidget*>(names)) {
+            enabled << (widget->isEnabled() ? QStringList{widget->objectName()} : QStringList());
+        }
+        enabled.sort();
+        return enabled;
     }
     /// Makes the nth call of that name fail, by a std::runtime_error or by something unheard of.
     void failAt(const char* call, int nth = 1, bool isStandard = true)

@@ -107,7 +107,6 @@ public:
             throw GenICam::TimeoutException("nobody answers", "camera", 1, "TimeoutException");
         }
         m_record = found->record;
-        m_userId = found->hasUserId ? this : nullptr;
         m_nodes = found->hasNodeMap ? this : nullptr;
         m_open = true;
     }
@@ -136,7 +135,7 @@ public:
     [[nodiscard]] GenApi::INode* GetNode(Text name) const override
     {
         call("GetNode", name);
-        return m_userId;
+        return m_nodes;
     }
     [[nodiscard]] GenICam::gcstring GetName() const override { return "DeviceUserID"; }
     void SetValue(Text value, bool verify) override
@@ -151,8 +150,7 @@ public:
 private:
     Tessal::COrvikGigEDeviceInfo m_record;
     bool m_open = false;
-    GenApi::INodeMap* m_nodes = nullptr;
-    GenApi::INode* m_userId = nullptr;
+    Device* m_nodes = nullptr;
 };
 
 class TransportLayer final : public Tessal::IGigETransportLayer, public Tessal::ISearchReport

@@ -25,8 +25,6 @@ struct Camera
     bool knowsBroadcast = true;                    // the manufacturer's broadcast command
     bool comesBack = true;                         // is heard again after a restart or a forced address
     bool hasNodeMap = true;
-    bool hasUserId = true; // among the nodes
-
     bool keepsConfiguration = true; // takes up at a restart what was stored
 
     Tessal::COrvikGigEDeviceInfo stored; // the mode and addresses of the latest write

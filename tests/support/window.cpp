@@ -124,10 +124,16 @@ Answer fill(const QList<std::pair<const char*, QString>>& fields)
 bool WindowTest::eventFilter(QObject* watched, QEvent* event)
 {
     auto* const shown = qobject_cast<QWidget*>(watched);
+    if (event->type() == QEvent::Paint && watched->objectName() == "waitMessage") {
+        m_painted = qobject_cast<QLabel*>(watched)->text();
+    }
     if (event->type() != QEvent::Show || (!qobject_cast<QDialog*>(shown) && !qobject_cast<QMenu*>(shown))) {
         return false;
     }
     m_shown << describe(*shown);
+    if (const auto* const box = qobject_cast<QMessageBox*>(shown)) {
+        m_icons << box->icon();
+    }
     const auto answer = [this, shown] {
         if (m_answers.isEmpty()) {
             QTest::qFail(qPrintable("unexpected: " + m_shown.last()), __FILE__, __LINE__);
@@ -145,6 +151,7 @@ void WindowTest::cleanup()
     m_window.reset();
     m_messages.reset();
     m_shown.clear();
+    m_icons.clear();
     QVERIFY2(std::exchange(m_answers, {}).isEmpty(), "a dialog did not come");
     QCOMPARE(cursorDepth(), 0);
 }
@@ -161,6 +168,12 @@ QStringList WindowTest::rows()
         lines << ((*item)->parent() != nullptr ? "  " : "") + columns.join('|');
     }
     return lines;
+}
+
+QString WindowTest::paintedMessage()
+{
+    const auto* const message = m_window->findChild<QLabel*>("waitMessage");
+    return message != nullptr && message->isVisible() ? m_painted : QString();
 }
 
 QTreeWidgetItem& WindowTest::row(const QString& text)
@@ -218,3 +231,13 @@ int run(QObject& test, int argc, char** argv)
 }
 
 } // namespace gui
+
+bool QTest::qCompare(const QStringList& actual, const QStringList& expected, const char* compared,
+                     const char* /*expectedText*/, const char* file, int line)
+{
+    const qsizetype first = std::ranges::mismatch(actual, expected).in1 - actual.begin();
+    const QString told = QString("Line %1 of %2 is not as expected.\n   Actual  : %3\n   Expected: %4")
+                             .arg(first + 1)
+                             .arg(compared, actual.value(first, "(none)"), expected.value(first, "(none)"));
+    return actual == expected || (qFail(qPrintable(told), file, line), false);
+}

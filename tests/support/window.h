@@ -18,6 +18,15 @@
 #include <optional>
 #include <tuple>
 
+namespace QTest {
+
+/// Tells the first line that differs. QCOMPARE() takes this before Qt's own, which tells no line of lists
+/// that differ in their size.
+bool qCompare(const QStringList& actual, const QStringList& expected, const char* compared, const char*,
+              const char* file, int line);
+
+} // namespace QTest
+
 namespace gui {
 
 /// A host adapter with known addresses, up and running while this object lives. Only for a network namespace
@@ -114,7 +123,13 @@ protected:
         QTest::mouseClick(tree().viewport(), Qt::LeftButton, {}, placeOf(item));
     }
     void select(const QString& text) { select(row(text)); }
-    void openMenuOf(const QString& text) { emit tree().customContextMenuRequested(placeOf(row(text))); }
+    /// By a click of the right button, as the window system reports it.
+    void openMenuOf(const QString& text)
+    {
+        tree().scrollToItem(&row(text));
+        const QPoint place = tree().viewport()->mapTo(m_window.get(), placeOf(row(text)));
+        QTest::mouseClick(m_window->windowHandle(), Qt::RightButton, {}, place);
+    }
     QString text(const char* name) { return child<QWidget>(name).property("text").toString(); }
     bool canSave() { return child<QWidget>("btnWriteConfiguration").isEnabled(); }
 
@@ -148,6 +163,10 @@ protected:
     /// What came up since the last call: "title|text|buttons|default button", with "|wait cursor N" behind it
     /// when N cursors were set at that moment.
     QStringList takeDialogs() { return std::exchange(m_shown, {}); }
+    /// The pictures of the message boxes since the last call.
+    QList<QMessageBox::Icon> takeIcons() { return std::exchange(m_icons, {}); }
+    /// The message beside a wait as it was painted last; empty while none is shown.
+    QString paintedMessage();
     /// What was written to the trace log, or to Qt's debug output, since the last call: "level text".
     QStringList takeTrace(const QString& category = "Lanvic.Base");
     QStringList takeDebug() { return takeTrace("default"); }
@@ -167,6 +186,8 @@ private:
 
     QList<Answer> m_answers;
     QStringList m_shown;
+    QList<QMessageBox::Icon> m_icons;
+    QString m_painted;
     std::optional<TraceCapture> m_messages;
 };
 
