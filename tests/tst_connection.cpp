@@ -3,13 +3,14 @@
 
 using namespace gui;
 using sdk::camera;
+using Step = std::function<void()>;
 
 /// Opening a camera for a save, and the temporary addresses that may be needed before.
 class ConnectionTest : public GuiTest
 {
     Q_OBJECT
 
-    QString m_asked; // header and fields of the Force IP dialog, "-" for a MAC field that is not shown
+    QStringList m_asked; // header, reason and fields of the Force IP dialog, as far as they are shown
 
     /// Edits the name of one camera that does not know the broadcast command.
     void edit(const char* ip = "192.168.1.9")
@@ -19,6 +20,7 @@ class ConnectionTest : public GuiTest
         type("editCustomName", "belt");
     }
 
+    static void confirm(QWidget& dialog) { QTest::keyClick(&dialog, Qt::Key_Return); }
     static Answer fillAddress(const QString& ip) { return fill({{"editIpAddress", ip}}); }
     static QString force(const QString& ip)
     {
@@ -29,11 +31,12 @@ class ConnectionTest : public GuiTest
     Answer readThen(const Answer& answer)
     {
         return [this, answer](QWidget& dialog) {
-            m_asked = gui::child<QLabel>(dialog, "labelHeader").text();
-            for (const char* const name :
-                 {"editIpAddress", "editSubnetMask", "editDefaultGateway", "editMacAddress"}) {
-                const auto& edit = gui::child<QLineEdit>(dialog, name);
-                m_asked += '|' + (edit.isVisible() ? edit.text() : "-");
+            m_asked.clear();
+            for (const char* const name : {"labelHeader", "labelReason", "editIpAddress", "editSubnetMask",
+                                           "editDefaultGateway", "editMacAddress"}) {
+                const auto& shown = gui::child<QWidget>(dialog, name);
+                m_asked << (shown.isVisible() ? QStringList{shown.property("text").toString()}
+                                              : QStringList());
             }
             answer(dialog);
         };
@@ -56,68 +59,59 @@ class ConnectionTest : public GuiTest
         QCOMPARE(offered, "&Assign Temporary IP Address...");
     }
 
-    void forceByMac(const Answer& answer)
+    void forceByMac(const QList<Answer>& answers)
     {
-        expect({answer});
+        expect(answers);
         press(QKeySequence("Alt+Shift+Ctrl+F"));
     }
 
 private slots:
+    void failuresToOpenAreShown_data()
+    {
+        QTest::addColumn<Step>("breakIt");
+        QTest::addColumn<QString>("shown");
+        QTest::addColumn<QString>("lastCall");
+        QTest::newRow("held by another application") << Step([this] {
+            m_world.at["Open"] = [] { throw GenICam::AccessException("", "", 1, ""); };
+        }) << "Connection failed|Access denied\nThe device is controlled by another application.\nClose the connection before changing the IP configuration.|OK|"
+                                                     << "Open(192.168.1.9, 1+3+4)";
+        QTest::newRow("no GigE camera")
+            << Step([this] { m_world.isGigE = false; })
+            << reportOwn("The device must be a GEV Camera.", "openDevice") << "CreateDevice(192.168.1.9)";
+        QTest::newRow("unknown") << Step([this] { failAt("Open", 1, false); })
+                                 << report("Unknown exception occurred", "unicastConfiguration")
+                                 << "Open(192.168.1.9, 1+3+4)";
+    }
     void failuresToOpenAreShown()
     {
-        const QString open = "Open(192.168.1.9, 1+3+4)";
-        const QString moved =
-            "The address 192.168.1.9 is that of another camera (MAC address 02:5E:41:00:00:02). Refresh the list, or choose another temporary address.";
-        const auto deny = [&] { m_world.at["Open"] = [] { throw GenICam::AccessException("", "", 1, ""); }; };
-        const QString denied =
-            "Connection failed|Access denied\nThe device is controlled by another application.\nClose the connection before changing the IP configuration.|OK|";
-        const QString unicast = "unicastConfiguration";
-        for (
-            const auto& [breakIt, shown, lastCall] : Table<std::function<void()>, QString, QString>{
-                {deny, denied, open},
-                {[&] { cam().record.SetPropertyValue("MacAddress", "025E41000002"); },
-                 report(
-                     moved, unicast,
-                     {"The camera with MAC 025E41000001 was expected at 192.168.1.9, where the one with MAC 025E41000002 answers"}),
-                 "Close()"},
-                {[&] { m_world.isGigE = false; }, reportOwn("The device must be a GEV Camera.", "openDevice"),
-                 "CreateDevice(192.168.1.9)"},
-                {[&] { failAt("Open", 1, false); }, report("Unknown exception occurred", unicast), open}}) {
-            edit();
-            breakIt();
-            saveFails({shown, notSaved});
-            QCOMPARE(m_world.take().last(), lastCall);
-            QCOMPARE(text("editCustomName"), "belt");
-        }
+        QFETCH(const Step, breakIt);
+        QFETCH(const QString, shown);
+        edit();
+        breakIt();
+        saveFails({shown, notSaved});
+        QTEST(m_world.take().last(), "lastCall");
+        QCOMPARE(text("editCustomName"), "belt");
+        expect({escape});
+        select("lan0");
+        QCOMPARE(m_world.take(), QStringList()); // what was not opened is not closed
     }
 
-    void theDialogSaysWhyTheCameraCouldNotBeOpened_data()
-    {
-        const GenICam::TimeoutException silent("READREG: no answer <at all>", "", 1, "TimeoutException");
-        QTest::addColumn<std::function<void()>>("open");
-        QTest::addColumn<QString>("reason");
-        QTest::newRow("no answer") << std::function([silent] {
-            throw Tessal::FailureOf(silent, {.setting = Tessal::Setting::Identity, .address = "10.9.9.9"});
-        }) << "The camera 10.9.9.9 did not answer.";
-        // NOLINTNEXTLINE(misc-throw-by-value-catch-by-reference): the table names what is thrown
-        QTest::newRow("nothing is known") << std::function([silent] { throw silent; })
-                                          << "The connection to the device could not be established.";
-    }
     void theDialogSaysWhyTheCameraCouldNotBeOpened()
     {
-        QFETCH(std::function<void()>, open);
         edit();
-        m_world.at["Open"] = open;
-        QString shown, toolTip;
-        save({[&](QWidget& dialog) {
-                  const auto& reason = gui::child<QLabel>(dialog, "labelReason");
-                  shown = reason.isVisible() ? reason.text() : "";
-                  toolTip = reason.toolTip();
+        m_world.at["Open"] = [] {
+            throw Tessal::FailureOf(
+                GenICam::TimeoutException("no answer <at all>", "", 1, "TimeoutException"),
+                {.setting = Tessal::Setting::Identity, .address = "10.9.9.9"});
+        };
+        QString details;
+        save({readThen([&](QWidget& dialog) {
+                  details = gui::child<QLabel>(dialog, "labelReason").toolTip();
                   escape(dialog);
-              },
+              }),
               escape});
-        QTEST(shown, "reason");
-        QVERIFY2(toolTip.contains("READREG: no answer &lt;at all&gt;"), qPrintable(toolTip));
+        QCOMPARE(m_asked[1], "The camera 10.9.9.9 did not answer.");
+        QVERIFY2(details.contains("no answer &lt;at all&gt;"), qPrintable(details));
     }
 
     void anUnreachableCameraIsGivenTemporaryAddressesUntilOneServes()
@@ -136,7 +130,8 @@ private slots:
                  QStringList(3, forceIpDialog));
         const QString header =
             "A connection to the device must be established in order to change the configuration.<br>To do this, a temporary IP address needs to be assigned to the device.<br>This temporary address will only be used to update the configuration and will not be stored on the device.<p>Valid addresses are:<br>192.168.1.1 - 192.168.1.254<br></p>";
-        QCOMPARE(m_asked, header + "|192.168.1.|255.255.255.0|0.0.0.0|-");
+        QCOMPARE(m_asked, (QStringList{header, "The connection to the device could not be established.",
+                                       "192.168.1.", "255.255.255.0", "0.0.0.0"}));
         QCOMPARE(m_world.take().filter(QRegularExpression("^(Open|Force|Destroy|sleep|SetValue)")),
                  (QStringList{"Open(10.9.9.9, 1+3+4)", force("223.255.255.255"), "sleep(2)",
                               "DestroyDevice()", "Open(223.255.255.255, 1+3+4)", force("0.0.0.0"), "sleep(2)",
@@ -149,24 +144,25 @@ private slots:
 
     void aFailedForceIpIsReportedOnce()
     {
-        for (const auto& [isStandard, shown, reason] :
-             Table<bool, QString, QString>{{true, reportUnexpected("forceIp", "cable"), " Err='cable'"},
-                                           {false, report("Unknown exception occurred", "forceIp"), ""}}) {
-            edit("10.9.9.9");
-            failAt("ForceIp", 1, isStandard);
-            QCOMPARE(save({fillAddress("192.168.1.50"), escape, escape}),
-                     (QStringList{forceIpDialog, shown, notSaved}));
-            const QStringList told{
-                "error Failed to force IP for MAC=025E41000001." + reason,
-                "error Could not open device with old IP=10.9.9.9 to change IP configuration via unicast."};
-            QCOMPARE(takeTrace().last(2), told);
-            QCOMPARE(m_world.take().last(), force("192.168.1.50"));
-        }
+        edit("10.9.9.9");
+        failAt("ForceIp");
+        QCOMPARE(save({fillAddress("192.168.1.50"), escape, escape}),
+                 (QStringList{forceIpDialog, reportUnexpected("forceIp", "cable"), notSaved}));
+        const QString failed = "error Failed to force IP for MAC=025E41000001.";
+        const QString notOpened =
+            "error Could not open device with old IP=10.9.9.9 to change IP configuration via unicast.";
+        QCOMPARE(takeTrace().last(2), (QStringList{failed + " Err='cable'", notOpened}));
+        QCOMPARE(m_world.take().last(), force("192.168.1.50"));
+
+        failAt("ForceIp", 1, false);
+        QCOMPARE(save({readThen(confirm), escape, escape}),
+                 (QStringList{forceIpDialog, report("Unknown exception occurred", "forceIp"), notSaved}));
+        QCOMPARE(takeTrace().last(2), (QStringList{failed, notOpened}));
+        QCOMPARE(m_asked[2], "192.168.1.50"); // what was refused before
+
         m_world.at.clear();
         cam().comesBack = false; // is not opened then
-        const auto confirm = [](QWidget& dialog) { QTest::keyClick(&dialog, Qt::Key_Return); };
-        QCOMPARE(save({readThen(confirm), escape}), (QStringList{forceIpDialog, notSaved}));
-        QCOMPARE(m_asked.section('|', 1, 2), "192.168.1.50|255.255.255.0"); // what was refused before
+        QCOMPARE(save({confirm, escape}), (QStringList{forceIpDialog, notSaved}));
         QCOMPARE(m_world.take().last(30), QStringList(30, "sleep(2)"));
     }
 
@@ -202,12 +198,11 @@ private slots:
         assign(
             "km-2",
             {fillAddress("127.0.0.1"), escape, fillAddress("224.0.0.0"), escape,
-             fillAddress("255.255.255.255"), escape,
              readThen(fill({{"editIpAddress", "192.168.1.50"}, {"editDefaultGateway", "192.168.001.1"}}))});
         QCOMPARE(takeDialogs().count(
                      "Error|IP Addresses 127.0.0.1 and 224.0.0.0 to 255.255.255.255 cannot be used.|OK|OK"),
-                 3);
-        QCOMPARE(m_asked.section('|', 1, 1), "255.255.255.255"); // what was typed is still there
+                 2);
+        QCOMPARE(m_asked[1], "224.0.0.0"); // what was typed is still there
         const QStringList calls = m_world.take(true);
         QCOMPARE(calls.first(), "ForceIp(025E41000001, 192.168.1.50, 255.255.255.0, 192.168.1.1)");
         QCOMPARE(calls.last(2),
@@ -242,11 +237,11 @@ private slots:
         const QString valid =
             "<p>Valid addresses are:<br>172.16.0.1 - 172.16.15.254<br>10.0.0.1 - 10.0.255.254<br></p>";
         assign("km-1", {readThen(escape)});
-        QCOMPARE(m_asked, header + valid + "|172.16.|255.255.240.0|0.0.0.0|-");
+        QCOMPARE(m_asked, (QStringList{header + valid, "172.16.", "255.255.240.0", "0.0.0.0"}));
         select("km-2"); // stands under no adapter
         type("editCustomName", "belt");
         assign("km-2", {click(QMessageBox::No), readThen(escape)});
-        QCOMPARE(m_asked, header + "|192.168.0.202|255.255.255.0|0.0.0.0|-");
+        QCOMPARE(m_asked, (QStringList{header, "192.168.0.202", "255.255.255.0", "0.0.0.0"}));
         QCOMPARE(m_world.take(), QStringList());
         QCOMPARE(text("editCustomName"), QString()); // what the camera has
         QCOMPARE(takeTrace().last(),
@@ -255,42 +250,37 @@ private slots:
 
     void aTemporaryAddressEndsTheEdit_data()
     {
-        QTest::addColumn<QMessageBox::StandardButton>("answer");
-        QTest::addColumn<bool>("knowsBroadcast");
-        QTest::addColumn<bool>("isAssigned");
-        QTest::addColumn<QStringList>("expected");
+        QTest::addColumn<QList<Answer>>("answers"); // to the question about the edits, and then
+        QTest::addColumn<bool>("canBeSaved");
+        QTest::addColumn<QStringList>("calls");
+        QTest::addColumn<QString>("shownName");
         const QString saved = "BroadcastIpConfig(025E41000001, false, true, 0.0.0.0, 0.0.0.0, 0.0.0.0, belt)";
-        QTest::newRow("edits saved") << QMessageBox::Yes << true << true
-                                     << QStringList{saved, force("192.168.1.50")};
-        QTest::newRow("edits dropped")
-            << QMessageBox::No << true << true << QStringList{force("192.168.1.50")};
-        QTest::newRow("edits dropped, dialog cancelled") << QMessageBox::No << true << false << QStringList();
-        QTest::newRow("edits not saved") << QMessageBox::Yes << false << false << QStringList{saved};
+        const Answer address = fillAddress("192.168.1.50");
+        QTest::newRow("edits saved") << QList<Answer>{click(QMessageBox::Yes), address} << true
+                                     << QStringList{saved, force("192.168.1.50")} << "belt";
+        QTest::newRow("edits dropped") << QList<Answer>{click(QMessageBox::No), address} << true
+                                       << QStringList{force("192.168.1.50")} << "";
+        QTest::newRow("edits dropped, dialog cancelled")
+            << QList<Answer>{click(QMessageBox::No), escape} << true << QStringList() << "";
+        QTest::newRow("edits not saved") << QList<Answer>{click(QMessageBox::Yes), click(QMessageBox::Close)}
+                                         << false << QStringList{saved} << "belt";
     }
-
     void aTemporaryAddressEndsTheEdit()
     {
-        QFETCH(const QMessageBox::StandardButton, answer);
-        QFETCH(const bool, knowsBroadcast);
-        QFETCH(const bool, isAssigned);
+        QFETCH(const QList<Answer>, answers);
+        QFETCH(const bool, canBeSaved);
+        QFETCH(const QStringList, calls);
+        QFETCH(const QString, shownName);
         openOn({sdk::with(camera(), {{"IpConfigCurrent", "4"}})});
-        cam().knowsBroadcast = cam().hasNodeMap = knowsBroadcast;
+        cam().knowsBroadcast = cam().hasNodeMap = canBeSaved;
         clickOn("btnUseDhcp");
         type("editCustomName", "belt");
-        QList<Answer> answers{click(answer)};
-        answers << (!knowsBroadcast ? click(QMessageBox::Close)
-                    : isAssigned    ? fillAddress("192.168.1.50")
-                                    : escape);
         assign("km-1", answers);
-        QTEST(m_world.take().filter(QRegularExpression("^(Broadcast|Force)")), "expected");
-        QCOMPARE(takeDialogs().contains(forceIpDialog), knowsBroadcast);
-        // pending only where a save failed, and Save never writes what nobody typed
-        QCOMPARE(canSave(), !knowsBroadcast);
-        QCOMPARE(child<QAbstractButton>("btnUseDhcp").isChecked(), answer == QMessageBox::Yes);
-        QCOMPARE(text("editCustomName"), answer == QMessageBox::Yes ? "belt" : "");
-        if (canSave()) {
-            expect({escape}); // the question
-        }
+        QCOMPARE(m_world.take().filter(QRegularExpression("^(Broadcast|Force)")), calls);
+        QCOMPARE(text("editCustomName"), shownName);
+        QCOMPARE(child<QAbstractButton>("btnUseDhcp").isChecked(), !shownName.isEmpty());
+        QCOMPARE(canSave(), !canBeSaved); // pending only where a save failed
+        expect(canSave() ? QList<Answer>{escape} : QList<Answer>());
         select("lan0");
     }
 
@@ -300,21 +290,31 @@ private slots:
         openWindow();
         connectAdapters();
         m_world.cameras = {camera("km-1", "025E410A0B0C", "10.9.9.9")};
-        forceByMac(readThen(fill({{"editMacAddress", "02-5e-41-0a-0b-0c"},
-                                  {"editIpAddress", "172.16.3.50"},
-                                  {"editDefaultGateway", ""}})));
+        m_world.makesTransportLayer = false;
+        const auto enter = fill({{"editMacAddress", "02-5e-41-0a-0b-0c"},
+                                 {"editIpAddress", "172.16.3.50"},
+                                 {"editDefaultGateway", ""}});
+        forceByMac({readThen(enter), escape});
         const QString header =
             "Please specify the MAC address for the device to force the IP address.\n\nThere won't be any error message in case you specify the wrong MAC address.";
-        QCOMPARE(m_asked, header + "|192.168.0.202|255.255.255.0|0.0.0.0|02-5E-41-");
-        QCOMPARE(m_world.take(),
+        QCOMPARE(m_asked, (QStringList{header, "192.168.0.202", "255.255.255.0", "0.0.0.0", "02-5E-41-"}));
+        QCOMPARE(
+            takeDialogs(),
+            (QStringList{forceIpDialog, reportOwn("Failed to create transport layer object", "forceIp")}));
+        m_world.makesTransportLayer = true;
+        forceByMac({confirm});          // what was refused before
+        QCOMPARE(m_world.take().mid(2), // after the layer that could not be made
                  (QStringList{"CreateTl(OrvikGigE)",
                               "ForceIp(025E410A0B0C, 172.16.3.50, 255.255.240.0, 0.0.0.0)", "sleep(2)"}));
         QCOMPARE(takeTrace().first(), "info Forcing IP of device with MAC=<unknown>.");
         QCOMPARE(row("km-1").text(6), "172.16.3.50");
 
         select("km-1");
-        forceByMac(readThen(escape));
-        QCOMPARE(m_asked, header + "|192.168.1.|255.255.255.0|0.0.0.0|02-5E-41-0A-0B-0C");
+        forceByMac({readThen(escape)});
+        QCOMPARE(m_asked,
+                 (QStringList{header, "192.168.1.", "255.255.255.0", "0.0.0.0", "02-5E-41-0A-0B-0C"}));
+        const Qt::KeyboardModifiers modifiers = Qt::AltModifier | Qt::ShiftModifier | Qt::ControlModifier;
+        QTest::simulateEvent(m_window.get(), true, Qt::Key_F, modifiers, "", true); // held: asks no more
     }
 };
 
