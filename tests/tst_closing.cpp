@@ -4,7 +4,10 @@
 #include <QSignalSpy>
 
 using gui::click;
+using gui::editorWithAddresses;
+using gui::editorWithoutAddresses;
 using sdk::camera;
+using Buttons = QList<QMessageBox::StandardButton>;
 
 /// Edits are never lost unasked: on a change of the row, a refresh and at closing.
 class ClosingTest : public gui::GuiTest
@@ -13,82 +16,99 @@ class ClosingTest : public gui::GuiTest
 
     const QString m_question = "|Do you want to save the changes to the configuration?|No,Yes|No";
 
-    void leave(const QString& way)
-    {
-        if (way == "row") {
-            select("lan0");
-        } else if (way == "spoken") { // as a screen reader selects
-            QAccessible::queryAccessibleInterface(&tree())->tableInterface()->selectRow(0);
-        } else if (way == "refresh") {
-            refresh();
-        } else {
-            m_window->close();
-        }
-    }
+    const QStringList closed{"closed"};
+    const QStringList pending{"something to save"};
 
 private slots:
+    void everyWayAsksFirst_data()
+    {
+        QTest::addColumn<QString>("way");
+        QTest::addColumn<Buttons>("answers"); // two where the save fails
+        QTest::addColumn<QStringList>("state");
+        using enum QMessageBox::StandardButton;
+        const QStringList left{"current: lan0", "name: "};
+        const QStringList saved = QStringList{"current: km-1", "name: belt"} + editorWithoutAddresses;
+        const QStringList asBefore = QStringList{"current: km-1", "name: "} + editorWithAddresses;
+        QTest::newRow("row left, saved") << "another row" << Buttons{Yes} << left;
+        QTest::newRow("row left, not saved") << "another row" << Buttons{No} << left;
+        QTest::newRow("row left, save failed") << "another row" << Buttons{Yes, Close} << left;
+        QTest::newRow("refreshed, saved") << "refresh" << Buttons{Yes} << saved;
+        QTest::newRow("refreshed, not saved") << "refresh" << Buttons{No} << asBefore;
+        QTest::newRow("refresh cancelled") << "refresh" << Buttons{Yes, Close} << saved + pending;
+        QTest::newRow("closed, saved") << "close" << Buttons{Yes} << closed;
+        QTest::newRow("closed, not saved") << "close" << Buttons{No} << closed;
+        QTest::newRow("closed, save failed") << "close" << Buttons{Yes, Yes} << closed;
+        QTest::newRow("kept open") << "close" << Buttons{Yes, No} << asBefore + pending;
+        QTest::newRow("kept open by Escape") << "close" << Buttons{Yes, Escape} << asBefore + pending;
+    }
     void everyWayAsksFirst()
     {
-        const QMap<QChar, gui::Answer> answerOf{{'Y', click(QMessageBox::Yes)},
-                                                {'N', click(QMessageBox::No)},
-                                                {'C', click(QMessageBox::Close)},
-                                                {'E', gui::escape}};
-        // What is asked when the save fails; the answers, two where it does, and what is there afterwards:
-        // the current row, the name in the tree and in the editor, and whether the edit is pending.
-        for (
-            const auto& [way, secondQuestion, paths] : gui::Table<QString, QString, QStringList>{
-                {"row", gui::notSaved, {"Y lan0 belt", "N lan0", "E lan0", "YC lan0"}},
-                {"refresh",
-                 "|The configuration could not be saved.\nThe Refresh operation has been canceled.|Close|Close",
-                 {"Y km-1 belt belt", "N km-1", "E km-1", "YC km-1 belt pending"}},
-                {"close",
-                 "|The configuration could not be saved.\nWould you like to continue closing the application?\n\nIf you click 'Yes', your configuration will not be changed and the application will close.\nIf you click 'No', you will return to the application.|No,Yes|No",
-                 {"Y closed", "N closed", "E closed", "YY closed", "YN km-1 pending", "YE km-1 pending"}},
-            }) {
-            for (const QString& path : paths) {
-                const QString answers = path.section(' ', 0, 0);
-                const bool fails = answers.size() > 1;
-                QSettings().clear();
-                openOn();
-                cam().knowsBroadcast = cam().hasNodeMap = !fails;
-                type("editCustomName", "belt");
-                for (const QChar answer : answers) {
-                    expect({answerOf[answer]});
-                }
-                leave(way);
-                QCOMPARE(takeDialogs(), QStringList({m_question, secondQuestion}).first(answers.size()));
-                const QString names = row("km-1").text(1) + ' ' + text("editCustomName");
-                const QString seen = current() + ' ' + names + (canSave() ? " pending" : "");
-                const QString found = m_window->isVisible() ? seen : "closed";
-                QCOMPARE(way + ' ' + answers + ' ' + found.simplified(), way + ' ' + path);
-                QCOMPARE(sdk::get(cam().record, {"UserDefinedName"}), answers == "Y" ? "belt" : "");
-                QCOMPARE(QSettings().allKeys().size(), found == "closed" ? 4 : 0);
-            }
+        QFETCH(const QString, way);
+        QFETCH(const Buttons, answers);
+        QFETCH(const QStringList, state);
+        openOn();
+        cam().knowsBroadcast = cam().hasNodeMap = answers.size() == 1;
+        type("editCustomName", "belt");
+        clickOn("btnUseDhcp");
+        for (const QMessageBox::StandardButton answer : answers) {
+            expect({answer == QMessageBox::Escape ? gui::Answer(gui::escape) : click(answer)});
         }
+        leave(way);
+        const QString failed = "|The configuration could not be saved.";
+        const QMap<QString, QString> questionAfterFailure{
+            {"another row", gui::notSaved},
+            {"refresh", failed + "\nThe Refresh operation has been canceled.|Close|Close"},
+            {"close",
+             failed +
+                 "\nWould you like to continue closing the application?\n\nIf you click 'Yes', your configuration will not be changed and the application will close.\nIf you click 'No', you will return to the application.|No,Yes|No"}};
+        QCOMPARE(takeDialogs(), QStringList({m_question, questionAfterFailure[way]}).first(answers.size()));
+        QCOMPARE(takeIcons(), QList({QMessageBox::Question, QMessageBox::Critical}).first(answers.size()));
+        const QStringList open{"current: " + current(), "name: " + text("editCustomName")};
+        QCOMPARE(m_window->isVisible() ? open + enabledInEditor() + (canSave() ? pending : QStringList())
+                                       : closed,
+                 state);
+        const QString name = answers == Buttons{QMessageBox::Yes} ? "belt" : "";
+        QCOMPARE(sdk::get(cam().record, {"UserDefinedName"}), name);
+        QCOMPARE(row("km-1").text(1), way == "close" ? "" : name);
+        QCOMPARE(QSettings().allKeys().isEmpty(), m_window->isVisible());
     }
 
+    void whatCanBeWrittenIsAskedAbout_data()
+    {
+        QTest::addColumn<QString>("way");
+        QTest::addColumn<QByteArray>("mask");
+        QTest::addColumn<QByteArray>("field");
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<bool>("isAsked");
+        const QByteArray classC = "255.255.255.0";
+        for (const QByteArray way : {"another row", "another row, by a screen reader", "refresh", "close"}) {
+            QTest::newRow("half an address, " + way)
+                << QString(way) << classC << QByteArray("editIpAddress") << "192.168.1" << false;
+            QTest::newRow("an address, to which the mask is added, " + way)
+                << QString(way) << QByteArray() << QByteArray("editIpAddress") << "192.168.1.77" << true;
+            QTest::newRow("the same name, " + way)
+                << QString(way) << classC << QByteArray("editCustomName") << "Gate" << false;
+            QTest::newRow("a length, which becomes a mask, " + way)
+                << QString(way) << classC << QByteArray("editNetmask") << "16" << true;
+        }
+    }
     void whatCanBeWrittenIsAskedAbout()
     {
-        for (const auto& [mask, field, typed, isAsked] :
-             gui::Table<const char*, const char*, const char*, bool>{
-                 {"255.255.255.0", "editIpAddress", "192.168.1", false},
-                 {"", "editIpAddress", "192.168.1.77", true}, // its mask follows when the field is left
-                 {"255.255.255.0", "editCustomName", "Gate", false}, // as it was
-                 {"255.255.255.0", "editNetmask", "16", true},       // as this becomes one
-             }) {
-            for (const QString way : {"row", "spoken", "refresh", "close"}) {
-                openOn({sdk::with(camera(), {{"SubnetMask", mask}, {"UserDefinedName", "Gate"}})});
-                QTest::mouseClick(tree().viewport(), Qt::LeftButton, Qt::ControlModifier,
-                                  placeOf(row("km-1"))); // no effect
-                type(field, typed);
-                expect(QList<gui::Answer>(isAsked ? 1 : 0, click(QMessageBox::No)));
-                leave(way);
-                QCOMPARE(takeDialogs(), QStringList(isAsked ? 1 : 0, m_question));
-                QCOMPARE(m_world.take(), QStringList());
-                QCOMPARE(m_window->isVisible(), way != "close");
-                QCOMPARE(tree().selectedItems(), QList<QTreeWidgetItem*>{tree().currentItem()});
-            }
-        }
+        QFETCH(const QString, way);
+        QFETCH(const QByteArray, mask);
+        QFETCH(const QByteArray, field);
+        QFETCH(const QString, typed);
+        QFETCH(const bool, isAsked);
+        openOn({sdk::with(camera(), {{"SubnetMask", mask}, {"UserDefinedName", "Gate"}})});
+        QTest::mouseClick(tree().viewport(), Qt::LeftButton, Qt::ControlModifier,
+                          placeOf(row("km-1"))); // no effect
+        type(field, typed);
+        expect(QList<gui::Answer>(isAsked ? 1 : 0, click(QMessageBox::No)));
+        leave(way);
+        QCOMPARE(takeDialogs(), QStringList(isAsked ? 1 : 0, m_question));
+        QCOMPARE(m_world.take(), QStringList());
+        QCOMPARE(m_window->isVisible(), way != "close");
+        QCOMPARE(tree().selectedItems(), QList<QTreeWidgetItem*>{tree().currentItem()});
     }
 
     void noCommandBeginsInTheMiddleOfAnother()
@@ -114,40 +134,48 @@ private slots:
         QVERIFY(m_window->isVisible());
     }
 
+    void aSaveThatTakesEffectLateIsDropped_data()
+    {
+        QTest::addColumn<bool>("isQuestionAnsweredFirst");
+        QTest::newRow("while the question is shown") << false;
+        QTest::newRow("after the question") << true;
+    }
     void aSaveThatTakesEffectLateIsDropped()
     {
+        QFETCH(const bool, isQuestionAnsweredFirst);
         openOn({camera(), camera("km-2", "025E41000002", "192.168.1.10")});
-        for (const bool isQuestionAnsweredFirst : {false, true}) {
-            select("km-1");
-            type("editCustomName", "belt");
-            const QSignalSpy clicked(&child<QAbstractButton>("btnWriteConfiguration"),
-                                     &QAbstractButton::clicked);
-            expect({[&](QWidget& question) {
-                QTRY_COMPARE(clicked.size(), isQuestionAnsweredFirst ? 0 : 1);
-                click(QMessageBox::No)(question);
-            }});
-            press(QKeySequence("Ctrl+S")); // the button is only shown pressed so far
-            select("km-2");
-            QTRY_COMPARE(clicked.size(), 1);
-            QCOMPARE(m_world.take(), QStringList());
-        }
+        type("editCustomName", "belt");
+        const QSignalSpy clicked(&child<QAbstractButton>("btnWriteConfiguration"), &QAbstractButton::clicked);
+        expect({[&](QWidget& question) {
+            QTRY_COMPARE(clicked.size(), isQuestionAnsweredFirst ? 0 : 1);
+            click(QMessageBox::No)(question);
+        }});
+        press(QKeySequence("Ctrl+S")); // the button is only shown pressed so far
+        select("km-2");
+        QTRY_COMPARE(clicked.size(), 1);
+        QCOMPARE(m_world.take(), QStringList());
     }
 
+    void aFailedSaveShowsTheCameraAsItIsNow_data()
+    {
+        QTest::addColumn<QString>("way");
+        QTest::addColumn<QMessageBox::StandardButton>("answer"); // when the save has failed
+        QTest::newRow("row left") << "another row" << QMessageBox::Close;
+        QTest::newRow("kept open") << "close" << QMessageBox::No;
+    }
     void aFailedSaveShowsTheCameraAsItIsNow()
     {
-        for (const bool isClosing : {false, true}) {
-            openOn();
-            cam().comesBack = false; // takes the command and stays away
-            clickOn("btnUseAutoIp");
-            expect({click(QMessageBox::Yes), gui::escape,
-                    gui::escape, // not found again, no temporary address
-                    click(isClosing ? QMessageBox::No : QMessageBox::Close)});
-            leave(isClosing ? "close" : "row");
-            QVERIFY(m_window->isVisible());
-            QCOMPARE(row("km-1").text(5), "Auto IP (LLA)");
-            QCOMPARE(current(), isClosing ? "km-1" : "lan0");
-            QCOMPARE(text("editIpAddress"), QString());
-        }
+        QFETCH(const QString, way);
+        QFETCH(const QMessageBox::StandardButton, answer);
+        openOn();
+        cam().comesBack = false; // takes the command and stays away
+        clickOn("btnUseAutoIp");
+        // not found again, no temporary address
+        expect({click(QMessageBox::Yes), gui::escape, gui::escape, click(answer)});
+        leave(way);
+        QVERIFY(m_window->isVisible());
+        QCOMPARE(row("km-1").text(5), "Auto IP (LLA)");
+        QCOMPARE(text("editIpAddress"), QString());
         leave("close"); // the command went through, so nothing is pending any more
         QVERIFY(!m_window->isVisible());
     }
