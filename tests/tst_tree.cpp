@@ -191,6 +191,7 @@ private slots:
             this, [&] { before = info(); }, Qt::QueuedConnection);
         child<QAction>("actionRefresh").trigger();
         QCOMPARE(before, "Searching for devices...");
+        QCOMPARE(m_world.take(true).filter("Enum"), QStringList(2, "EnumerateDevicesAnySubnet(false)"));
         QVERIFY(row("lan1").isExpanded());
         QCOMPARE(hint(),
                  "<p>No devices found!</p>Click <b>Refresh</b> or press <b>F5</b> to search for devices.");

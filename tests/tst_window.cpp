@@ -104,46 +104,48 @@ private slots:
 
     void geometryIsRestoredWhereItCanBeSeen()
     {
-        const auto restored = [](const QPoint& pos, const QSize& size, const char* missing = "none") {
+        const auto restored = [](int x, int y, const QSize& size = {760, 600}, const char* missing = "") {
             QSettings settings;
-            settings.setValue("MainWindow/pos", pos);
+            settings.setValue("MainWindow/pos", QPoint(x, y));
             settings.setValue("MainWindow/size", size);
-            settings.remove(missing);
+            settings.remove(*missing != '\0' ? missing : "none");
             const MainWnd window;
             return QRect(window.pos(), window.size());
         };
-        const QSize size(760, 600);
-        const QRect usual = restored(QPoint(), QSize());
+        const auto seen = [](int x, int y) { return QRect(x, y, 760, 600); };
+        const QRect usual = restored(0, 0, QSize());
         // The platform's one screen goes from 0, 0 to 799, 799.
-        for (const auto& [seen, hidden] :
-             {std::pair{QPoint(-751, 30), QPoint(-752, 30)}, // by its last column
-              {QPoint(807, 30), QPoint(808, 30)},
-              {QPoint(20, 815), QPoint(20, 816)},
-              {QPoint(20, -591), QPoint(20, -592)}}) {
-            QCOMPARE(restored(seen, size), QRect(seen, size));
-            QCOMPARE(restored(hidden, size), usual);
-        }
-        QCOMPARE(restored(QPoint(20, 30), QSize(0, 600)), usual);
-        QCOMPARE(restored(QPoint(20, 30), size, "MainWindow/pos"), usual);
-        QCOMPARE(restored(QPoint(20, 30), size, "MainWindow/size"), usual);
+        QCOMPARE(restored(-751, 30), seen(-751, 30)); // by its last column
+        QCOMPARE(restored(-752, 30), usual);
+        QCOMPARE(restored(807, 30), seen(807, 30));
+        QCOMPARE(restored(808, 30), usual);
+        QCOMPARE(restored(20, 815), seen(20, 815));
+        QCOMPARE(restored(20, 816), usual);
+        QCOMPARE(restored(20, -591), seen(20, -591));
+        QCOMPARE(restored(20, -592), usual);
+        QCOMPARE(restored(20, 30, QSize(0, 600)), usual);
+        QCOMPARE(restored(20, 30, QSize(760, 600), "MainWindow/pos"), usual);
+        QCOMPARE(restored(20, 30, QSize(760, 600), "MainWindow/size"), usual);
     }
 
     void theLayoutComesBack()
     {
-        for (const int version : {1, 2}) { // of the header's layout
-            QSettings().clear();
-            openWindow();
-            const int width = header().sectionSize(1);
-            m_window->move(40, 50);
-            m_window->resize(770, 610);
-            header().resizeSection(1, width + 33);
-            m_window->close();
-            QCOMPARE(QSettings().value("MainWindow/headerver"), 1);
-            QSettings().setValue("MainWindow/headerver", version);
-            openWindow();
-            QCOMPARE(QRect(m_window->pos(), m_window->size()), QRect(40, 50, 770, 610));
-            QCOMPARE(header().sectionSize(1), version == 1 ? width + 33 : width);
-        }
+        openWindow();
+        const int width = header().sectionSize(1);
+        m_window->move(40, 50);
+        m_window->resize(770, 610);
+        header().resizeSection(1, width + 33);
+        m_window->close();
+        QCOMPARE(QSettings().allKeys(), (QStringList{"MainWindow/header", "MainWindow/headerver",
+                                                     "MainWindow/pos", "MainWindow/size"}));
+        QCOMPARE(QSettings().value("MainWindow/headerver"), 1);
+        openWindow();
+        QCOMPARE(QRect(m_window->pos(), m_window->size()), QRect(40, 50, 770, 610));
+        QCOMPARE(header().sectionSize(1), width + 33);
+        QSettings().setValue("MainWindow/headerver", 2); // another layout
+        openWindow();
+        QCOMPARE(header().sectionSize(1), width);
+
         const QString directory = QFileInfo(QSettings().fileName()).path() + "/..";
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, "/proc/nowhere");
         m_window->close();
@@ -186,6 +188,7 @@ private slots:
         QCOMPARE(clipboard.text(), details);
         QVERIFY(details.contains("support@orvik.example") && details.contains("MTU"));
         QVERIFY(!details.contains("020000000107")); // an adapter's name can hold its hardware address
+        QCOMPARE(takeIcons(), (QList{QMessageBox::Warning, QMessageBox::Warning, QMessageBox::Information}));
         const QString title = "Contact Orvik Support|";
         const QString offer =
             title +
@@ -197,28 +200,35 @@ private slots:
                               title + "E-Mail information copied to clipboard successfully.|OK|OK"}));
     }
 
+    void aCamerasTextsAreShownLiterally_data()
+    {
+        QTest::addColumn<QByteArray>("sent");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("markup") << QByteArray("<img src='x'><b>&amp;</b>") << "<img src='x'><b>&amp;</b>";
+        QTest::newRow("controls, and a line's end")
+            << QByteArray("a\x1b[31m\tb\n\x7f\xc2\x9bq\xe2\x80\xa8") << "a�[31m�b���q�";
+        QTest::newRow("what turns around what follows")
+            << QByteArray("gate\xe2\x80\xaetag\xe2\x80\xac\xe2\x81\xa7is\xe2\x81\xa9\xe2\x80\x8f")
+            << "gate�tag��is��";
+        QTest::newRow("place markers, and no UTF-8")
+            << QByteArray("%1 %s %n &Save \xd7\xa9\xd7\x9c\xff") << "%1 %s %n &Save \u05E9\u05DC�";
+    }
     void aCamerasTextsAreShownLiterally()
     {
-        for (const auto& [sent, shown] : gui::Table<const char*, QString>{
-                 {"<img src='x'><b>&amp;</b>", "<img src='x'><b>&amp;</b>"},
-                 {"a\x1b[31m\tb\n\x7f\xc2\x9bq\xe2\x80\xa8", "a�[31m�b���q�"}, // controls, and a line's end
-                 {"gate\xe2\x80\xaetag\xe2\x80\xac\xe2\x81\xa7is\xe2\x81\xa9\xe2\x80\x8f",
-                  "gate�tag��is��"}, // would turn around what follows
-                 {"%1 %s %n &Save \xd7\xa9\xd7\x9c\xff", "%1 %s %n &Save \u05E9\u05DC�"},
-             }) {
-            sdk::Camera made = sdk::camera();
-            for (const char* const key :
-                 {"VendorName", "ModelName", "UserDefinedName", "SerialNumber", "FriendlyName"}) {
-                made.record.SetPropertyValue(key, sent);
-            }
-            m_world.cameras = {made};
-            openWindow();
-            select("02:5E:41:00:00:01");
-            QCOMPARE(tree().currentItem()->text(1), shown);
-            QVERIFY(!rows()[1].contains(QRegularExpression("\\p{Cc}")));
-            const QString details = QTextDocumentFragment::fromHtml(text("labelSelectionInfo")).toPlainText();
-            QCOMPARE(details.count(shown.simplified()), 5);
+        QFETCH(const QByteArray, sent);
+        QFETCH(const QString, shown);
+        sdk::Camera made = sdk::camera();
+        for (const char* const key :
+             {"VendorName", "ModelName", "UserDefinedName", "SerialNumber", "FriendlyName"}) {
+            made.record.SetPropertyValue(key, sent.constData());
         }
+        m_world.cameras = {made};
+        openWindow();
+        select("02:5E:41:00:00:01");
+        QCOMPARE(tree().currentItem()->text(1), shown);
+        QVERIFY(!rows()[1].contains(QRegularExpression("\\p{Cc}")));
+        const QString details = QTextDocumentFragment::fromHtml(text("labelSelectionInfo")).toPlainText();
+        QCOMPARE(details.count(shown.simplified()), 5);
     }
 };
 
