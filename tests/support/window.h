@@ -16,7 +16,6 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <tuple>
 
 namespace QTest {
 
@@ -36,10 +35,6 @@ struct Adapter : wire::TapDevice
     /// Addresses with prefix, as in "192.168.1.5/24". Throws std::runtime_error when the host refuses.
     Adapter(const QString& name, const QStringList& addresses, const QString& mac);
 };
-
-/// A table whose columns the loop over it names.
-template <typename... Columns>
-using Table = std::initializer_list<std::tuple<Columns...>>;
 
 /// How many override cursors are set.
 [[nodiscard]] int cursorDepth();
