@@ -137,8 +137,8 @@ private slots:
                            "SetPersistentIp(192.168.1.20, 255.255.255.0, 0.0.0.0)", "sleep(2)"};
         // The camera took the command, so from here on it is sought at its new address.
         QTest::newRow("the restart fails")
-            << Step([this] { failAt("RestartIpConfig"); }) << QStringList{failed, forceIpDialog, notSaved}
-            << QStringList{"Open(192.168.1.20, 1+3+4)"};
+            << Step([this] { failAt("RestartIpConfig"); }) << QStringList{failed}
+            << QStringList{"Open(192.168.1.20, 1+3+4)", "sleep(2)"};
         QTest::newRow("the wait fails")
             << Step([this] { failAt("EnumerateDevicesAnySubnet"); })
             << QStringList{reportUnexpected("waitForDevice", "cable") + "|wait cursor 2",

@@ -45,35 +45,21 @@ bool isReachable(const Camera& camera)
 
 void move(Camera& camera, Text ip, Text mask, Text gateway)
 {
+    if (!camera.keepsConfiguration) {
+        return;
+    }
     camera.record.SetIpAddress(ip);
     camera.record.SetSubnetMask(mask);
     camera.record.SetDefaultGateway(gateway);
     camera.record.SetAddress(ip + ":" + camera.record.GetPortNr());
 }
 
-void store(Camera& camera, bool persistent, bool dhcp)
+void setMode(Camera& camera, bool persistent, bool dhcp)
 {
     const unsigned int mode = Tessal::IpConfig::LinkLocal | (persistent ? Tessal::IpConfig::Persistent : 0U) |
                               (dhcp ? Tessal::IpConfig::Dhcp : 0U);
-    camera.stored.SetIpConfigCurrent(std::to_string(mode));
-}
-
-void store(Camera& camera, Text ip, Text mask, Text gateway)
-{
-    camera.stored.SetIpAddress(ip);
-    camera.stored.SetSubnetMask(mask);
-    camera.stored.SetDefaultGateway(gateway);
-}
-
-/// What a restart makes of it.
-void takeUpStored(Camera& camera)
-{
-    const Tessal::COrvikGigEDeviceInfo stored = std::exchange(camera.stored, {});
-    if (!stored.GetIpConfigCurrent().empty()) {
-        camera.record.SetIpConfigCurrent(stored.GetIpConfigCurrent());
-    }
-    if (camera.record.IsPersistentIpActive() && !stored.GetIpAddress().empty()) {
-        move(camera, stored.GetIpAddress(), stored.GetSubnetMask(), stored.GetDefaultGateway());
+    if (camera.keepsConfiguration) {
+        camera.record.SetIpConfigCurrent(std::to_string(mode));
     }
 }
 
@@ -118,12 +104,12 @@ public:
     void SetIpConfigMode(bool persistent, bool dhcp) override
     {
         call("SetIpConfigMode", persistent, dhcp);
-        forMac(m_record.GetMacAddress(), [&](Camera& camera) { store(camera, persistent, dhcp); });
+        forMac(m_record.GetMacAddress(), [&](Camera& camera) { setMode(camera, persistent, dhcp); });
     }
     void SetPersistentIp(Text ip, Text mask, Text gateway) override
     {
         call("SetPersistentIp", ip, mask, gateway);
-        forMac(m_record.GetMacAddress(), [&](Camera& camera) { store(camera, ip, mask, gateway); });
+        forMac(m_record.GetMacAddress(), [&](Camera& camera) { move(camera, ip, mask, gateway); });
     }
     [[nodiscard]] bool IsOpen() const override { return m_open; }
     [[nodiscard]] const Tessal::CDeviceInfo& GetDeviceInfo() const override { return m_record; }
@@ -200,10 +186,6 @@ public:
     {
         call("ForceIp", mac, ip, mask, gateway);
         forMac(mac, [&](Camera& camera) {
-            if (camera.stored.GetIpAddress().empty()) { // what it had before is what it goes back to
-                store(camera, camera.record.GetIpAddress(), camera.record.GetSubnetMask(),
-                      camera.record.GetDefaultGateway());
-            }
             move(camera, ip, mask, gateway);
             camera.silent = !camera.comesBack;
         });
@@ -211,12 +193,7 @@ public:
     void RestartIpConfig(Text mac) override
     {
         call("RestartIpConfig", mac);
-        forMac(mac, [](Camera& camera) {
-            if (camera.keepsConfiguration) {
-                takeUpStored(camera);
-            }
-            camera.silent = !camera.comesBack;
-        });
+        forMac(mac, [](Camera& camera) { camera.silent = !camera.comesBack; });
     }
     bool BroadcastIpConfig(Text mac, bool persistent, bool dhcp, Text ip, Text mask, Text gateway,
                            Text name) override
@@ -227,8 +204,10 @@ public:
             taken = camera.knowsBroadcast;
             if (taken) {
                 camera.record.SetPropertyValue("UserDefinedName", name);
-                store(camera, persistent, dhcp);
-                store(camera, ip, mask, gateway);
+                setMode(camera, persistent, dhcp);
+            }
+            if (taken && persistent) {
+                move(camera, ip, mask, gateway);
             }
         });
         return taken;

@@ -25,10 +25,8 @@ struct Camera
     bool knowsBroadcast = true;                    // the manufacturer's broadcast command
     bool comesBack = true;                         // is heard again after a restart or a forced address
     bool hasNodeMap = true;
-    bool keepsConfiguration = true; // takes up at a restart what was stored
-
-    Tessal::COrvikGigEDeviceInfo stored; // the mode and addresses of the latest write
-    bool silent = false;                 // away since a restart, because it does not come back
+    bool keepsConfiguration = true; // takes up the mode and addresses that it is given
+    bool silent = false;            // away since a restart, because it does not come back
 };
 
 /// A camera in static mode, with that model, MAC and address, heard by the host address `interface`.
