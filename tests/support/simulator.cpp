@@ -1,95 +1,100 @@
 #include "support/simulator.h"
 
+#include <QDeadlineTimer>
 #include <QDir>
+#include <QJsonDocument>
 
-#include <array>
-#include <chrono>
 #include <csignal>
-#include <cstdio>
 #include <stdexcept>
 
-#include <fcntl.h>
 #include <sys/prctl.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-namespace {
-
-/// Starts the simulator with its standard output in `output`.
-pid_t startSimulator(const QByteArray& sceneFile, int output)
+QJsonObject simulatedCamera(int number, const QString& name, const QString& ip, const QJsonObject& more)
 {
-    const pid_t process = ::fork();
-    if (process == 0) {
-        // It must not outlive a program that is killed.
-        ::prctl(PR_SET_PDEATHSIG, SIGTERM);
-        ::dup2(output, STDOUT_FILENO);
-        ::execl(SIMULATOR, SIMULATOR, sceneFile.constData(), nullptr);
-        ::_exit(127);
+    QJsonObject camera{{"name", name},
+                       {"userId", name},
+                       {"mac", QString("02-5E-41-00-00-%1").arg(number, 2, 16, QChar('0'))},
+                       {"vendor", "Orvik"},
+                       {"model", "km-1"},
+                       {"serial", QString::number(number)},
+                       {"enabled", QJsonArray{"persistent"}},
+                       {"persistent", QJsonObject{{"ip", ip}, {"mask", "255.255.255.0"}}}};
+    for (auto field = more.begin(); field != more.end(); ++field) {
+        camera.insert(field.key(), field.value());
     }
-    return process;
+    return camera;
 }
 
-} // namespace
+QJsonObject simulatedAdapter(const QString& name, const QJsonArray& addresses, const QJsonArray& cameras)
+{
+    return {{"name", name}, {"addresses", addresses}, {"cameras", cameras}};
+}
+
+QJsonArray behindOneAdapter(const QJsonArray& cameras)
+{
+    return {simulatedAdapter("lab0", {"192.168.10.1/24"}, cameras)};
+}
 
 Simulator::Simulator(const QString& scene)
 {
-    const QString file = QDir(SCENES).filePath(scene.endsWith(".json") ? scene : scene + ".json");
-    std::array<int, 2> ends{};
-    if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
-        throw std::runtime_error("the simulator gets no pipe");
+    start(QDir(SCENES).filePath(scene.endsWith(".json") ? scene : scene + ".json"));
+}
+
+Simulator::Simulator(const QJsonArray& adapters, const QJsonObject& network)
+{
+    QTemporaryFile file;
+    const QByteArray scene =
+        QJsonDocument(QJsonObject{{"adapters", adapters}, {"network", network}}).toJson();
+    if (!file.open() || file.write(scene) != scene.size() || !file.flush()) {
+        throw std::runtime_error("the scene cannot be written");
     }
-    m_output = ends[0];
-    m_process = startSimulator(file.toLocal8Bit(), ends[1]);
-    ::close(ends[1]);
-    m_reader = std::thread(&Simulator::readLines, this);
+    start(file.fileName());
+}
+
+void Simulator::start(const QString& sceneFile)
+{
+    if (!m_output.open()) {
+        throw std::runtime_error("the simulator gets no file for its output");
+    }
+    m_process.setStandardOutputFile(m_output.fileName());
+    m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    // It must not outlive a program that is killed.
+    m_process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGTERM); });
+    m_process.start(SIMULATOR, {sceneFile});
     if (!await("ready ")) {
-        // The destructor does not run, and the reader must not outlive the object.
-        ::kill(m_process, SIGTERM);
-        m_reader.join();
-        throw std::runtime_error("the simulator does not start with " + file.toStdString());
+        throw std::runtime_error("the simulator does not start with " + sceneFile.toStdString());
     }
     m_events.clear();
 }
 
 Simulator::~Simulator()
 {
-    ::kill(m_process, SIGTERM);
-    m_reader.join();
-    ::waitpid(m_process, nullptr, 0);
+    m_process.terminate();
+    m_process.waitForFinished();
 }
 
-void Simulator::readLines()
+QString Simulator::takeLine()
 {
-    std::FILE* const output = ::fdopen(m_output, "r");
-    char* line = nullptr;
-    std::size_t size = 0;
-    while (::getline(&line, &size, output) > 0) {
-        const std::lock_guard lock(m_mutex);
-        m_lines << QString::fromUtf8(line).trimmed();
-        m_arrived.notify_one();
-    }
-    std::free(line);
-    std::fclose(output);
-    const std::lock_guard lock(m_mutex);
-    m_ended = true;
-    m_arrived.notify_one();
+    m_begun += m_output.readLine();
+    return m_begun.endsWith('\n') ? QString::fromUtf8(std::exchange(m_begun, {})).trimmed() : QString();
 }
 
 bool Simulator::await(const QString& beginning)
 {
-    using namespace std::chrono_literals;
-    const auto deadline = std::chrono::steady_clock::now() + 10s;
-    std::unique_lock lock(m_mutex);
-    while (m_arrived.wait_until(lock, deadline, [this] { return hasLine(); }) && !m_lines.isEmpty()) {
-        const QString line = m_lines.takeFirst();
-        if (line.startsWith("state ")) {
-            m_states << line;
-        } else if (!line.startsWith("found ") && line != "end") {
-            m_events << line;
+    const QDeadlineTimer deadline(10'000);
+    for (bool ended = false; !ended && !deadline.hasExpired();) {
+        ended = m_process.state() == QProcess::NotRunning;
+        for (QString line = takeLine(); !line.isEmpty(); line = takeLine()) {
+            if (line.startsWith("state ")) {
+                m_states << line;
+            } else if (!line.startsWith("found ") && line != "end") {
+                m_events << line;
+            }
+            if (line.startsWith(beginning)) {
+                return true;
+            }
         }
-        if (line.startsWith(beginning)) {
-            return true;
-        }
+        m_process.waitForFinished(1); // for a millisecond, unless it ends
     }
     return false;
 }
@@ -103,7 +108,7 @@ QStringList Simulator::takeEvents()
 QStringList Simulator::states(const QString& camera)
 {
     m_states.clear();
-    ::kill(m_process, SIGUSR1);
+    ::kill(static_cast<pid_t>(m_process.processId()), SIGUSR1);
     if (!await("end")) {
         qFatal("the simulator does not tell its state");
     }

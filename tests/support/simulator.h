@@ -1,12 +1,19 @@
 #pragma once
 
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QProcess>
 #include <QStringList>
+#include <QTemporaryFile>
 
-#include <condition_variable>
-#include <mutex>
-#include <thread>
-
-#include <sys/types.h>
+/// A camera of a scene: with this number in its MAC address and for its serial number, and a static address.
+/// What `more` says is added, or said otherwise.
+[[nodiscard]] QJsonObject simulatedCamera(int number, const QString& name, const QString& ip,
+                                          const QJsonObject& more = {});
+[[nodiscard]] QJsonObject simulatedAdapter(const QString& name, const QJsonArray& addresses,
+                                           const QJsonArray& cameras);
+/// The adapter lab0 with the address 192.168.10.1/24, alone.
+[[nodiscard]] QJsonArray behindOneAdapter(const QJsonArray& cameras);
 
 /// The simulated cameras of one scene, running while this object lives.
 class Simulator
@@ -15,6 +22,7 @@ public:
     /// Starts simulator/scenes/NAME.json, or the file of that path, and returns when its cameras are up.
     /// Throws std::runtime_error if they do not come.
     explicit Simulator(const QString& scene);
+    explicit Simulator(const QJsonArray& adapters, const QJsonObject& network = {});
     Q_DISABLE_COPY_MOVE(Simulator)
     ~Simulator();
 
@@ -26,17 +34,13 @@ public:
     [[nodiscard]] QStringList states(const QString& camera = {});
 
 private:
-    void readLines();
-    [[nodiscard]] bool hasLine() const { return !m_lines.isEmpty() || m_ended; }
+    void start(const QString& sceneFile);
+    /// The next line of its output; empty if there is none yet.
+    [[nodiscard]] QString takeLine();
 
-    pid_t m_process = -1;
-    int m_output = -1; // the read end of its standard output
-    std::mutex m_mutex;
-    std::condition_variable m_arrived;
-    QStringList m_lines; // read and not yet looked at
-    bool m_ended = false;
-    std::thread
-        m_reader; // the simulator waits while nothing reads its lines, also in a program without events
+    QTemporaryFile m_output; // not a pipe: the simulator would wait for a reader when that is full
+    QByteArray m_begun;      // a line that has not ended yet
+    QProcess m_process;
     QStringList m_events;
     QStringList m_states;
 };
