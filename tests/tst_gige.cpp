@@ -28,6 +28,30 @@ QByteArray toHex(Bytes bytes)
 constexpr net::MacAddress mac{{0x02, 0x5E, 0x41, 0x0A, 0x0B, 0x0C}};
 const QByteArray gap(24, '0');
 
+/// A camera's description of itself, in which each text fills its field, so that none ends in a NUL.
+Packet identity()
+{
+    const QByteArray texts = QByteArray(32, 'v') + QByteArray(32, 'm') + QByteArray(32, 'd') +
+                             QByteArray(48, 'i') + QByteArray(16, 's') + QByteArray(16, 'n');
+    return fromHex("00020000800000010000025e410a0b0c0000000f00000006" + gap + "c0a80a33" + gap + "ffffff00" +
+                   gap + "c0a80afe" + texts.toHex());
+}
+
+void put(Packet& payload, int offset, const QByteArray& hex)
+{
+    std::ranges::copy(fromHex(hex), payload.begin() + offset);
+}
+
+/// What the record made of it has under that key.
+QByteArray valueOf(const Packet& payload, const char* key)
+{
+    GenICam::gcstring value;
+    gige::makeRecord(decodeIdentity(payload).value(), {0xC0A80A01}).GetPropertyValue(key, value);
+    return value.c_str();
+}
+
+constexpr int modelAt = 104, serialAt = 216, nameAt = 232;
+
 } // namespace
 
 /// What the camera layer does without a network.
@@ -75,18 +99,11 @@ private slots:
         QTest::addColumn<Ack>("code");
         QTest::addColumn<int>("payloadSize"); // what is needed is one register
         QTest::addColumn<Status>("status");
-        QTest::addColumn<int>("idOffset");
         QTest::addColumn<gige::Reply::Kind>("kind");
-        QTest::newRow("the value") << Ack::ReadReg << 4 << Status::Success << 0 << Done;
-        QTest::newRow("the value with a remark") << Ack::ReadReg << 4 << Status{0x0100} << 0 << Done;
-        QTest::newRow("the value and more") << Ack::ReadReg << 8 << Status::Success << 0 << Done;
-        QTest::newRow("half a value") << Ack::ReadReg << 2 << Status::Success << 0 << NotOurs;
-        QTest::newRow("the value for another id") << Ack::ReadReg << 4 << Status::Success << 1 << NotOurs;
-        QTest::newRow("another command's answer") << Ack::WriteReg << 4 << Status::Success << 0 << NotOurs;
-        QTest::newRow("no time") << Ack::ReadReg << 4 << Status::Busy << 0 << Busy;
-        QTest::newRow("a refusal") << Ack::ReadReg << 0 << Status::AccessDenied << 0 << Refused;
-        QTest::newRow("a request for time") << Ack::Pending << 4 << Status::Success << 0 << Pending;
-        QTest::newRow("time, but not how much") << Ack::Pending << 2 << Status::Success << 0 << NotOurs;
+        QTest::newRow("the value with a remark") << Ack::ReadReg << 4 << Status{0x0100} << Done;
+        QTest::newRow("half a value") << Ack::ReadReg << 2 << Status::Success << NotOurs;
+        QTest::newRow("another command's answer") << Ack::WriteReg << 4 << Status::Success << NotOurs;
+        QTest::newRow("time, but not how much") << Ack::Pending << 2 << Status::Success << NotOurs;
     }
 
     void aPacketIsJudgedByItsRequest()
@@ -94,64 +111,56 @@ private slots:
         QFETCH(const Ack, code);
         QFETCH(const int, payloadSize);
         QFETCH(const Status, status);
-        QFETCH(const int, idOffset);
         const auto request = gige::Request::readRegister(Register::ControlChannelPrivilege);
         Packet answer(HeaderSize + static_cast<std::size_t>(payloadSize));
         bytes::put16(answer, Header::Status, static_cast<std::uint16_t>(status));
         bytes::put16(answer, Header::Code, static_cast<std::uint16_t>(code));
         bytes::put16(answer, Header::Length, static_cast<std::uint16_t>(payloadSize));
-        bytes::put16(answer, Header::RequestId, static_cast<std::uint16_t>(request.id() + idOffset));
+        bytes::put16(answer, Header::RequestId, request.id());
         QTEST(request.judge(answer).kind, "kind");
     }
 
     void anIdentityIsReadFieldByField()
     {
-        // each text fills its field, so that none of them ends in a NUL
-        Packet payload = fromHex("00020000800000010000025e410a0b0c0000000f00000006" + gap + "c0a80a33" + gap +
-                                 "ffffff00" + gap + "c0a80afe");
-        payload.resize(248, 'x');
-        const auto record = [&payload](std::initializer_list<const char*> keys) {
-            QByteArrayList values;
-            for (const char* const key : keys) {
-                GenICam::gcstring value;
-                gige::makeRecord(decodeIdentity(payload).value(), {0xC0A80A01}).GetPropertyValue(key, value);
-                values << value.c_str();
-            }
-            return values.join(' ');
-        };
-        QCOMPARE(
-            record({"MacAddress", "Interface", "Address", "SubnetMask", "DefaultGateway", "IpConfigOptions",
-                    "IpConfigCurrent", "FriendlyName"}),
-            "025E410A0B0C 192.168.10.1 192.168.10.51:3956 255.255.255.0 192.168.10.254 7 6 xxxxxxxxxxxxxxxx (xxxxxxxxxxxxxxxx)");
-        // A text ends with its field, or at its first NUL; bytes that are no ASCII stay as they are.
-        const auto put = [&payload](int offset, const QByteArray& hex) {
-            std::ranges::copy(fromHex(hex), payload.begin() + offset);
-        };
-        for (const auto& [key, offset, size] : {std::tuple{"VendorName", 72, 32},
-                                                {"ModelName", 104, 32},
-                                                {"DeviceVersion", 136, 32},
-                                                {"ManufacturerInfo", 168, 48},
-                                                {"SerialNumber", 216, 16},
-                                                {"UserDefinedName", 232, 16}}) {
-            QCOMPARE(record({key}), QByteArray(size, 'x'));
-            put(offset, "c3a900");
-            QCOMPARE(record({key}), "\xC3\xA9");
+        QByteArrayList values;
+        for (const char* const key :
+             {"MacAddress", "Interface", "Address", "SubnetMask", "DefaultGateway", "IpConfigOptions",
+              "IpConfigCurrent", "VendorName", "ModelName", "DeviceVersion", "ManufacturerInfo",
+              "SerialNumber", "UserDefinedName", "FriendlyName"}) {
+            values << valueOf(identity(), key);
         }
-        // What is no UTF-8 must not make a name longer than a camera can store; flash memory is erased to FF.
-        const QByteArray longest = "c280e0a080ed9fbff0908080f48fbfbf";
-        for (const auto& [stored, name] : {std::pair{longest, QByteArray::fromHex(longest)},
-                                           {"6be46c6e 20 c3 ff", "k?ln ?"},
-                                           {"c1bf e09fbf eda080 f09f98 f5808080 00", "???????????????"},
-                                           {"f08fbfbf f4908080 c3a9 00", "????????\xC3\xA9"}}) {
-            put(232, stored);
-            QCOMPARE(record({"UserDefinedName"}), name);
-        }
-        put(104, "6b6d00"); // model
-        put(232, "00");
-        QCOMPARE(record({"FriendlyName"}), "km (\xC3\xA9)");
-        put(216, "00"); // serial number
-        QCOMPARE(record({"FriendlyName"}), "km");
-        QVERIFY(!decodeIdentity(Bytes(payload).first(247)));
+        const QByteArray serial(16, 's'), name(16, 'n');
+        QCOMPARE(values, (QByteArrayList{"025E410A0B0C", "192.168.10.1", "192.168.10.51:3956",
+                                         "255.255.255.0", "192.168.10.254", "7", "6", QByteArray(32, 'v'),
+                                         QByteArray(32, 'm'), QByteArray(32, 'd'), QByteArray(48, 'i'),
+                                         serial, name, name + " (" + serial + ")"}));
+        QVERIFY(!decodeIdentity(Bytes(identity()).first(247)));
+    }
+
+    void aNameIsMadeUtf8AndNoLonger()
+    {
+        const auto nameOf = [](const QByteArray& stored) {
+            Packet payload = identity();
+            put(payload, nameAt, stored);
+            return valueOf(payload, "UserDefinedName");
+        };
+        const QByteArray allLengths = "c280e0a080ed9fbff0908080f48fbfbf";
+        QCOMPARE(nameOf(allLengths), QByteArray::fromHex(allLengths));
+        QCOMPARE(nameOf("6be46c6e20c3ff00"), "k?ln ?"); // Latin-1, half a character, erased flash memory
+        QCOMPARE(nameOf("c1bfe09fbfeda080f09f98f580808000"),
+                 QByteArray(15, '?')); // not the shortest, too large
+        QCOMPARE(nameOf("f08fbfbff4908080c3a900"), "????????\xC3\xA9");
+    }
+
+    void aFriendlyNameIsMadeOfWhatThereIs()
+    {
+        Packet payload = identity();
+        put(payload, modelAt, "6b6d00");
+        put(payload, nameAt, "00");
+        put(payload, serialAt, "c3a900"); // bytes that are no ASCII stay as they are
+        QCOMPARE(valueOf(payload, "FriendlyName"), "km (\xC3\xA9)");
+        put(payload, serialAt, "00");
+        QCOMPARE(valueOf(payload, "FriendlyName"), "km");
     }
 
     void aCameraIsWaitedForAsItAsksButNotForEver()
@@ -171,9 +180,17 @@ private slots:
         const auto judge = [](int all, int own, const char* defaultAdapter) {
             return gige::judgeReversePath(all, own, "eth0", defaultAdapter);
         };
-        QVERIFY(judge(0, 0, "") == Open && judge(0, 1, "") == Strict && judge(1, 0, "") == Strict);
-        QVERIFY(judge(1, 1, "wlan0") == Strict && judge(1, 1, "eth0") == Open);
-        QVERIFY(judge(1, 2, "wlan0") == Open && judge(2, 1, "") == NoRoute);
+        QCOMPARE(judge(0, 0, ""), Open);
+        QCOMPARE(judge(0, 1, ""), Strict);
+        QCOMPARE(judge(1, 0, ""), Strict);
+        QCOMPARE(judge(1, 1, "wlan0"), Strict);
+        QCOMPARE(judge(1, 1, "eth0"), Open);
+        QCOMPARE(judge(1, 2, "wlan0"), Open);
+        QCOMPARE(judge(2, 1, ""), NoRoute);
+    }
+
+    void theCheapestDefaultRouteCounts()
+    {
         const std::string network = "titles\neth0\t000AA8C0\t00000000\t0001\t0\t0\t0\t00FFFFFF\t0\n";
         const std::string rejected = "*\t00000000\t00000000\t0201\t0\t0\t0\t00000000\t0\n";
         const std::string half = "tun0\t00000000\t00000000\t0001\t0\t0\t0\t00000080\t0\n";
@@ -181,6 +198,14 @@ private slots:
         const std::string cheap = "eth1\t00000000\t0102A8C0\t0003\t0\t0\t100\t00000000\t0\n";
         QCOMPARE(net::defaultRouteAdapter(network + rejected + half), std::string());
         QCOMPARE(net::defaultRouteAdapter(network + costly + rejected + cheap + half), std::string("eth1"));
+    }
+
+    void recordsAreCompared()
+    {
+        Tessal::COrvikGigEDeviceInfo record;
+        const Tessal::COrvikGigEDeviceInfo empty(record);
+        record.SetPropertyValue(Tessal::Key::UserDefinedName, "belt");
+        QVERIFY(record.IsSubset(empty) && !empty.IsSubset(record) && !(record == empty));
     }
 };
 
