@@ -149,24 +149,18 @@ private slots:
         }
     }
 
-    void masksAreJudged_data()
-    {
-        QTest::addColumn<QValidator::State>("state");
-        const auto rows = [](QValidator::State state, const QByteArrayList& masks) {
-            for (const QByteArray& mask : masks) {
-                QTest::newRow(mask) << state;
-            }
-        };
-        rows(QValidator::Acceptable, {"128.0.0.0", "255.255.000.000", "255.255.255.255"});
-        rows(QValidator::Intermediate, {"255.0.255.0", "0.0.0.255", "0.0.0.0", "255.255.", "1", "/32", "33"});
-        rows(QValidator::Invalid, {"2/4", "255.x"});
-    }
-
     void masksAreJudged()
     {
-        QString mask = QTest::currentDataTag();
-        int pos = 0;
-        QTEST(QIpNetmaskValidator(nullptr).validate(mask, pos), "state");
+        const auto judge = [](QString mask) {
+            int pos = 0;
+            return QIpNetmaskValidator(nullptr).validate(mask, pos);
+        };
+        QCOMPARE(judge("255.255.000.000"), QValidator::Acceptable);
+        QCOMPARE(judge("0.0.0.0"), QValidator::Intermediate);
+        QCOMPARE(judge("0.0.0.255"), QValidator::Intermediate);
+        QCOMPARE(judge("/32"), QValidator::Intermediate);
+        QCOMPARE(judge("2/4"), QValidator::Invalid);
+        QCOMPARE(judge("255.x"), QValidator::Invalid);
     }
 
     void whatPeopleTypeIsUnderstood_data()

@@ -54,19 +54,6 @@ private slots:
                  2); // nobody edited it
     }
 
-    void aStaticAddressThatNoCameraCanHaveIsRefused()
-    {
-        start("test-saving", "km-1");
-        enter("editIpAddress", "127.0.0.1");
-        saveFails({gui::reportOwn("Invalid IP address. IP addresses 224.0.0.0 to 255.255.255.255 and "
-                                  "127.0.0.1 are not allowed.",
-                                  "unicastConfiguration"),
-                   gui::notSaved});
-        QCOMPARE(simulator().takeEvents().filter("configured"), QStringList());
-        m_controlled = {"belt"};
-        QVERIFY(text("editIpAddress") == "127.0.0.1" && canSave());
-    }
-
     void anotherMakersCameraIsConfiguredByUnicast()
     {
         start("test-saving", "BX-3");

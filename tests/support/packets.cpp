@@ -1,5 +1,6 @@
 #include "support/packets.h"
 
+#include <QMap>
 #include <QtEndian>
 
 namespace packets {
@@ -34,52 +35,20 @@ QByteArray command(gvcp::Command code, const QByteArray& payload, Reply reply = 
     return header + halfWord(1) + payload;
 }
 
-QString nameOf(std::uint16_t code)
-{
-    switch (gvcp::Ack{code}) {
-    case gvcp::Ack::Discovery:
-        return "DISCOVERY";
-    case gvcp::Ack::ForceIp:
-        return "FORCEIP";
-    case gvcp::Ack::ReadReg:
-        return "READREG";
-    case gvcp::Ack::WriteReg:
-        return "WRITEREG";
-    case gvcp::Ack::ReadMem:
-        return "READMEM";
-    case gvcp::Ack::WriteMem:
-        return "WRITEMEM";
-    case gvcp::Ack::Pending:
-        return "PENDING";
-    case gvcp::Ack::BroadcastIpConfig:
-        return "BROADCAST_IPCONFIG";
-    }
-    return "code " + halfWord(code).toHex();
-}
+const QMap<gvcp::Ack, QString> acknowledges{{gvcp::Ack::Discovery, "DISCOVERY"},
+                                            {gvcp::Ack::ForceIp, "FORCEIP"},
+                                            {gvcp::Ack::ReadReg, "READREG"},
+                                            {gvcp::Ack::WriteReg, "WRITEREG"},
+                                            {gvcp::Ack::ReadMem, "READMEM"},
+                                            {gvcp::Ack::Pending, "PENDING"},
+                                            {gvcp::Ack::BroadcastIpConfig, "BROADCAST_IPCONFIG"}};
 
-QString nameOf(gvcp::Status status)
-{
-    switch (status) {
-    case gvcp::Status::Success:
-        return "success";
-    case gvcp::Status::NotImplemented:
-        return "not implemented";
-    case gvcp::Status::InvalidParameter:
-        return "invalid parameter";
-    case gvcp::Status::InvalidAddress:
-        return "invalid address";
-    case gvcp::Status::WriteProtected:
-        return "write protected";
-    case gvcp::Status::BadAlignment:
-        return "bad alignment";
-    case gvcp::Status::AccessDenied:
-        return "access denied";
-    case gvcp::Status::Busy:
-        return "busy";
-    default:
-        return "status " + halfWord(static_cast<std::uint16_t>(status)).toHex();
-    }
-}
+const QMap<gvcp::Status, QString> statuses{{gvcp::Status::Success, "success"},
+                                           {gvcp::Status::InvalidParameter, "invalid parameter"},
+                                           {gvcp::Status::InvalidAddress, "invalid address"},
+                                           {gvcp::Status::WriteProtected, "write protected"},
+                                           {gvcp::Status::BadAlignment, "bad alignment"},
+                                           {gvcp::Status::AccessDenied, "access denied"}};
 
 } // namespace
 
@@ -146,8 +115,8 @@ QString describe(const QByteArray& acknowledge, std::uint16_t id)
         return "an acknowledge of another request";
     }
     const QByteArray payload = acknowledge.sliced(gvcp::HeaderSize).toHex().toUpper();
-    return (nameOf(field(gvcp::Header::Code)) + ' ' + nameOf(gvcp::Status{field(gvcp::Header::Status)}) +
-            ' ' + payload)
+    return (acknowledges.value(gvcp::Ack{field(gvcp::Header::Code)}, "another code") + ' ' +
+            statuses.value(gvcp::Status{field(gvcp::Header::Status)}, "another status") + ' ' + payload)
         .trimmed();
 }
 
