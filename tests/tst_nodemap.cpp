@@ -312,6 +312,13 @@ private slots:
             "'A' refers to too many nodes or to itself");
         row("bits outside", userId(atA) + maskedReg("0x2000", "4", {{"Bit", "32"}}),
             "'A' has a bit field outside of its register");
+        row("an address in a register that must not be read",
+            userId(atA) + node("IntReg", "A", {{"Address", "0x9000"}, {"Length", "4"}}),
+            "'A' cannot be read: no such register");
+        row("a length in a register that outlasts the time there is",
+            userId({{"Address", "0x1000"}, {"pLength", "A"}}) +
+                node("IntReg", "A", {{"Address", "0x9004"}, {"Length", "4"}}),
+            "'A' takes too long to be read: no answer in time");
         row("not in the camera's registers",
             node("StringReg", "DeviceUserID", Children{{"pPort", "P"}, {"Address", "0"}, {"Length", "4"}}) +
                 node("Port", "P", {{"ChunkID", "1"}}),
@@ -325,6 +332,8 @@ private slots:
         QFETCH(const QByteArray, nodes);
         QFETCH(const QString, reason);
         m_port->putFile(descriptionOf(nodes));
+        m_port->faults[0x9000] = deny;
+        m_port->faults[0x9004] = outlastTheLimit;
         QCOMPARE(writeName(),
                  "The feature 'DeviceUserID' cannot be used: in the camera's description, node " + reason +
                      '.');
@@ -333,7 +342,11 @@ private slots:
     void aCameraThatFallsSilentIsNotTakenForOneWithoutDescription()
     {
         m_port->faults[gvcp::Register::FirstUrl] = keepSilent;
+        m_port->faults[gvcp::Register::Capability] = keepSilent;
         QVERIFY_THROWS_EXCEPTION(GenICam::TimeoutException, static_cast<void>(name()));
+        m_port->faults.erase(gvcp::Register::Capability); // then only the description cannot be had
+        m_port->put(gvcp::Register::Capability, "\x80");
+        QCOMPARE(name()->GetMaxLength(), 16);
     }
 
     void aNameIsReadBack()

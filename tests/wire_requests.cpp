@@ -73,6 +73,8 @@ private slots:
             << QJsonObject{{"emptyWriteAcks", true}} << 0;
         QTest::newRow("that grants WRITEMEM and refuses it")
             << QJsonObject{{"refuse", QJsonObject{{"WRITEMEM", "8001"}}}} << 1;
+        QTest::newRow("that grants WRITEMEM and denies it")
+            << QJsonObject{{"refuse", QJsonObject{{"WRITEMEM", "8006"}}}} << 1;
         QTest::newRow("that does not know WRITEMEM") << QJsonObject{{"knowsWriteMem", false}} << 0;
     }
 
@@ -108,6 +110,8 @@ private slots:
         const QString busy = "is busy and cannot be controlled at the moment. Wait a moment, then try again.";
         row("no time to give control", {{"refuse", QJsonObject{{"register:0x0A00", "8007"}}}}, busy);
         row("control given, and said to be busy", {{"misreport", QJsonObject{{"0x0A00", "8007"}}}}, busy);
+        row("control given, and said to be denied", {{"misreport", QJsonObject{{"0x0A00", "8006"}}}},
+            "is controlled by another application, on the computer 192.168.10.1.");
         row("control given without a word", {{"misreport", QJsonObject{{"0x0A00", "nothing"}}}},
             "did not answer when this program asked for control.");
         row("asks for another minute again and again", {{"onlyPendingMs", QJsonObject{{"WRITEREG", 60000}}}},

@@ -11,10 +11,20 @@
 #include <utility>
 
 /// What reading a register does instead.
-using Fault = void (*)();
-inline constexpr Fault refuse = [] { gige::raise<gige::RefusalException>("no such register"); };
-inline constexpr Fault deny = [] { gige::raise<GenICam::AccessException>("no such register"); };
-inline constexpr Fault keepSilent = [] { gige::raise<GenICam::TimeoutException>("no such register"); };
+using Fault = void (*)(gige::RegisterPort&);
+inline constexpr Fault refuse = [](gige::RegisterPort&) {
+    gige::raise<gige::RefusalException>("no such register");
+};
+inline constexpr Fault deny = [](gige::RegisterPort&) {
+    gige::raise<GenICam::AccessException>("no such register");
+};
+inline constexpr Fault keepSilent = [](gige::RegisterPort&) {
+    gige::raise<GenICam::TimeoutException>("no answer");
+};
+inline constexpr Fault outlastTheLimit = [](gige::RegisterPort& port) {
+    port.setDeadline(std::chrono::steady_clock::now());
+    gige::raise<GenICam::TimeoutException>("no answer in time");
+};
 
 inline constexpr std::uint32_t fileAddress = 0x10000;
 
@@ -32,7 +42,7 @@ struct FakePort : gige::RegisterPort
     void read(std::uint32_t address, std::span<std::uint8_t> to) override
     {
         if (address >= fileAddress && to.size() <= 4) {
-            refuse();
+            refuse(*this);
         }
         readMemory(address, to);
     }
@@ -40,17 +50,17 @@ struct FakePort : gige::RegisterPort
     {
         ++reads;
         if (faults.contains(address)) {
-            faults[address]();
+            faults[address](*this);
         }
         if (std::cmp_greater(address + to.size(), memory.size())) {
-            refuse();
+            refuse(*this);
         }
         std::copy_n(memory.cbegin() + address, to.size(), to.begin());
     }
     void write(std::uint32_t address, std::span<const std::uint8_t> from) override
     {
         if ((address | from.size()) % gvcp::RegisterSize != 0) {
-            refuse();
+            refuse(*this);
         }
         if (keepsTexts) {
             put(address, QByteArray(reinterpret_cast<const char*>(from.data()), std::ssize(from)));
