@@ -1,8 +1,10 @@
 """What scripts share that use the program as a user does: a virtual display, mouse and keyboard, and the window as an
 accessibility tool sees it. Needs a D-Bus session of its own."""
 
+import contextlib
 import os
 import subprocess
+import threading
 import time
 
 import gi
@@ -32,6 +34,20 @@ def wait_for(what, condition, seconds=20.0):
 def expect(what, seen, expected):
     if seen != expected:
         raise Surprise(f"{what}: saw {seen!r} instead of {expected!r}")
+
+
+@contextlib.contextmanager
+def simulated_cameras(programs, scene):
+    """The simulator, with its cameras up, in a `with` block; `programs` is the directory where it is."""
+    process = subprocess.Popen([os.path.join(programs, "gige-simulator"), scene], stdout=subprocess.PIPE, text=True)
+    try:
+        if not any(line.startswith("ready ") for line in iter(process.stdout.readline, "")):
+            raise Surprise("the simulated cameras did not start")
+        threading.Thread(target=process.stdout.read, daemon=True).start()  # a full pipe would halt them
+        yield process
+    finally:
+        process.terminate()
+        process.wait()
 
 
 class Desktop:
