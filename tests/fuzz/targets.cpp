@@ -1,9 +1,7 @@
-#include "camera/camera.h"
 #include "codec.h"
 #include "description.h"
 #include "descriptionerror.h"
 #include "registerport.h"
-#include "scene/scene.h"
 #include "stringnode.h"
 #include "xmldescription.h"
 #include "zipdescription.h"
@@ -79,45 +77,11 @@ void fuzz_gvcp(Bytes input) noexcept
     static_cast<void>(gvcp::decodePendingAck(payload));
 }
 
-/// A simulated camera, and what two hosts say to it: for each datagram one byte that tells who speaks and
-/// how, one with its length, and the datagram itself. A quarter of a second passes between two of them.
-void fuzz_command(Bytes input) noexcept
-{
-    sim::CameraConfig config;
-    config.mac = {{2, 0, 0, 0, 0, 1}};
-    config.persistent = {{0xC0A80A15}, {0xFFFFFF00}, {}};
-    config.description = std::make_shared<sim::Description>();
-    sim::Instant now{};
-    sim::Camera camera(config, now);
-    sim::Effects effects;
-    while (input.size() >= 2) {
-        const Bytes said = input.subspan(2, std::min<std::size_t>(input[1], input.size() - 2));
-        const std::vector<std::uint8_t> datagram(said.begin(), said.end());
-        const sim::Endpoint from{{0xC0A80A01U + (input[0] & 1U)}, 40000};
-        effects.clear();
-        camera.hear({from, (input[0] & 2) != 0, datagram}, now, effects);
-        for (const sim::Answer& answer : effects.answers) {
-            require(answer.message.size >= gvcp::HeaderSize && answer.message.size <= gvcp::MaxPacketSize);
-        }
-        now += std::chrono::milliseconds(250);
-        camera.advance(now, effects);
-        input = input.subspan(2 + said.size());
-    }
-    static_cast<void>(camera.state());
-}
-
-void fuzz_scene(Bytes input)
-{
-    static_cast<void>(sim::parseScene(std::string(input.begin(), input.end()), "/nonexistent"));
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 try {
     // In a buffer of its own, so that a byte read beyond it is seen.
     FUZZED(std::vector(data, data + size));
     return 0;
 } catch (const gige::DescriptionError&) {
-    return 0;
-} catch (const sim::SceneError&) {
     return 0;
 }
