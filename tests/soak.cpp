@@ -8,8 +8,6 @@
 #include "support/cameralayer.h"
 #include "support/simulator.h"
 
-#include "genicam/nodemap.h"
-
 #include <QCoreApplication>
 
 #include <cstdio>
@@ -75,9 +73,6 @@ constexpr std::array<Target, 5> makersCameras{{{"near-1", "025E41000001", "192.1
                                                {"near-3", "025E41000003", "192.168.10."},
                                                {"far-1", "025E41000011", "172.16.4."},
                                                {"far-2", "025E41000012", "172.16.4."}}};
-constexpr std::array<Target, 2> otherCameras{
-    {{"other-1", "025E41000021", "192.168.10."}, {"other-2", "025E41000022", "192.168.10."}}};
-
 struct Settings
 {
     bool dhcp = false;
@@ -102,11 +97,9 @@ public:
 
     /// Whether it found all cameras.
     bool search();
-    void save(const Target& target, bool byBroadcast, SaveCounts& counts);
+    void save(const Target& target, SaveCounts& counts);
 
 private:
-    [[nodiscard]] gcstring addressOf(const Target& target) const;
-    void storeByUnicast(const Target& target, const Settings& wanted);
     bool hasStored(const Target& target, const Settings& wanted);
 
     Simulator m_simulator;
@@ -125,31 +118,6 @@ bool Soak::search()
     return macs.size() == cameraCount;
 }
 
-gcstring Soak::addressOf(const Target& target) const
-{
-    for (const Tessal::COrvikGigEDeviceInfo& record : m_found) {
-        if (record.GetMacAddress() == target.mac) {
-            return record.GetIpAddress();
-        }
-    }
-    return {};
-}
-
-void Soak::storeByUnicast(const Target& target, const Settings& wanted)
-{
-    Tessal::CDeviceInfo info = m_layer->CreateDeviceInfo();
-    info.SetPropertyValue(Tessal::Key::IpAddress, addressOf(target));
-    const auto destroy = [this](Tessal::ITessalDevice* device) { m_layer->DestroyDevice(device); };
-    const std::unique_ptr<Tessal::ITessalDevice, decltype(destroy)> device(m_layer->CreateDevice(info),
-                                                                           destroy);
-    auto& gige = dynamic_cast<Tessal::ITessalGigEDevice&>(*device);
-    gige.Open(Tessal::EDeviceAccessMode::Control);
-    const GenApi::CPointer<GenApi::IString, GenApi::IBase> name(gige.GetNodeMap()->GetNode("DeviceUserID"));
-    name->SetValue(wanted.name, true);
-    gige.SetIpConfigMode(true, wanted.dhcp);
-    gige.SetPersistentIp(wanted.ip, wanted.mask, wanted.gateway);
-}
-
 bool Soak::hasStored(const Target& target, const Settings& wanted)
 {
     const std::string stored = std::string(wanted.dhcp ? " enabled=persistent,dhcp" : " enabled=persistent") +
@@ -158,7 +126,7 @@ bool Soak::hasStored(const Target& target, const Settings& wanted)
     return m_simulator.states(target.name).join('\n').contains(stored.c_str());
 }
 
-void Soak::save(const Target& target, bool byBroadcast, SaveCounts& counts)
+void Soak::save(const Target& target, SaveCounts& counts)
 {
     const std::string number = std::to_string(++m_saves % 100 + 100);
     const Settings wanted{m_saves % 2 == 0, target.subnet + number,
@@ -166,10 +134,8 @@ void Soak::save(const Target& target, bool byBroadcast, SaveCounts& counts)
                           target.subnet + std::to_string(m_saves % 200 + 1), "camera " + number};
     try {
         search(); // the layer goes by what it heard last
-        if (!byBroadcast) {
-            storeByUnicast(target, wanted);
-        } else if (!m_layer->BroadcastIpConfig(target.mac, true, wanted.dhcp, wanted.ip, wanted.mask,
-                                               wanted.gateway, wanted.name)) {
+        if (!m_layer->BroadcastIpConfig(target.mac, true, wanted.dhcp, wanted.ip, wanted.mask, wanted.gateway,
+                                        wanted.name)) {
             ++counts.failed;
             return;
         }
@@ -190,24 +156,19 @@ bool run(const Line& line, int searches, std::size_t saves)
     for (int i = 0; i < searches; ++i) {
         missed += soak.search() ? 0 : 1;
     }
-    SaveCounts byBroadcast;
-    SaveCounts byUnicast;
+    SaveCounts counts;
     for (std::size_t i = 0; i < saves; ++i) {
-        soak.save(makersCameras[i % makersCameras.size()], true, byBroadcast);
-        soak.save(otherCameras[i % otherCameras.size()], false, byUnicast);
+        soak.save(makersCameras[i % makersCameras.size()], counts);
     }
-    std::printf("%-26s %3d of %3d", line.name, searches - missed, searches);
-    for (const SaveCounts& counts : {byBroadcast, byUnicast}) {
-        std::printf("   %3d done %3d failed %3d wrong", counts.done, counts.failed, counts.wrong);
-    }
-    std::printf("\n");
+    std::printf("%-26s %3d of %3d   %3d done %3d failed %3d wrong\n", line.name, searches - missed, searches,
+                counts.done, counts.failed, counts.wrong);
     std::fflush(stdout);
-    return missed * 1000 <= line.missesPerThousand * searches && byBroadcast.wrong + byUnicast.wrong == 0;
+    return missed * 1000 <= line.missesPerThousand * searches && counts.wrong == 0;
 }
 
 bool runAll(bool isLong)
 {
-    std::printf("line; searches that found all cameras; saves by broadcast; saves by unicast\n");
+    std::printf("line; searches that found all cameras; saves by broadcast\n");
     bool held = true;
     for (const Line& line : lines) {
         if (isLong || line.isQuick) {
