@@ -69,7 +69,6 @@ private slots:
             {{Address, Kind::BroadcastAddress}, {Mask, Kind::OtherMask}});
         row("of another adapter's network", "192.168.20.5", classC, "", {{Address, Kind::OutsideAdapter}});
         row("no mask", "192.168.10.77", "255.0.255.0", "", {{Mask, Kind::NoMask}});
-        row("mask of nothing", "192.168.10.77", "0.0.0.0", "", {{Mask, Kind::NoMask}});
         row("another mask than the adapter's", "10.1.2.77", classC, "", {{Mask, Kind::OtherMask}});
         row("gateway in another network", "192.168.10.77", classC, "192.168.20.1",
             {{Gateway, Kind::GatewayOutside}});
@@ -90,7 +89,6 @@ private slots:
             Purpose::LeftOver);
         row("left over, refused", "224.0.0.1", "", "", {{Address, Kind::LeftOverAddress}}, Purpose::LeftOver);
         row("left over, taken", "192.168.10.1", "255.", "1", {}, Purpose::LeftOver);
-        row("left over, emptied", "", "", "", {}, Purpose::LeftOver);
     }
 
     void whatCannotWorkIsTold()

@@ -93,31 +93,22 @@ private slots:
         QCOMPARE(gige::describeStatus(Status::AccessDenied), "access is denied (8006)");
     }
 
-    void aPacketIsJudgedByItsRequest_data()
-    {
-        using enum gige::Reply::Kind;
-        QTest::addColumn<Ack>("code");
-        QTest::addColumn<int>("payloadSize"); // what is needed is one register
-        QTest::addColumn<Status>("status");
-        QTest::addColumn<gige::Reply::Kind>("kind");
-        QTest::newRow("the value with a remark") << Ack::ReadReg << 4 << Status{0x0100} << Done;
-        QTest::newRow("half a value") << Ack::ReadReg << 2 << Status::Success << NotOurs;
-        QTest::newRow("another command's answer") << Ack::WriteReg << 4 << Status::Success << NotOurs;
-        QTest::newRow("time, but not how much") << Ack::Pending << 2 << Status::Success << NotOurs;
-    }
-
     void aPacketIsJudgedByItsRequest()
     {
-        QFETCH(const Ack, code);
-        QFETCH(const int, payloadSize);
-        QFETCH(const Status, status);
-        const auto request = gige::Request::readRegister(Register::ControlChannelPrivilege);
-        Packet answer(HeaderSize + static_cast<std::size_t>(payloadSize));
-        bytes::put16(answer, Header::Status, static_cast<std::uint16_t>(status));
-        bytes::put16(answer, Header::Code, static_cast<std::uint16_t>(code));
-        bytes::put16(answer, Header::Length, static_cast<std::uint16_t>(payloadSize));
-        bytes::put16(answer, Header::RequestId, request.id());
-        QTEST(request.judge(answer).kind, "kind");
+        using enum gige::Reply::Kind;
+        const auto judge = [](Ack code, std::size_t payloadSize, Status status) {
+            const auto request = gige::Request::readRegister(Register::ControlChannelPrivilege);
+            Packet answer(HeaderSize + payloadSize);
+            bytes::put16(answer, Header::Status, static_cast<std::uint16_t>(status));
+            bytes::put16(answer, Header::Code, static_cast<std::uint16_t>(code));
+            bytes::put16(answer, Header::Length, static_cast<std::uint16_t>(payloadSize));
+            bytes::put16(answer, Header::RequestId, request.id());
+            return request.judge(answer).kind;
+        };
+        QCOMPARE(judge(Ack::ReadReg, 4, Status{0x0100}), Done); // the value with a remark
+        QCOMPARE(judge(Ack::ReadReg, 2, Status::Success), NotOurs);
+        QCOMPARE(judge(Ack::WriteReg, 4, Status::Success), NotOurs);
+        QCOMPARE(judge(Ack::Pending, 2, Status::Success), NotOurs);
     }
 
     void anIdentityIsReadFieldByField()

@@ -35,14 +35,13 @@ class WireWindowTest : public WireTest
     Q_OBJECT
 
     /// Chooses the command of the camera's context menu and enters the address.
-    void assign(const QString& model, const QString& ip, const QList<gui::Answer>& more = {})
+    void assign(const QString& model, const QString& ip)
     {
         expect({[](QWidget& menu) {
                     QTest::keyClick(&menu, Qt::Key_Down);
                     QTest::keyClick(&menu, Qt::Key_Return);
                 },
                 gui::fill({{"editIpAddress", ip}})});
-        expect(more);
         openMenuOf(model);
     }
 
@@ -91,18 +90,6 @@ private slots:
         QCOMPARE(forceByMac("02-A3-17-00-00-44"), QStringList{gui::forceIpDialog});
         QCOMPARE(takeSleeps(), 30);
         QCOMPARE(rows(), before);
-    }
-
-    void anAddressThatTheCameraDoesNotTakeIsNotShown()
-    {
-        start("test-commands", "BX-3");
-        m_controlled = {"held", "locked"};
-        const QStringList before = rows();
-        assign("BX-3", "192.168.10.133", {gui::escape});
-        QVERIFY(takeDialogs().last().contains("192.168.10.23"));
-        QCOMPARE(rows(), before);
-        QCOMPARE(takeSleeps(), 0);
-        QVERIFY(takeTrace().last().startsWith("error Failed to force IP for MAC=02A317000003. Err='"));
     }
 };
 

@@ -65,13 +65,9 @@ QByteArray forceIp(const net::MacAddress& camera, net::Ipv4 ip, net::Ipv4 mask)
     return command(gvcp::Command::ForceIp, payload, Reply::MayBeBroadcast);
 }
 
-QByteArray readRegisters(const std::vector<std::uint32_t>& addresses)
+QByteArray readRegister(std::uint32_t address)
 {
-    QByteArray payload;
-    for (const std::uint32_t address : addresses) {
-        payload += word(address);
-    }
-    return command(gvcp::Command::ReadReg, payload);
+    return command(gvcp::Command::ReadReg, word(address));
 }
 
 QByteArray writeRegisters(const std::vector<std::pair<std::uint32_t, std::uint32_t>>& values)
