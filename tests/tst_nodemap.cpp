@@ -212,7 +212,6 @@ private slots:
         checkUse(whyNot);
     }
 
-    // NOLINTNEXTLINE(readability-function-size): a table, each row a case
     void aTextFeatureIsReadAndWritten_data()
     {
         QTest::addColumn<QByteArray>("nodes");

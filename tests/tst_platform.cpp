@@ -206,7 +206,6 @@ private slots:
         QVERIFY(trace.lines() == expected);
     }
 
-    // NOLINTNEXTLINE(readability-function-size): a table, each row a case
     void aFailureIsToldInPlainSentences_data()
     {
         using enum Tessal::FailureKind;

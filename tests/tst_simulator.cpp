@@ -19,7 +19,6 @@ constexpr net::MacAddress otherMac{{0x02, 0x5E, 0x41, 0, 0, 2}};
 constexpr net::Ipv4 hostIp{0xC0A80A01};        // 192.168.10.1
 constexpr net::Ipv4 foreignHostIp{0x0A090001}; // 10.9.0.1
 constexpr net::Ipv4 cameraIp{0xC0A80A15};      // 192.168.10.21
-constexpr net::Ipv4 everybody = net::limitedBroadcast;
 constexpr net::Ipv4 classC{0xFFFFFF00};
 
 namespace reg = gvcp::Register;
@@ -74,7 +73,8 @@ public:
     }
     QStringList takeEvents() { return std::exchange(m_events, {}); }
 
-    /// Sends the camera a message. Where its answers go, and whom it asks for the way.
+    /// Sends the camera a message. The destinations of its answers, and the addresses that it asks for by
+    /// ARP.
     QStringList send(net::Ipv4 from, net::Ipv4 to, const QByteArray& message, std::uint16_t port = 1000)
     {
         const std::vector<std::uint8_t> payload(message.begin(), message.end());
@@ -245,14 +245,15 @@ private slots:
                             const QByteArray& message, const QStringList& ways = {}) {
             QTest::newRow(name) << QString(gateway) << from << to << message << ways;
         };
-        row("a register read by broadcast", "192.168.10.1", hostIp, everybody, readPrivilege);
+        row("a register read by broadcast", "192.168.10.1", hostIp, net::limitedBroadcast, readPrivilege);
         row("asked at another address", "192.168.10.1", hostIp, net::Ipv4{0xC0A80A16}, ask);
         row("asked from a foreign subnet, the answer may be broadcast", "192.168.10.1", foreignHostIp,
-            everybody, packets::discovery(), {"to 255.255.255.255"});
-        row("otherwise it has to go through the gateway", "192.168.10.1", foreignHostIp, everybody, ask,
-            {"asks for 192.168.10.1"});
-        row("which a gateway of another subnet cannot be", "192.168.20.1", foreignHostIp, everybody, ask);
-        row("nor is there a way without a gateway", "0.0.0.0", foreignHostIp, everybody, ask);
+            net::limitedBroadcast, packets::discovery(), {"to 255.255.255.255"});
+        row("otherwise it has to go through the gateway", "192.168.10.1", foreignHostIp,
+            net::limitedBroadcast, ask, {"asks for 192.168.10.1"});
+        row("which a gateway of another subnet cannot be", "192.168.20.1", foreignHostIp,
+            net::limitedBroadcast, ask);
+        row("nor is there a way without a gateway", "0.0.0.0", foreignHostIp, net::limitedBroadcast, ask);
     }
 
     void camerasHearAndReachOnlyWhatRealOnesWould()

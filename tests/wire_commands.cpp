@@ -5,7 +5,7 @@
 
 #include <optional>
 
-/// What becomes of commands that name their camera by its MAC address, and of the question who controls it.
+/// What becomes of commands that name their camera by its MAC address, and of questions about their control.
 class CommandsTest : public QObject
 {
     Q_OBJECT

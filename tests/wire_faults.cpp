@@ -134,7 +134,8 @@ private slots:
         QCOMPARE(difference(refreshed(), all.first(all.indexOf("lab1"))), "");
         ip("link set lab1 up");
         QTRY_COMPARE(difference(refreshed(), all), "");
-        ip("address delete 192.168.20.1/24 dev lab1"); // without a camera, since nobody can ask
+        ip("address delete 192.168.20.1/24 dev lab1"); // without a camera, since no address is left to ask
+                                                       // from
         QCOMPARE(refreshed().last(), "lab1");
         ip("address add 192.168.10.2/24 dev lab1"); // two adapters in one subnet
         QVERIFY(refreshed().last() == "  km-1|on-both" && refreshed().contains("  km-1|plain"));

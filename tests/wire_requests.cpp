@@ -45,7 +45,7 @@ class RequestsTest : public QObject
         device.SetPersistentIp("192.168.10.31", "255.255.0.0", "192.168.0.1");
         device.Close();
     }
-    /// What the camera has stored, and who controls it.
+    /// What the camera has stored, and its control privilege.
     QString state() { return m_simulator->states().join("").section(" enabled=", 1); }
 
     std::optional<Simulator> m_simulator;

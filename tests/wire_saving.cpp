@@ -51,7 +51,7 @@ private slots:
         QCOMPARE(save(), QStringList());
         QVERIFY(row("km-1").text(6).startsWith("169.254."));
         QCOMPARE(simulator().takeEvents().filter(QRegularExpression("by=broadcast.*K\uFFFDhl")).size(),
-                 2); // nobody edited it
+                 2); // it was not edited
     }
 
     void anotherMakersCameraIsConfiguredByUnicast()
@@ -61,7 +61,7 @@ private slots:
         enter("editIpAddress", "192.168.10.33");
         type("editCustomName", "gate");
         sleepUntil({"restarted camera=other"});
-        QUdpSocket wire; // hears what this computer sends to everybody
+        QUdpSocket wire; // receives what this computer broadcasts
         QVERIFY(wire.bind(QHostAddress::AnyIPv4, 3956));
         save();
         QVERIFY(wire.hasPendingDatagrams());
