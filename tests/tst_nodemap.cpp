@@ -94,10 +94,7 @@ class TestNodeMap : public QObject
         }
         return texts.join('\n');
     }
-    GenApi::CPointer<GenApi::IString> name()
-    {
-        return GenApi::CPointer<GenApi::IString>(m_map->GetNode("DeviceUserID"));
-    }
+    auto name() { return GenApi::CPointer<GenApi::IString>(m_map->GetNode("DeviceUserID")); }
     /// Writes the name "new". What is then where the name was, or why it failed.
     QString writeName()
     {
