@@ -220,9 +220,6 @@ private slots:
             << isDhcp << undecided
             << QStringList{send + "false, true, 192.168.1., 255.255.255.0, 0.0.0.0, )",
                            "SetIpConfigMode(false, true)", trying + "DHCP.", setting + "DHCP."};
-        QTest::newRow("mask") << isStatic << Step([this] { enter("editNetmask", "255.255.0.0"); })
-                              << QStringList{send + "true, false, 192.168.1.9, 255.255.0.0, 0.0.0.0, )",
-                                             "SetPersistentIp(192.168.1.9, 255.255.0.0, 0.0.0.0)"};
         QTest::newRow("gateway") << isStatic
                                  << Step([this] { enter("editDefaultGateway", "192.168.001.001"); })
                                  << QStringList{send +
