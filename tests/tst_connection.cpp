@@ -78,9 +78,6 @@ private slots:
         QTest::newRow("no GigE camera")
             << Step([this] { m_world.isGigE = false; })
             << reportOwn("The device must be a GEV Camera.", "openDevice") << "CreateDevice(192.168.1.9)";
-        QTest::newRow("unknown") << Step([this] { failAt("Open", 1, false); })
-                                 << report("Unknown exception occurred", "unicastConfiguration")
-                                 << "Open(192.168.1.9, 1+3+4)";
     }
     void failuresToOpenAreShown()
     {
@@ -264,8 +261,6 @@ private slots:
                                      << QStringList{saved, force("192.168.1.50")} << "belt";
         QTest::newRow("edits dropped") << QList<Answer>{click(QMessageBox::No), address} << true
                                        << QStringList{force("192.168.1.50")} << "";
-        QTest::newRow("edits dropped, dialog cancelled")
-            << QList<Answer>{click(QMessageBox::No), escape} << true << QStringList() << "";
         QTest::newRow("edits not saved") << QList<Answer>{click(QMessageBox::Yes), click(QMessageBox::Close)}
                                          << false << QStringList{saved} << "belt";
     }

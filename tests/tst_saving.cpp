@@ -63,32 +63,6 @@ private slots:
         QCOMPARE(takeDebug().filter("unicast"), QStringList());
     }
 
-    void theUserIsToldToWaitAndCannotInterfere()
-    {
-        edit("5", false);
-        QStringList seen;
-        for (const char* const call : {"BroadcastIpConfig", "Open", "SetValue", "RestartIpConfig", "sleep",
-                                       "EnumerateDevicesAnySubnet"}) {
-            m_world.at[call] = [&, call] {
-                seen << QString("%1, wait cursors: %2 ").arg(call).arg(cursorDepth()) + paintedMessage();
-            };
-        }
-        processedInWaits.clear();
-        save();
-        const QString restart = "Camera restarts its IP configuration cycle.\nWaiting until the device has "
-                                "been discovered again...\n\n0 of at most 75 s";
-        QCOMPARE(seen, (QStringList{"BroadcastIpConfig, wait cursors: 1 ",
-                                    "Open, wait cursors: 1 Trying to establish a connection to the device...",
-                                    "SetValue, wait cursors: 1 ", "RestartIpConfig, wait cursors: 1 ",
-                                    "sleep, wait cursors: 2 " + restart,
-                                    "EnumerateDevicesAnySubnet, wait cursors: 2 " + restart,
-                                    "EnumerateDevicesAnySubnet, wait cursors: 1 "}));
-        QCOMPARE(takeDebug(),
-                 QStringList{"debug Broadcast Configuration failed! Trying unicast configuration."});
-        const QEventLoop::ProcessEventsFlags withoutInput = QEventLoop::ExcludeUserInputEvents;
-        QCOMPARE(processedInWaits, (QList{withoutInput, withoutInput})); // for the camera, and the search
-    }
-
     void aCameraThatReportsSomethingElseIsToldOf_data()
     {
         QTest::addColumn<bool>("knowsBroadcast");
@@ -170,7 +144,25 @@ private slots:
         clickOn("btnUsePersistentIp");
         type("editIpAddress", "192.168.1.20");
         type("editNetmask", "255.255.0.0");
+        QStringList seen;
+        for (const char* const call : {"BroadcastIpConfig", "Open", "SetValue", "RestartIpConfig", "sleep",
+                                       "EnumerateDevicesAnySubnet"}) {
+            m_world.at[call] = [&, call] {
+                seen << QString("%1, wait cursors: %2 ").arg(call).arg(cursorDepth()) + paintedMessage();
+            };
+        }
+        processedInWaits.clear();
         save();
+        const QString restart =
+            "Camera restarts its IP configuration cycle.\nWaiting until the device has been discovered again...\n\n0 of at most 75 s";
+        QCOMPARE(seen, (QStringList{"BroadcastIpConfig, wait cursors: 1 ",
+                                    "Open, wait cursors: 1 Trying to establish a connection to the device...",
+                                    "SetValue, wait cursors: 1 ", "RestartIpConfig, wait cursors: 1 ",
+                                    "sleep, wait cursors: 2 " + restart,
+                                    "EnumerateDevicesAnySubnet, wait cursors: 2 " + restart,
+                                    "EnumerateDevicesAnySubnet, wait cursors: 1 "}));
+        const QEventLoop::ProcessEventsFlags withoutInput = QEventLoop::ExcludeUserInputEvents;
+        QCOMPARE(processedInWaits, (QList{withoutInput, withoutInput})); // for the camera, and the search
         QCOMPARE(m_world.take(),
                  (QStringList{
                      "BroadcastIpConfig(025E41000001, true, false, 192.168.1.20, 255.255.0.0, 0.0.0.0, bält)",
@@ -180,6 +172,7 @@ private slots:
                      "Close()", "RestartIpConfig(025E41000001)", "sleep(2)", "DestroyDevice()"}));
         const QStringList told{
             "warning Failed to change IP configuration via broadcast for MAC=025E41000001. This is not an error. The device may not support broadcast ip configuration.",
+            "debug Broadcast Configuration failed! Trying unicast configuration.",
             "info Trying open device with old IP=192.168.1.9 to change IP configuration via unicast.",
             "info Successfully opened device with old IP=192.168.1.9; Netmask=255.255.255.0; Gateway=0.0.0.0; IPConfig='DHCP, Auto IP (LLA)' to change IP configuration via unicast.",
             "info Setting DeviceUserID to ' bält ' for device with old IP=192.168.1.9.",
@@ -187,7 +180,7 @@ private slots:
             "info Setting persitent IP address for device with old IP=192.168.1.9 (NewIP=192.168.1.20; NewNetmask=255.255.0.0; NewGateway=0.0.0.0;).",
             "info Closing device with old IP=192.168.1.9.",
             "info Finished configuring device with old IP=192.168.1.9."};
-        QCOMPARE(takeTrace().mid(1), told);
+        QCOMPARE(takeTrace(QString()).filter(QRegularExpression("^(info|debug)|not an error")).mid(1), told);
         QVERIFY(!canSave());
     }
 
