@@ -289,10 +289,12 @@ private slots:
 
     void aRestartThatFailsOverUnicastIsReported()
     {
-        edit("5", false);
+        edit("5", false, "");
+        type("editIpAddress", "192.168.1.20");
         failAt("RestartIpConfig");
         saveFails({reportUnexpected("unicastConfiguration", "cable"), notSaved});
         QCOMPARE(m_world.take().last(2), (QStringList{"Close()", "RestartIpConfig(025E41000001)"}));
+        select("lan0"); // asks nothing, since the address was written
     }
 
     void aCameraThatStaysAwayIsShownAsItWasWritten()
