@@ -43,7 +43,6 @@ private slots:
                               << editorWithoutAddresses;
         QTest::newRow("Auto IP") << Ok << QByteArray("4") << QByteArray("btnUseAutoIp")
                                  << editorWithoutAddresses;
-        QTest::newRow("unknown") << Unknown << QByteArray("5") << isStatic << QStringList();
         QTest::newRow("in use") << Controlled << QByteArray("5") << isStatic << QStringList();
     }
     void theEditorFollowsTheCamera()
