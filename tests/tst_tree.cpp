@@ -161,10 +161,9 @@ private slots:
                         "MAC Address|02:5E:41:00:00:01,IP Configuration|DHCP,IP Address|192.168.1.9,"
                         "Subnet Mask|255.255.255.0,Gateway|192.168.1.1";
         table.replace(",", "</td></tr><tr><td width='8'></td><td>").replace("|", ":</td><td>");
-        QCOMPARE(
-            info(),
-            "<p><b>Förderband (000001)</b></p><p><table align='left' border='0' cellpadding='1' cellspacing='1'><tr><td width='8'></td><td>" +
-                table + "</td></tr></table></p>");
+        const QString begin =
+            "<p><b>Förderband (000001)</b></p><p><table align='left' border='0' cellpadding='1' cellspacing='1'><tr><td width='8'></td><td>";
+        QCOMPARE(info().split("<tr>"), (begin + table + "</td></tr></table></p>").split("<tr>"));
     }
 
     void anAdapterTellsItsAddresses()
@@ -233,7 +232,7 @@ private slots:
         QFETCH(const QString, expected);
         const Adapter linkLocal("lan2", {"169.254.7.9/16"}, "02:00:00:00:07:09");
         openOn({camera});
-        QCOMPARE(hint(), expected);
+        QCOMPARE(hint().split("<p>"), expected.split("<p>")); // a whole one would not be told in full
     }
 
     void aHostWithoutAdaptersIsToldSo()
