@@ -212,7 +212,8 @@ private slots:
         for (const auto& [name, expected] :
              {std::pair{"editIpAddress", atTheField}, {"btnWriteConfiguration", atSave}}) {
             const auto& told = child<QWidget>(name);
-            QCOMPARE(told.accessibleDescription().first(expected.size()), expected);
+            QCOMPARE(name + (": " + told.accessibleDescription().left(expected.size())),
+                     name + (": " + expected));
             QCOMPARE(told.accessibleDescription().isEmpty(), expected.isEmpty());
             QCOMPARE(told.toolTip(), toolTipText(told.accessibleDescription()));
         }
