@@ -187,6 +187,7 @@ private slots:
         QCOMPARE(takeDialogs().count(
                      "Error|IP Addresses 127.0.0.1 and 224.0.0.0 to 255.255.255.255 cannot be used.|OK|OK"),
                  2);
+        QCOMPARE(takeIcons(), (QList{QMessageBox::Critical, QMessageBox::Critical}));
         QCOMPARE(m_asked[1], "224.0.0.0"); // what was typed is still there
         const QStringList calls = m_world.take(true);
         QCOMPARE(calls.first(), "ForceIp(025E41000001, 192.168.1.50, 255.255.255.0, 192.168.1.1)");
@@ -269,6 +270,7 @@ private slots:
         QCOMPARE(m_world.take().filter(QRegularExpression("^(Broadcast|Force)")), calls);
         QCOMPARE(text("editCustomName"), shownName);
         QCOMPARE(child<QAbstractButton>("btnUseDhcp").isChecked(), !shownName.isEmpty());
+        QCOMPARE(takeIcons().last(), canBeSaved ? QMessageBox::Question : QMessageBox::Critical);
         QCOMPARE(canSave(), !canBeSaved); // pending only where a save failed
         expect(canSave() ? QList<Answer>{escape} : QList<Answer>());
         select("lan0");

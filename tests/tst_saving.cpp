@@ -294,6 +294,7 @@ private slots:
         failAt("RestartIpConfig");
         saveFails({reportUnexpected("unicastConfiguration", "cable"), notSaved});
         QCOMPARE(m_world.take().last(2), (QStringList{"Close()", "RestartIpConfig(025E41000001)"}));
+        QCOMPARE(takeIcons(), (QList{QMessageBox::Critical, QMessageBox::Critical}));
         select("lan0"); // asks nothing, since the address was written
     }
 
