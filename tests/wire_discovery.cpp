@@ -225,13 +225,14 @@ private slots:
 
     void aCameraIsAskedThroughTheAdapterThatHeardIt()
     {
-        const auto simulator =
-            simulate({adapter("lab0", {"192.168.10.1/24"}, {camera(1, "one", "192.168.10.21")}),
-                      adapter("lab1", {"192.168.10.2/24"}, {camera(2, "two", "192.168.10.21")})});
+        const Simulator simulator(QJsonArray{
+            simulatedAdapter("lab0", {"192.168.10.1/24"}, {simulatedCamera(1, "one", "192.168.10.21")}),
+            simulatedAdapter("lab1", {"192.168.10.2/24"}, {simulatedCamera(2, "two", "192.168.10.21")})});
         const DeviceLister window;
         search();
         for (const char* const mac : {"025E41000001", "025E41000002"}) {
-            Tessal::CDeviceInfo record = cameraAt("192.168.10.21");
+            Tessal::CDeviceInfo record;
+            record.SetPropertyValue(Tessal::Key::IpAddress, "192.168.10.21");
             record.SetPropertyValue(Tessal::Key::MacAddress, mac);
             int accessibility = -1;
             DeviceLister::s_pTl->QueryDeviceAccessibility(record, Tessal::EDeviceAccessMode::Control,
