@@ -196,7 +196,7 @@ private:
     bool forceIpForConnection(QString& address, const ForceIpReason& reason);
     static void fillTemporaryAddressDialog(IpAddressWidget& dialog, const QNetworkAddressEntry& entry,
                                            const GenICam::gcstring& mac);
-    void noteTemporaryAddress(const GenICam::gcstring& mac, const IpSettings& given);
+    void showActualAddress(const GenICam::gcstring& mac, const IpSettings& given);
     bool savePendingChangesBeforeForceIp(const Tessal::COrvikGigEDeviceInfo& record);
     std::optional<IpSettings> askForTemporaryAddress(IpAddressWidget& dialog, GenICam::gcstring& mac);
     std::optional<IpSettings> readTemporaryAddress(const IpAddressWidget& dialog, GenICam::gcstring& mac);

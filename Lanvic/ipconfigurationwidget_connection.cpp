@@ -221,24 +221,26 @@ bool IpConfigurationWidget::forceIp(const QString& headerText, bool showMacAddre
     if (!waitForDevice(fromAscii(mac))) {
         return false;
     }
+    const bool wasTaken = m_rediscovered.GetIpAddress() == settings->ipAddress.constData();
+    if (wasTaken) {
+        m_temporaryAddresses.insert(fromAscii(mac), QString::fromLatin1(settings->ipAddress));
+    }
     if (!showMacAddress) {
         m_pDeviceLister->updateDeviceInfo(mac, nullptr, dialog.ipAddress().toLatin1(),
                                           dialog.subnetMask().toLatin1(), dialog.defaultGateway().toLatin1(),
                                           true);
     }
-    noteTemporaryAddress(mac, *settings);
+    if (!wasTaken) {
+        showActualAddress(mac, *settings);
+    }
     return true;
 }
 
 /// The camera may have been out of sight when it was given the address, and come back with another one; an
 /// empty address makes it look for one of its own.
-void IpConfigurationWidget::noteTemporaryAddress(const GenICam::gcstring& mac, const IpSettings& given)
+void IpConfigurationWidget::showActualAddress(const GenICam::gcstring& mac, const IpSettings& given)
 {
     const GenICam::gcstring actual = m_rediscovered.GetIpAddress();
-    if (actual == given.ipAddress.constData()) {
-        m_temporaryAddresses.insert(fromAscii(mac), QString::fromLatin1(given.ipAddress));
-        return;
-    }
     m_pDeviceLister->updateDeviceInfo(mac, nullptr, actual, m_rediscovered.GetSubnetMask(),
                                       m_rediscovered.GetDefaultGateway(), true);
     if (given.ipAddress != "0.0.0.0") {

@@ -221,6 +221,20 @@ private slots:
         QCOMPARE(row("km-2").text(6) + ": " + row("km-2").toolTip(6), "192.168.1.51: ");
     }
 
+    void anAddressThatWasNotTakenIsNotShown()
+    {
+        openOn({camera()});
+        m_world.at["sleep"] = [this] { cam().record.SetIpAddress("192.168.1.77"); };
+        assign("km-1", {fillAddress("192.168.1.50"), escape});
+        QCOMPARE(
+            takeDialogs().last(),
+            report("The camera 02:5E:41:00:00:01 was given the address 192.168.1.50 but has 192.168.1.77. "
+                   "Try again, or choose another temporary address.",
+                   "forceIp",
+                   {"Camera MAC=025E41000001 was given the address 192.168.1.50 and has 192.168.1.77"}));
+        QCOMPARE(row("km-1").text(6) + row("km-1").toolTip(6), "192.168.1.77");
+    }
+
     void theDialogKnowsTheAdapter()
     {
         openOn({camera("km-1", "025E41000001", "10.9.9.9", "10.0.0.1"),

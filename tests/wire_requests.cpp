@@ -111,8 +111,10 @@ private slots:
         const QString busy = "is busy and cannot be controlled at the moment. Wait a moment, then try again.";
         row("no time to give control", {{"refuse", QJsonObject{{"register:0x0A00", "8007"}}}}, busy);
         row("control given, and said to be busy", {{"misreport", QJsonObject{{"0x0A00", "8007"}}}}, busy);
-        row("control given, and said to be denied", {{"misreport", QJsonObject{{"0x0A00", "8006"}}}},
-            "is controlled by another application, on the computer 192.168.10.1.");
+        QTest::newRow("control given, and said to be denied")
+            << QJsonObject{{"misreport", QJsonObject{{"0x0A00", "8006"}}}}
+            << camera + "is controlled by another application. Close the connection there, then try again."
+            << "AccessException";
         row("control given without a word", {{"misreport", QJsonObject{{"0x0A00", "nothing"}}}},
             "did not answer when this program asked for control.");
         row("asks for another minute again and again", {{"onlyPendingMs", QJsonObject{{"WRITEREG", 60000}}}},
@@ -131,6 +133,9 @@ private slots:
                 opened();
             } catch (const GenICam::TimeoutException&) {
                 exception = "TimeoutException";
+                throw;
+            } catch (const GenICam::AccessException&) {
+                exception = "AccessException";
                 throw;
             } catch (const GenICam::LogicalErrorException&) {
                 exception = "LogicalErrorException";
