@@ -24,7 +24,7 @@ constexpr char usage[] =
     "\n"
     "SIGUSR1 makes it print the state of every camera.\n";
 
-int complain(ExitCode code, const std::string& text)
+int fail(ExitCode code, const std::string& text)
 {
     std::fprintf(stderr, "gige-simulator: %s\n", text.c_str());
     return code;
@@ -37,13 +37,13 @@ int play(const std::string& file)
         simulation.run();
         return Ended;
     } catch (const sim::SceneError& error) {
-        return complain(WrongScene, file + ": " + error.what());
+        return fail(WrongScene, file + ": " + error.what());
     } catch (const sim::WrongNamespace& error) {
-        return complain(WrongPlace, error.what());
+        return fail(WrongPlace, error.what());
     } catch (const wire::NoTapDevices& error) {
-        return complain(NoTap, error.what());
+        return fail(NoTap, error.what());
     } catch (const std::exception& error) {
-        return complain(Failed, error.what());
+        return fail(Failed, error.what());
     }
 }
 

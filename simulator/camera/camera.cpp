@@ -63,10 +63,11 @@ Camera::Camera(CameraConfig config, Instant now)
     addressChanged(unused);
 }
 
-void Camera::hear(const Request& request, Instant now, Effects& effects)
+void Camera::receive(const Request& request, Instant now, Effects& effects)
 {
     const std::optional<CommandMessage> command = parseCommand(request.bytes);
-    if (isDeaf() || !command || command->id == 0 || (m_config.faults.muteToUnicast && !request.isBroadcast)) {
+    if (isOffline() || !command || command->id == 0 ||
+        (m_config.faults.muteToUnicast && !request.isBroadcast)) {
         return;
     }
     if (!command->isWellFormed) {
@@ -77,14 +78,14 @@ void Camera::hear(const Request& request, Instant now, Effects& effects)
         }
         return;
     }
-    m_control.heard(request.from, now, heartbeatTimeout());
-    if (isMeantForMe(*command, request.isBroadcast) && !answerPending(*command, effects) &&
+    m_control.keepAlive(request.from, now, heartbeatTimeout());
+    if (isForThisCamera(*command, request.isBroadcast) && !answerPending(*command, effects) &&
         !answerRepeat(request, now, effects)) {
         execute(*command, request, now, effects);
     }
 }
 
-bool Camera::isMeantForMe(const CommandMessage& command, bool isBroadcast) const
+bool Camera::isForThisCamera(const CommandMessage& command, bool isBroadcast) const
 {
     if (command.is(Command::Discovery)) {
         return !m_config.faults.muteToDiscovery && (!isBroadcast || command.payload.empty());
@@ -131,7 +132,7 @@ bool Camera::answerPending(const CommandMessage& command, Effects& effects) cons
     return true;
 }
 
-bool Camera::reports(const CommandMessage& command, Outcome& outcome) const
+bool Camera::acknowledgesWrite(const CommandMessage& command, Outcome& outcome) const
 {
     if (!command.is(Command::WriteReg) || outcome.status != Status::Success) {
         return true;
@@ -156,8 +157,8 @@ void Camera::execute(const CommandMessage& command, const Request& request, Inst
         answerMac(command.payload);
     }
     const auto refusal = faults.refusedCommands.find(static_cast<Command>(command.code));
-    const bool isBusy =
-        faults.busyAtFirst && !request.isBroadcast && std::exchange(m_lastHeard, command.id) != command.id;
+    const bool isBusy = faults.busyAtFirst && !request.isBroadcast &&
+                        std::exchange(m_lastUnicastId, command.id) != command.id;
     Outcome outcome = refusal != faults.refusedCommands.end()
                           ? Outcome{refusal->second, "the scene refuses this command"}
                       : isBusy ? Outcome{Status::Busy, "it is busy at first"}
@@ -166,7 +167,7 @@ void Camera::execute(const CommandMessage& command, const Request& request, Inst
     const bool restarts = m_cycle.isRunning();
     const bool staysSilent =
         (obeyed && (restarts ? !faults.restartAck : faults.forceIpAck == ForceIpAck::Never)) ||
-        !reports(command, outcome);
+        !acknowledgesWrite(command, outcome);
     if (!staysSilent) {
         const bool fromOldAddress = restarts || faults.forceIpAck == ForceIpAck::OldAddress;
         const bool isSlow = m_writes > writesBefore && outcome.status == Status::Success;
@@ -263,11 +264,11 @@ void Camera::advance(Instant now, Effects& effects)
         return;
     }
     const net::Ipv4 holder = m_control.holder().address;
-    if (m_control.lapse(now)) {
+    if (m_control.expireIfDue(now)) {
         controlChanged(holder, "heartbeat", effects);
     }
     if (now >= m_forcedNextAt) {
-        takeForcedAddress(m_forcedNext, effects);
+        applyForcedAddress(m_forcedNext, effects);
     }
     if (!m_cycle.isRunning() || !m_cycle.advance(now, stored())) {
         return;
@@ -301,7 +302,7 @@ void Camera::restart(Instant now, Effects& effects)
     effects.hasNewAddress = true;
 }
 
-void Camera::takeForcedAddress(const Ipv4Settings& settings, Effects& effects)
+void Camera::applyForcedAddress(const Ipv4Settings& settings, Effects& effects)
 {
     m_forcedNextAt = never;
     m_cycle.force(settings);

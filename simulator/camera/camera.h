@@ -46,7 +46,7 @@ class Camera
 public:
     Camera(CameraConfig config, Instant now);
 
-    void hear(const Request& request, Instant now, Effects& effects);
+    void receive(const Request& request, Instant now, Effects& effects);
     /// Does what has become due by `now`: the end of a restart, lapsed control.
     void advance(Instant now, Effects& effects);
     /// When `advance` has something to do next, or `never`.
@@ -55,7 +55,7 @@ public:
     [[nodiscard]] const CameraConfig& config() const { return m_config; }
     [[nodiscard]] const Ipv4Settings& addressing() const { return m_cycle.current(); }
     /// Restarting or gone: hears nothing, not even ARP.
-    [[nodiscard]] bool isDeaf() const { return m_hasVanished || m_cycle.isRunning(); }
+    [[nodiscard]] bool isOffline() const { return m_hasVanished || m_cycle.isRunning(); }
     [[nodiscard]] EventLine state() const;
 
 private:
@@ -73,7 +73,7 @@ private:
         Instant readyAt;
     };
 
-    [[nodiscard]] bool isMeantForMe(const CommandMessage& command, bool isBroadcast) const;
+    [[nodiscard]] bool isForThisCamera(const CommandMessage& command, bool isBroadcast) const;
     [[nodiscard]] bool answerRepeat(const Request& request, Instant now, Effects& effects);
     /// Whether the scene has the camera only ask for more time.
     [[nodiscard]] bool answerPending(const CommandMessage& command, Effects& effects) const;
@@ -81,7 +81,7 @@ private:
     [[nodiscard]] Outcome dispatch(const CommandMessage& command, const Request& request, Instant now,
                                    Effects& effects);
     /// Whether the camera says anything about a write that it did; if so, `outcome` is what it says.
-    [[nodiscard]] bool reports(const CommandMessage& command, Outcome& outcome) const;
+    [[nodiscard]] bool acknowledgesWrite(const CommandMessage& command, Outcome& outcome) const;
     /// `work` is how long the answer takes beyond the usual; unless zero, a PENDING_ACK goes ahead of it.
     void acknowledge(const CommandMessage& command, const Outcome& outcome, const Ipv4Settings& source,
                      Duration work, Effects& effects);
@@ -107,7 +107,7 @@ private:
                        std::size_t& done, Effects& effects);
 
     void restart(Instant now, Effects& effects);
-    void takeForcedAddress(const Ipv4Settings& settings, Effects& effects);
+    void applyForcedAddress(const Ipv4Settings& settings, Effects& effects);
     void addressChanged(Effects& effects);
     void controlChanged(net::Ipv4 by, const char* reason, Effects& effects);
     void reportConfiguration(const char* by, const char* what, Effects& effects) const;
@@ -127,7 +127,7 @@ private:
     Instant m_forcedNextAt = never;
     unsigned m_writes = 0; // registers or blocks, the privilege not counted
     std::optional<Executed> m_lastExecuted;
-    std::uint16_t m_lastHeard = 0; // id of the latest command to this camera alone
+    std::uint16_t m_lastUnicastId = 0; // id of the latest command to this camera alone
     std::array<std::pair<Endpoint, std::uint16_t>, 8> m_lastSearches{}; // asker and request id
     std::size_t m_nextSearch = 0;
     Message m_payload;

@@ -45,7 +45,7 @@ struct InUse
 /// How a device acknowledges the maker's broadcast command to another camera.
 enum class ForeignAck { Never, Nameless, AsItself, AsThatCamera };
 enum class ForceIpAck { NewAddress, OldAddress, Never };
-enum class SpoiledAnswer { No, Garbage, Truncated, WrongId, WrongLength, Surplus, LongPayload };
+enum class CorruptAnswer { No, Garbage, Truncated, WrongId, WrongLength, Surplus, LongPayload };
 
 /// What is wrong with a camera, or with the line it hangs on.
 struct Faults
@@ -60,7 +60,7 @@ struct Faults
     std::vector<unsigned> losePackets; // counted from 1, of the requests that reach the camera
     unsigned repeatAnswers = 0;        // further copies of each answer
     double lossPercent = 0;            // of requests and of answers
-    SpoiledAnswer answerWith = SpoiledAnswer::No;
+    CorruptAnswer answerWith = CorruptAnswer::No;
     std::map<gvcp::Command, gvcp::Status> refusedCommands;
     std::map<std::uint32_t, gvcp::Status> refusedWrites; // by register address
     std::map<std::uint32_t, gvcp::Status> refusedReads;

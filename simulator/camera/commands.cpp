@@ -88,7 +88,7 @@ Camera::Outcome Camera::forceIp(const CommandMessage& command, const Request& re
     if (payload.size() != gvcp::ForceIp::Size) {
         return {Status::InvalidParameter, "wrong length"};
     }
-    if (m_control.isHeldByAnotherThan(request.from)) {
+    if (m_control.isHeldByOtherThan(request.from)) {
         return {Status::AccessDenied, reasonOf(Status::AccessDenied)};
     }
     Ipv4Settings wanted{{bytes::get32(payload, gvcp::ForceIp::Ip)},
@@ -107,7 +107,7 @@ Camera::Outcome Camera::forceIp(const CommandMessage& command, const Request& re
         m_forcedNext = wanted;
         m_forcedNextAt = now + faults.forceIpDelay;
     } else if (!faults.ignoreForceIp) {
-        takeForcedAddress(wanted, effects);
+        applyForcedAddress(wanted, effects);
     }
     return {};
 }
@@ -125,7 +125,7 @@ Camera::Outcome Camera::checkRead(std::uint32_t address, std::size_t size, Endpo
         return {status, "the scene refuses this register"};
     }
     const bool isPrivilege = address == gvcp::Register::ControlChannelPrivilege && size == RegisterSize;
-    if (m_control.privilege() & gvcp::Privilege::Exclusive && m_control.isHeldByAnotherThan(from) &&
+    if (m_control.privilege() & gvcp::Privilege::Exclusive && m_control.isHeldByOtherThan(from) &&
         !isPrivilege) {
         return {Status::AccessDenied, "another application has exclusive access"};
     }
@@ -215,7 +215,7 @@ Camera::Outcome Camera::writeWord(std::uint32_t address, std::uint32_t value, En
             return {Status::InvalidParameter, reasonOf(Status::InvalidParameter)};
         }
         m_registers.set(address, value);
-        m_control.heard(from, now, heartbeatTimeout());
+        m_control.keepAlive(from, now, heartbeatTimeout());
         break;
     default:
         m_registers.set(address, value);
@@ -305,7 +305,7 @@ Camera::Outcome Camera::broadcastIpConfig(std::span<const std::uint8_t> payload,
     if ((mode & ~m_registers.get(gvcp::Register::IpConfigSupported)) != 0) {
         return {Status::InvalidParameter, "mode not supported"};
     }
-    if (m_control.isHeldByAnotherThan(from)) {
+    if (m_control.isHeldByOtherThan(from)) {
         return {Status::AccessDenied, reasonOf(Status::AccessDenied)};
     }
     m_registers.set(gvcp::Register::IpConfigCurrent, mode | gvcp::IpConfig::LinkLocal);

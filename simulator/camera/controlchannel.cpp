@@ -14,7 +14,7 @@ gvcp::Status ControlChannel::write(Endpoint from, std::uint32_t value, Instant n
     if ((value & ~(gvcp::Privilege::Exclusive | gvcp::Privilege::Control)) != 0) {
         return gvcp::Status::InvalidParameter;
     }
-    if (isHeldByAnotherThan(from)) {
+    if (isHeldByOtherThan(from)) {
         return gvcp::Status::AccessDenied;
     }
     if (value == gvcp::Privilege::Open) {
@@ -25,14 +25,14 @@ gvcp::Status ControlChannel::write(Endpoint from, std::uint32_t value, Instant n
     return gvcp::Status::Success;
 }
 
-void ControlChannel::heard(Endpoint from, Instant now, Duration timeout)
+void ControlChannel::keepAlive(Endpoint from, Instant now, Duration timeout)
 {
     if (isHeldBy(from)) {
         m_until = now + timeout;
     }
 }
 
-bool ControlChannel::lapse(Instant now)
+bool ControlChannel::expireIfDue(Instant now)
 {
     if (!isHeld() || now < m_until) {
         return false;

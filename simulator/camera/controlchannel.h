@@ -18,16 +18,16 @@ public:
     [[nodiscard]] gvcp::Status write(Endpoint from, std::uint32_t value, Instant now, Duration timeout);
 
     /// Any command of the holder keeps its control alive.
-    void heard(Endpoint from, Instant now, Duration timeout);
+    void keepAlive(Endpoint from, Instant now, Duration timeout);
 
     /// Whether control has just lapsed; it is free from then on.
-    [[nodiscard]] bool lapse(Instant now);
+    [[nodiscard]] bool expireIfDue(Instant now);
     void release();
 
     [[nodiscard]] std::uint32_t privilege() const { return m_privilege; }
     [[nodiscard]] bool isHeld() const { return m_privilege != gvcp::Privilege::Open; }
     [[nodiscard]] bool isHeldBy(Endpoint who) const { return isHeld() && m_holder == who; }
-    [[nodiscard]] bool isHeldByAnotherThan(Endpoint who) const { return isHeld() && m_holder != who; }
+    [[nodiscard]] bool isHeldByOtherThan(Endpoint who) const { return isHeld() && m_holder != who; }
     /// The holder, or 0.0.0.0 port 0.
     [[nodiscard]] Endpoint holder() const { return m_holder; }
     [[nodiscard]] Instant deadline() const { return m_until; }

@@ -53,7 +53,7 @@ IpCycle::IpCycle(const CameraConfig& config, const StoredIpConfig& stored)
 void IpCycle::restart(Instant now)
 {
     m_current = {};
-    m_asksForLease = false;
+    m_waitsForLease = false;
     m_until = now + m_restart;
 }
 
@@ -67,12 +67,12 @@ bool IpCycle::advance(Instant now, const StoredIpConfig& stored)
     if (!isRunning() || now < m_until) {
         return false;
     }
-    if (!m_asksForLease && usesPersistent(stored)) {
+    if (!m_waitsForLease && usesPersistent(stored)) {
         settle(AddressMode::Static, stored.persistent);
-    } else if (!m_asksForLease && usesDhcp(stored) && m_lease) {
+    } else if (!m_waitsForLease && usesDhcp(stored) && m_lease) {
         settle(AddressMode::Dhcp, *m_lease);
-    } else if (!m_asksForLease && usesDhcp(stored)) {
-        m_asksForLease = true;
+    } else if (!m_waitsForLease && usesDhcp(stored)) {
+        m_waitsForLease = true;
         m_until += m_dhcpTimeout;
         return advance(now, stored);
     } else {
@@ -85,7 +85,7 @@ void IpCycle::settle(AddressMode mode, const Ipv4Settings& settings)
 {
     m_mode = mode;
     m_current = settings;
-    m_asksForLease = false;
+    m_waitsForLease = false;
     m_until = never;
 }
 

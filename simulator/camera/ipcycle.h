@@ -47,7 +47,7 @@ private:
     Duration m_dhcpTimeout;
     Ipv4Settings m_current;
     AddressMode m_mode = AddressMode::LinkLocal;
-    bool m_asksForLease = false;
+    bool m_waitsForLease = false;
     Instant m_until = never;
 };
 

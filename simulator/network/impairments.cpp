@@ -12,18 +12,18 @@ constexpr unsigned LongestHoldUp = 20; // ms by which an answer falls behind tho
 
 } // namespace
 
-Impairments::Impairments(const NetworkConfig& network) : m_network(network), m_dice(network.seed) {}
+Impairments::Impairments(const NetworkConfig& network) : m_network(network), m_random(network.seed) {}
 
 bool Impairments::happens(double percent)
 {
     // no throw of the dice for what the scene rules out, so that one setting does not change another's luck
     constexpr double scale = 100.0 / 4294967296.0;
-    return percent > 0 && static_cast<double>(m_dice()) * scale < percent;
+    return percent > 0 && static_cast<double>(m_random()) * scale < percent;
 }
 
-Fate Impairments::ofRequest(const Faults& faults, unsigned heard)
+Delivery Impairments::ofRequest(const Faults& faults, unsigned received)
 {
-    const bool isListed = std::find(faults.losePackets.begin(), faults.losePackets.end(), heard + 1) !=
+    const bool isListed = std::find(faults.losePackets.begin(), faults.losePackets.end(), received + 1) !=
                           faults.losePackets.end();
     if (isListed || happens(faults.lossPercent) || happens(m_network.lossPercent)) {
         return {0, {}};
@@ -31,64 +31,64 @@ Fate Impairments::ofRequest(const Faults& faults, unsigned heard)
     return {happens(m_network.duplicatePercent) ? 2U : 1U, {}};
 }
 
-Fate Impairments::ofAnswer(const Faults& faults, Message& message)
+Delivery Impairments::ofAnswer(const Faults& faults, Message& message)
 {
     if (happens(faults.lossPercent) || happens(m_network.lossPercent)) {
         return {0, {}};
     }
-    spoil(faults.answerWith, message);
+    corrupt(faults.answerWith, message);
     if (happens(m_network.garbagePercent)) {
         fillWithGarbage(message);
     }
     if (happens(m_network.truncatePercent)) {
         truncate(message);
     }
-    Fate fate{1 + faults.repeatAnswers, m_network.delay};
+    Delivery delivery{1 + faults.repeatAnswers, m_network.delay};
     if (happens(m_network.duplicatePercent)) {
-        ++fate.copies;
+        ++delivery.copies;
     }
     if (happens(m_network.reorderPercent)) {
-        fate.delay += Duration(1 + m_dice() % LongestHoldUp);
+        delivery.delay += Duration(1 + m_random() % LongestHoldUp);
     }
-    return fate;
+    return delivery;
 }
 
 void Impairments::fillWithGarbage(Message& message)
 {
-    std::ranges::generate(message.all(), [this] { return static_cast<std::uint8_t>(m_dice() & 0xFF); });
+    std::ranges::generate(message.all(), [this] { return static_cast<std::uint8_t>(m_random() & 0xFF); });
 }
 
 void Impairments::truncate(Message& message)
 {
-    message.size = m_dice() % message.size;
+    message.size = m_random() % message.size;
 }
 
-void Impairments::spoil(SpoiledAnswer how, Message& message)
+void Impairments::corrupt(CorruptAnswer how, Message& message)
 {
     const auto bytes = message.all();
     switch (how) {
-    case SpoiledAnswer::No:
+    case CorruptAnswer::No:
         break;
-    case SpoiledAnswer::Garbage:
+    case CorruptAnswer::Garbage:
         fillWithGarbage(message);
         break;
-    case SpoiledAnswer::Truncated:
+    case CorruptAnswer::Truncated:
         truncate(message);
         break;
-    case SpoiledAnswer::WrongId:
+    case CorruptAnswer::WrongId:
         bytes::put16(bytes, gvcp::Header::RequestId,
                      static_cast<std::uint16_t>(bytes::get16(bytes, gvcp::Header::RequestId) + 1));
         break;
-    case SpoiledAnswer::WrongLength:
+    case CorruptAnswer::WrongLength:
         bytes::put16(bytes, gvcp::Header::Length,
                      static_cast<std::uint16_t>(bytes::get16(bytes, gvcp::Header::Length) + 4));
         break;
-    case SpoiledAnswer::LongPayload:
+    case CorruptAnswer::LongPayload:
         message.size = Message::Capacity;
         bytes::put16(message.all(), gvcp::Header::Length,
                      static_cast<std::uint16_t>(message.size - gvcp::HeaderSize));
         break;
-    case SpoiledAnswer::Surplus:
+    case CorruptAnswer::Surplus:
         message.size = Message::Capacity;
         break;
     }

@@ -8,33 +8,33 @@
 
 namespace sim {
 
-/// What becomes of a datagram on its way.
-struct Fate
+/// How a datagram is delivered.
+struct Delivery
 {
     unsigned copies = 1; // 0: lost
     Duration delay{};
 };
 
-/// The badness of the line, by dice with a fixed seed: the same scene and the same traffic meet the same
-/// fate.
+/// The impairments of the line, drawn from a generator with a fixed seed: the same scene and the same traffic
+/// see the same losses.
 class Impairments
 {
 public:
     explicit Impairments(const NetworkConfig& network);
 
-    /// A request on its way to one camera that has heard `heard` datagrams before.
-    [[nodiscard]] Fate ofRequest(const Faults& faults, unsigned heard);
-    /// An answer on its way back; may spoil its bytes.
-    [[nodiscard]] Fate ofAnswer(const Faults& faults, Message& message);
+    /// A request on its way to one camera that has received `received` datagrams before.
+    [[nodiscard]] Delivery ofRequest(const Faults& faults, unsigned received);
+    /// An answer on its way back; may corrupt its bytes.
+    [[nodiscard]] Delivery ofAnswer(const Faults& faults, Message& message);
 
 private:
     [[nodiscard]] bool happens(double percent);
     void fillWithGarbage(Message& message);
     void truncate(Message& message);
-    void spoil(SpoiledAnswer how, Message& message);
+    void corrupt(CorruptAnswer how, Message& message);
 
     NetworkConfig m_network;
-    std::mt19937 m_dice;
+    std::mt19937 m_random;
 };
 
 } // namespace sim

@@ -4,15 +4,15 @@
 
 namespace sim {
 
-bool Station::hears(net::Ipv4 to) const
+bool Station::accepts(net::Ipv4 to) const
 {
     const Ipv4Settings& own = m_camera.addressing();
     return to == own.ip || to == net::limitedBroadcast || to == net::subnetBroadcast(own.ip, own.mask);
 }
 
-void Station::setKnownAs(net::Ipv4 address)
+void Station::setAnnouncedAddress(net::Ipv4 address)
 {
-    m_knownAs = address;
+    m_announcedAddress = address;
     std::ranges::fill(m_routes, GatewayRoute{});
 }
 

@@ -35,14 +35,14 @@ public:
     [[nodiscard]] const std::vector<std::size_t>& adapters() const { return m_adapters; }
 
     /// Whether a packet for this address is for us: our own, or a broadcast of the whole wire or our subnet.
-    [[nodiscard]] bool hears(net::Ipv4 to) const;
+    [[nodiscard]] bool accepts(net::Ipv4 to) const;
     [[nodiscard]] std::uint16_t nextIdentification() { return ++m_identification; }
     /// How long an answer takes that is asked for now: the camera works off one request after another.
     [[nodiscard]] Duration queueWork(Instant now);
     [[nodiscard]] unsigned countRequest() { return m_requests++; }
     /// The address under which the network knows us now; 0.0.0.0 for none.
-    [[nodiscard]] net::Ipv4 knownAs() const { return m_knownAs; }
-    void setKnownAs(net::Ipv4 address);
+    [[nodiscard]] net::Ipv4 announcedAddress() const { return m_announcedAddress; }
+    void setAnnouncedAddress(net::Ipv4 address);
     [[nodiscard]] GatewayRoute& routeOn(std::size_t adapter);
 
     [[nodiscard]] wire::Frame arpRequest(net::Ipv4 target, net::Ipv4 sender) const;
@@ -55,7 +55,7 @@ private:
     std::uint16_t m_identification = 0;
     unsigned m_requests = 0;
     Instant m_idleAt;
-    net::Ipv4 m_knownAs;
+    net::Ipv4 m_announcedAddress;
 };
 
 } // namespace sim

@@ -39,10 +39,10 @@ VirtualNetwork::VirtualNetwork(const Scene& scene, Instant now, Send send, Repor
 
 void VirtualNetwork::learnAddress(Station& station)
 {
-    const net::Ipv4 address = station.camera().isDeaf() ? net::Ipv4{} : station.camera().addressing().ip;
+    const net::Ipv4 address = station.camera().isOffline() ? net::Ipv4{} : station.camera().addressing().ip;
     for (const std::size_t adapter : station.adapters()) {
         auto& byAddress = m_segments[adapter].byAddress;
-        const auto [first, last] = byAddress.equal_range(station.knownAs().value);
+        const auto [first, last] = byAddress.equal_range(station.announcedAddress().value);
         const auto old =
             std::find_if(first, last, [&](const auto& entry) { return entry.second == &station; });
         if (old != last) {
@@ -53,7 +53,7 @@ void VirtualNetwork::learnAddress(Station& station)
             m_send(adapter, station.arpRequest(address, address).all()); // gratuitous
         }
     }
-    station.setKnownAs(address);
+    station.setAnnouncedAddress(address);
 }
 
 void VirtualNetwork::receive(std::size_t adapter, std::span<const std::uint8_t> bytes, Instant now)
@@ -112,7 +112,7 @@ void VirtualNetwork::receiveArp(std::size_t adapter, const wire::Arp& arp)
 void VirtualNetwork::receivePacket(Station& station, std::size_t adapter, const wire::Ethernet& frame,
                                    const wire::Ipv4Packet& packet, Instant now)
 {
-    if (station.camera().isDeaf() || !station.hears(packet.to)) {
+    if (station.camera().isOffline() || !station.accepts(packet.to)) {
         return;
     }
     const bool isUnicast = packet.to == station.camera().addressing().ip;
@@ -131,18 +131,19 @@ void VirtualNetwork::receivePacket(Station& station, std::size_t adapter, const 
 void VirtualNetwork::receiveRequest(Station& station, const Origin& origin, const Request& request,
                                     Instant now)
 {
-    const Fate fate = m_impairments.ofRequest(station.camera().config().faults, station.countRequest());
-    for (unsigned copy = 0; copy < fate.copies; ++copy) {
-        station.camera().hear(request, now, m_effects);
+    const Delivery delivery =
+        m_impairments.ofRequest(station.camera().config().faults, station.countRequest());
+    for (unsigned copy = 0; copy < delivery.copies; ++copy) {
+        station.camera().receive(request, now, m_effects);
         const Duration work = m_effects.answers.empty() ? Duration::zero() : station.queueWork(now);
         for (Answer& answer : m_effects.answers) {
             answer.delay += work;
         }
-        carryOut(station, now, &origin);
+        applyEffects(station, now, &origin);
     }
 }
 
-void VirtualNetwork::carryOut(Station& station, Instant now, const Origin* origin)
+void VirtualNetwork::applyEffects(Station& station, Instant now, const Origin* origin)
 {
     for (const EventLine& event : m_effects.events) {
         m_report(event);
@@ -163,17 +164,17 @@ void VirtualNetwork::answer(Station& station, const Origin& origin, Answer& answ
     const Ipv4Settings& source = answer.source;
     const bool isBroadcast =
         answer.allowBroadcast && !net::inSameSubnet(origin.from.address, source.ip, source.mask);
-    const Fate fate = m_impairments.ofAnswer(station.camera().config().faults, answer.message);
+    const Delivery delivery = m_impairments.ofAnswer(station.camera().config().faults, answer.message);
     const wire::Ipv4Packet packet{
         source.ip, isBroadcast ? net::limitedBroadcast : origin.from.address, wire::Protocol::Udp, {}};
-    for (unsigned copy = 0; copy < fate.copies; ++copy) {
+    for (unsigned copy = 0; copy < delivery.copies; ++copy) {
         const wire::Frame frame = wire::buildUdp(isBroadcast ? wire::broadcastMac : origin.mac, station.mac(),
                                                  packet, {gvcp::Port, origin.from.port, answer.message.all()},
                                                  station.nextIdentification());
         if (isBroadcast) {
-            sendLater(origin.adapter, frame, answer.delay + fate.delay, now);
+            sendLater(origin.adapter, frame, answer.delay + delivery.delay, now);
         } else {
-            deliver(station, origin, source, frame, answer.delay + fate.delay, now);
+            deliver(station, origin, source, frame, answer.delay + delivery.delay, now);
         }
     }
 }
@@ -213,7 +214,7 @@ void VirtualNetwork::advance(Instant now)
     for (const auto& station : m_stations) {
         if (station->camera().nextDeadline() <= now) {
             station->camera().advance(now, m_effects);
-            carryOut(*station, now, nullptr);
+            applyEffects(*station, now, nullptr);
         }
     }
     while (!m_delayed.empty() && m_delayed.top().at <= now) {

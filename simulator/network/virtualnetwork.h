@@ -68,7 +68,7 @@ private:
     void deliver(Station& station, const Origin& origin, const Ipv4Settings& source, wire::Frame frame,
                  Duration delay, Instant now);
     void sendLater(std::size_t adapter, const wire::Frame& frame, Duration delay, Instant now);
-    void carryOut(Station& station, Instant now, const Origin* origin);
+    void applyEffects(Station& station, Instant now, const Origin* origin);
     void learnAddress(Station& station);
 
     std::vector<std::unique_ptr<Station>> m_stations;

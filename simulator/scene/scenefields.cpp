@@ -24,13 +24,13 @@ constexpr std::array<std::pair<std::string_view, ForceIpAck>, 3> forceIpAcks{{
     {"never", ForceIpAck::Never},
 }};
 
-constexpr std::array<std::pair<std::string_view, SpoiledAnswer>, 6> spoiledAnswers{{
-    {"garbage", SpoiledAnswer::Garbage},
-    {"truncated", SpoiledAnswer::Truncated},
-    {"wrongId", SpoiledAnswer::WrongId},
-    {"wrongLength", SpoiledAnswer::WrongLength},
-    {"surplus", SpoiledAnswer::Surplus},
-    {"longPayload", SpoiledAnswer::LongPayload},
+constexpr std::array<std::pair<std::string_view, CorruptAnswer>, 6> corruptAnswers{{
+    {"garbage", CorruptAnswer::Garbage},
+    {"truncated", CorruptAnswer::Truncated},
+    {"wrongId", CorruptAnswer::WrongId},
+    {"wrongLength", CorruptAnswer::WrongLength},
+    {"surplus", CorruptAnswer::Surplus},
+    {"longPayload", CorruptAnswer::LongPayload},
 }};
 
 /// Hexadecimal digits with or without 0x, at most `limit`.
@@ -193,7 +193,7 @@ Faults readFaults(JsonObject& object)
     }
     if (object.find("answerWith") != nullptr) {
         faults.answerWith =
-            chooseWord(object.text("answerWith", 32), object.pathOf("answerWith"), spoiledAnswers);
+            chooseWord(object.text("answerWith", 32), object.pathOf("answerWith"), corruptAnswers);
     }
     if (object.find("forceIpAck") != nullptr) {
         faults.forceIpAck =
