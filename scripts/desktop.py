@@ -13,7 +13,7 @@ gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402
 
 
-class Surprise(Exception):
+class UnexpectedState(Exception):
     """Something that was seen is not what it should be."""
 
 
@@ -27,13 +27,13 @@ def wait_for(what, condition, seconds=20.0):
         except GLib.Error:
             pass  # the widget went away while it was being read
         if time.monotonic() > deadline:
-            raise Surprise(f"waited {seconds:.0f} s in vain for {what}")
+            raise UnexpectedState(f"waited {seconds:.0f} s in vain for {what}")
         time.sleep(0.1)
 
 
 def expect(what, seen, expected):
     if seen != expected:
-        raise Surprise(f"{what}: saw {seen!r} instead of {expected!r}")
+        raise UnexpectedState(f"{what}: saw {seen!r} instead of {expected!r}")
 
 
 @contextlib.contextmanager
@@ -42,7 +42,7 @@ def simulated_cameras(programs, scene):
     process = subprocess.Popen([os.path.join(programs, "gige-simulator"), scene], stdout=subprocess.PIPE, text=True)
     try:
         if not any(line.startswith("ready ") for line in iter(process.stdout.readline, "")):
-            raise Surprise("the simulated cameras did not start")
+            raise UnexpectedState("the simulated cameras did not start")
         threading.Thread(target=process.stdout.read, daemon=True).start()  # a full pipe would halt them
         yield process
     finally:
@@ -75,7 +75,7 @@ class Desktop:
         with os.fdopen(reading) as numbers:
             number = numbers.readline().strip()
         if not number:
-            raise Surprise("the virtual display did not start")
+            raise UnexpectedState("the virtual display did not start")
         os.environ.update(DISPLAY=f":{number}", QT_QPA_PLATFORM="xcb", LC_ALL="C.UTF-8", QT_ACCESSIBILITY="1",
                           QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1", QT_LOGGING_RULES="qt.accessibility.*=false")
         for name in ("LANGUAGE", "WAYLAND_DISPLAY", "XAUTHORITY", "QT_STYLE_OVERRIDE", "QT_SCALE_FACTOR"):
@@ -97,7 +97,7 @@ def act(*words):
     try:
         subprocess.run(["xdotool", *map(str, words)], check=True, timeout=20)
     except subprocess.TimeoutExpired:
-        raise Surprise(f"waited in vain for: {' '.join(map(str, words))}") from None
+        raise UnexpectedState(f"waited in vain for: {' '.join(map(str, words))}") from None
 
 
 class Window:
@@ -124,7 +124,7 @@ class Window:
 
     def _top_levels(self):
         if self.process.poll() is not None:
-            raise Surprise(f"the program ended with code {self.process.returncode}")
+            raise UnexpectedState(f"the program ended with code {self.process.returncode}")
         desktop = Atspi.get_desktop(0)
         for index in range(desktop.get_child_count()):
             program = desktop.get_child_at_index(index)
@@ -152,7 +152,7 @@ class Window:
         for widget in self.widgets(role):
             if widget.get_name() == self.text(name):
                 return widget
-        raise Surprise(f"there is no {Atspi.role_get_name(role)} {name!r}")
+        raise UnexpectedState(f"there is no {Atspi.role_get_name(role)} {name!r}")
 
     def field(self, name):
         return self.widget(Atspi.Role.TEXT, name)
