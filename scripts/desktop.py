@@ -1,4 +1,4 @@
-"""What scripts share that use the program as a user does: a virtual display, mouse and keyboard, and the window as an
+"""Shared by the scripts that use the program as a user does: a virtual display, mouse and keyboard, and the window as an
 accessibility tool sees it. Needs a D-Bus session of its own."""
 
 import contextlib
@@ -14,26 +14,26 @@ from gi.repository import Atspi, GLib  # noqa: E402
 
 
 class UnexpectedState(Exception):
-    """Something that was seen is not what it should be."""
+    """The program or the desktop is not in the state that the script expects."""
 
 
 def wait_for(what, condition, seconds=20.0):
-    """The first true result of `condition`, asked again until it comes or the time is over."""
+    """Polls `condition` until its result is true and returns that; UnexpectedState when the time is over."""
     deadline = time.monotonic() + seconds
     while True:
         try:
             if result := condition():
                 return result
         except GLib.Error:
-            pass  # the widget went away while it was being read
+            pass  # The widget disappeared while it was being read.
         if time.monotonic() > deadline:
-            raise UnexpectedState(f"waited {seconds:.0f} s in vain for {what}")
+            raise UnexpectedState(f"gave up after {seconds:.0f} s of waiting for {what}")
         time.sleep(0.1)
 
 
 def expect(what, seen, expected):
     if seen != expected:
-        raise UnexpectedState(f"{what}: saw {seen!r} instead of {expected!r}")
+        raise UnexpectedState(f"{what}: expected {expected!r}, got {seen!r}")
 
 
 @contextlib.contextmanager
@@ -93,16 +93,16 @@ class Desktop:
 
 
 def act(*words):
-    """Mouse and keyboard, in the words of xdotool."""
+    """Mouse and keyboard, as commands of xdotool."""
     try:
         subprocess.run(["xdotool", *map(str, words)], check=True, timeout=20)
     except subprocess.TimeoutExpired:
-        raise UnexpectedState(f"waited in vain for: {' '.join(map(str, words))}") from None
+        raise UnexpectedState(f"xdotool did not finish: {' '.join(map(str, words))}") from None
 
 
 class Window:
-    """The program's window as an accessibility tool sees it. Names of widgets are given in English; `words` has what the
-    program shows instead of them, with the mnemonics of both."""
+    """The program's window as an accessibility tool sees it. Widgets are named in English; `words` translates these
+    names to what the program shows, both with their mnemonics."""
 
     def __init__(self, process, width=1050, height=680, words=None):
         self.process = process
@@ -115,7 +115,7 @@ class Window:
         return bare(self.words.get(english, english))
 
     def letter(self, english, otherwise):
-        """The key that chooses this entry of an open menu; `otherwise` in English."""
+        """The key that chooses this entry of an open menu; in English, `otherwise`."""
         shown = self.words.get(english, "")
         return shown[shown.index("&") + 1].lower() if "&" in shown else otherwise
 
@@ -165,7 +165,7 @@ class Window:
         return " ".join(" ".join(label.get_name() for label in self.widgets(Atspi.Role.LABEL)).split())
 
     def rows(self):
-        """The rows of the tree from top to bottom, each a dictionary from English column title to cell."""
+        """The rows of the tree from top to bottom, each a dictionary that maps English column titles to cells."""
         tree = next(self.widgets(Atspi.Role.TREE), None)
         if tree is None:
             return []
@@ -174,7 +174,7 @@ class Window:
                   for header in self.widgets(Atspi.Role.TABLE_COLUMN_HEADER, tree)]
         cells = list(self.widgets(Atspi.Role.TABLE_CELL, tree))
         lines = [cells[first:first + len(titles)] for first in range(0, len(cells), len(titles))]
-        # An adapter's row spans all columns; only its first cell means anything.
+        # An adapter's row spans all columns; only its first cell has content.
         return [dict(zip(titles, line)) if line[-1].get_name() else {titles[0]: line[0]} for line in lines]
 
     def fit_columns(self):
