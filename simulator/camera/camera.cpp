@@ -70,23 +70,25 @@ void Camera::receive(const Request& request, Instant now, Effects& effects)
         (m_config.faults.muteToUnicast && !request.isBroadcast)) {
         return;
     }
+    const CommandContext context{*command, request, now, effects};
     if (!command->isWellFormed) {
-        // a thousand cameras that complain about one stray broadcast would help nobody
+        // One malformed broadcast must not be answered by every camera.
         if (!request.isBroadcast) {
             m_payload.size = 0;
-            acknowledge(*command, {Status::InvalidHeader, "wrong key or length"}, addressing(), {}, effects);
+            acknowledge(context, {Status::InvalidHeader, "wrong key or length"}, addressing(), {});
         }
         return;
     }
     m_control.keepAlive(request.from, now, heartbeatTimeout());
-    if (isForThisCamera(*command, request.isBroadcast) && !answerPending(*command, effects) &&
-        !answerRepeat(request, now, effects)) {
-        execute(*command, request, now, effects);
+    if (isForThisCamera(context) && !answerPending(context) && !answerRepeat(context)) {
+        execute(context);
     }
 }
 
-bool Camera::isForThisCamera(const CommandMessage& command, bool isBroadcast) const
+bool Camera::isForThisCamera(const CommandContext& context) const
 {
+    const CommandMessage& command = context.command;
+    const bool isBroadcast = context.request.isBroadcast;
     if (command.is(Command::Discovery)) {
         return !m_config.faults.muteToDiscovery && (!isBroadcast || command.payload.empty());
     }
@@ -101,8 +103,9 @@ bool Camera::isForThisCamera(const CommandMessage& command, bool isBroadcast) co
     return !isBroadcast;
 }
 
-bool Camera::answerRepeat(const Request& request, Instant now, Effects& effects)
+bool Camera::answerRepeat(const CommandContext& context)
 {
+    const Request& request = context.request;
     if (!m_lastExecuted || m_lastExecuted->from != request.from ||
         !std::equal(request.bytes.begin(), request.bytes.end(), m_lastExecuted->command.begin(),
                     m_lastExecuted->command.end())) {
@@ -112,23 +115,24 @@ bool Camera::answerRepeat(const Request& request, Instant now, Effects& effects)
     if (answer.message.size == 0) {
         return true;
     }
-    if (m_config.faults.pendingAck > Duration::zero() && now < m_lastExecuted->readyAt) {
-        // still at work: the answer to the first copy will serve this one as well
-        answer.message = pendingAcknowledge(std::chrono::ceil<Duration>(m_lastExecuted->readyAt - now),
-                                            bytes::get16(request.bytes, gvcp::Header::RequestId));
+    if (m_config.faults.pendingAck > Duration::zero() && context.now < m_lastExecuted->readyAt) {
+        // Still working: the answer to the first copy will serve this one as well.
+        answer.message = pendingAcknowledge(
+            std::chrono::ceil<Duration>(m_lastExecuted->readyAt - context.now), context.command.id);
     }
     answer.delay = m_config.faults.answerDelay;
-    effects.answers.push_back(answer);
+    context.effects.answers.push_back(answer);
     return true;
 }
 
-bool Camera::answerPending(const CommandMessage& command, Effects& effects) const
+bool Camera::answerPending(const CommandContext& context) const
 {
-    const auto pending = m_config.faults.onlyPending.find(static_cast<Command>(command.code));
+    const auto pending = m_config.faults.onlyPending.find(static_cast<Command>(context.command.code));
     if (pending == m_config.faults.onlyPending.end()) {
         return false;
     }
-    effects.answers.push_back({pendingAcknowledge(pending->second, command.id), addressing()});
+    context.effects.answers.push_back(
+        {pendingAcknowledge(pending->second, context.command.id), addressing()});
     return true;
 }
 
@@ -146,8 +150,9 @@ bool Camera::acknowledgesWrite(const CommandMessage& command, Outcome& outcome) 
     return found->second.has_value();
 }
 
-void Camera::execute(const CommandMessage& command, const Request& request, Instant now, Effects& effects)
+void Camera::execute(const CommandContext& context)
 {
+    const auto& [command, request, now, effects] = context;
     const Faults& faults = m_config.faults;
     const Ipv4Settings before = addressing();
     const unsigned writesBefore = m_writes;
@@ -162,7 +167,7 @@ void Camera::execute(const CommandMessage& command, const Request& request, Inst
     Outcome outcome = refusal != faults.refusedCommands.end()
                           ? Outcome{refusal->second, "the scene refuses this command"}
                       : isBusy ? Outcome{Status::Busy, "it is busy at first"}
-                               : dispatch(command, request, now, effects);
+                               : dispatch(context);
     const bool obeyed = command.is(Command::ForceIp) && outcome.status == Status::Success;
     const bool restarts = m_cycle.isRunning();
     const bool staysSilent =
@@ -171,8 +176,8 @@ void Camera::execute(const CommandMessage& command, const Request& request, Inst
     if (!staysSilent) {
         const bool fromOldAddress = restarts || faults.forceIpAck == ForceIpAck::OldAddress;
         const bool isSlow = m_writes > writesBefore && outcome.status == Status::Success;
-        acknowledge(command, outcome, fromOldAddress ? before : addressing(),
-                    isSlow ? faults.pendingAck : Duration::zero(), effects);
+        acknowledge(context, outcome, fromOldAddress ? before : addressing(),
+                    isSlow ? faults.pendingAck : Duration::zero());
     }
     if (changesSomething(command) && outcome.status == Status::Success) {
         m_lastExecuted = {request.from, {request.bytes.begin(), request.bytes.end()}, {}, now};
@@ -186,39 +191,39 @@ void Camera::execute(const CommandMessage& command, const Request& request, Inst
     }
 }
 
-Camera::Outcome Camera::dispatch(const CommandMessage& command, const Request& request, Instant now,
-                                 Effects& effects)
+Camera::Outcome Camera::dispatch(const CommandContext& context)
 {
-    switch (static_cast<Command>(command.code)) {
+    switch (static_cast<Command>(context.command.code)) {
     case Command::Discovery:
-        return discover(command, request, effects);
+        return discover(context);
     case Command::ForceIp:
-        return forceIp(command, request, now, effects);
+        return forceIp(context);
     case Command::ReadReg:
-        return readRegisters(command.payload, request.from);
+        return readRegisters(context);
     case Command::WriteReg:
-        return writeRegisters(command.payload, request.from, now, effects);
+        return writeRegisters(context);
     case Command::ReadMem:
-        return readMemory(command.payload, request.from);
+        return readMemory(context);
     case Command::WriteMem:
         if (m_config.faults.knowsWriteMem) {
-            return writeMemory(command.payload, request.from, now, effects);
+            return writeMemory(context);
         }
         break;
     case Command::BroadcastIpConfig:
         if (m_config.knowsBroadcastCommand) {
-            return broadcastIpConfig(command.payload, request.from, effects);
+            return broadcastIpConfig(context);
         }
         break;
     }
     return {Status::NotImplemented, "unknown command"};
 }
 
-void Camera::acknowledge(const CommandMessage& command, const Outcome& outcome, const Ipv4Settings& source,
-                         Duration work, Effects& effects)
+void Camera::acknowledge(const CommandContext& context, const Outcome& outcome, const Ipv4Settings& source,
+                         Duration work)
 {
+    const CommandMessage& command = context.command;
     if (outcome.status != Status::Success) {
-        reportRefusal(command, outcome, effects);
+        reportRefusal(context, outcome);
     }
     if (!command.ackRequired) {
         return;
@@ -232,7 +237,7 @@ void Camera::acknowledge(const CommandMessage& command, const Outcome& outcome, 
     answer.delay = command.is(Command::Discovery) ? faults.discoveryDelay : faults.answerDelay;
     if (work > Duration::zero()) {
         answer.message = pendingAcknowledge(work, command.id);
-        effects.answers.push_back(answer);
+        context.effects.answers.push_back(answer);
         answer.delay += work;
         if (faults.neverConfirms) {
             return;
@@ -240,15 +245,15 @@ void Camera::acknowledge(const CommandMessage& command, const Outcome& outcome, 
     }
     answer.message = makeAcknowledge(outcome.status, static_cast<std::uint16_t>(command.code + 1), command.id,
                                      m_payload.all());
-    effects.answers.push_back(answer);
+    context.effects.answers.push_back(answer);
 }
 
-void Camera::reportRefusal(const CommandMessage& command, const Outcome& outcome, Effects& effects) const
+void Camera::reportRefusal(const CommandContext& context, const Outcome& outcome) const
 {
-    effects.events.push_back(event("refused")
-                                 .add("command", commandName(command.code))
-                                 .add("status", hex16(static_cast<std::uint16_t>(outcome.status)))
-                                 .addQuoted("reason", outcome.reason));
+    context.effects.events.push_back(event("refused")
+                                         .add("command", commandName(context.command.code))
+                                         .add("status", hex16(static_cast<std::uint16_t>(outcome.status)))
+                                         .addQuoted("reason", outcome.reason));
 }
 
 void Camera::vanish(Effects& effects)

@@ -65,6 +65,14 @@ private:
         gvcp::Status status = gvcp::Status::Success;
         const char* reason = "";
     };
+    /// A command that is being handled: the datagram that brought it, the time, and what it causes.
+    struct CommandContext
+    {
+        const CommandMessage& command;
+        const Request& request;
+        Instant now;
+        Effects& effects;
+    };
     struct Executed
     {
         Endpoint from;
@@ -73,38 +81,36 @@ private:
         Instant readyAt;
     };
 
-    [[nodiscard]] bool isForThisCamera(const CommandMessage& command, bool isBroadcast) const;
-    [[nodiscard]] bool answerRepeat(const Request& request, Instant now, Effects& effects);
-    /// Whether the scene has the camera only ask for more time.
-    [[nodiscard]] bool answerPending(const CommandMessage& command, Effects& effects) const;
-    void execute(const CommandMessage& command, const Request& request, Instant now, Effects& effects);
-    [[nodiscard]] Outcome dispatch(const CommandMessage& command, const Request& request, Instant now,
-                                   Effects& effects);
-    /// Whether the camera says anything about a write that it did; if so, `outcome` is what it says.
+    [[nodiscard]] bool isForThisCamera(const CommandContext& context) const;
+    /// Answers a repeated command as its first copy was answered.
+    [[nodiscard]] bool answerRepeat(const CommandContext& context);
+    /// Answers PENDING_ACK alone if the scene says so.
+    [[nodiscard]] bool answerPending(const CommandContext& context) const;
+    void execute(const CommandContext& context);
+    [[nodiscard]] Outcome dispatch(const CommandContext& context);
+    /// Whether a write that was done is acknowledged at all; if so, `outcome` is what the camera reports.
     [[nodiscard]] bool acknowledgesWrite(const CommandMessage& command, Outcome& outcome) const;
-    /// `work` is how long the answer takes beyond the usual; unless zero, a PENDING_ACK goes ahead of it.
-    void acknowledge(const CommandMessage& command, const Outcome& outcome, const Ipv4Settings& source,
-                     Duration work, Effects& effects);
-    void reportRefusal(const CommandMessage& command, const Outcome& outcome, Effects& effects) const;
+    /// `work` is how long the answer takes beyond the usual; unless zero, a PENDING_ACK precedes it.
+    void acknowledge(const CommandContext& context, const Outcome& outcome, const Ipv4Settings& source,
+                     Duration work);
+    void reportRefusal(const CommandContext& context, const Outcome& outcome) const;
     void vanish(Effects& effects);
 
-    Outcome discover(const CommandMessage& command, const Request& request, Effects& effects);
-    Outcome forceIp(const CommandMessage& command, const Request& request, Instant now, Effects& effects);
-    Outcome readRegisters(std::span<const std::uint8_t> payload, Endpoint from);
-    Outcome writeRegisters(std::span<const std::uint8_t> payload, Endpoint from, Instant now,
-                           Effects& effects);
-    Outcome readMemory(std::span<const std::uint8_t> payload, Endpoint from);
-    Outcome writeMemory(std::span<const std::uint8_t> payload, Endpoint from, Instant now, Effects& effects);
-    Outcome broadcastIpConfig(std::span<const std::uint8_t> payload, Endpoint from, Effects& effects);
+    Outcome discover(const CommandContext& context);
+    Outcome forceIp(const CommandContext& context);
+    Outcome readRegisters(const CommandContext& context);
+    Outcome writeRegisters(const CommandContext& context);
+    Outcome readMemory(const CommandContext& context);
+    Outcome writeMemory(const CommandContext& context);
+    Outcome broadcastIpConfig(const CommandContext& context);
 
     [[nodiscard]] Outcome checkRead(std::uint32_t address, std::size_t size, Endpoint from) const;
     [[nodiscard]] Outcome checkWrite(std::uint32_t address, Endpoint from) const;
-    Outcome writeWord(std::uint32_t address, std::uint32_t value, Endpoint from, Instant now,
-                      Effects& effects);
-    Outcome writePrivilege(std::uint32_t value, Endpoint from, Instant now, Effects& effects);
+    Outcome writeWord(std::uint32_t address, std::uint32_t value, const CommandContext& context);
+    Outcome writePrivilege(std::uint32_t value, const CommandContext& context);
     /// Writes word by word; `done` counts the bytes written before the first refusal.
-    Outcome writeWords(std::span<const std::uint8_t> data, std::uint32_t address, Endpoint from, Instant now,
-                       std::size_t& done, Effects& effects);
+    Outcome writeWords(std::span<const std::uint8_t> data, std::uint32_t address,
+                       const CommandContext& context, std::size_t& done);
 
     void restart(Instant now, Effects& effects);
     void applyForcedAddress(const Ipv4Settings& settings, Effects& effects);

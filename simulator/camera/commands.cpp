@@ -61,8 +61,9 @@ const char* settingAt(std::uint32_t address)
 
 } // namespace
 
-Camera::Outcome Camera::discover(const CommandMessage& command, const Request& request, Effects& effects)
+Camera::Outcome Camera::discover(const CommandContext& context)
 {
+    const auto& [command, request, now, effects] = context;
     if (!command.payload.empty()) {
         return {Status::InvalidParameter, "a discovery has no payload"};
     }
@@ -81,21 +82,20 @@ Camera::Outcome Camera::discover(const CommandMessage& command, const Request& r
     return {};
 }
 
-Camera::Outcome Camera::forceIp(const CommandMessage& command, const Request& request, Instant now,
-                                Effects& effects)
+Camera::Outcome Camera::forceIp(const CommandContext& context)
 {
-    const auto payload = command.payload;
+    const auto payload = context.command.payload;
     if (payload.size() != gvcp::ForceIp::Size) {
         return {Status::InvalidParameter, "wrong length"};
     }
-    if (m_control.isHeldByOtherThan(request.from)) {
+    if (m_control.isHeldByOtherThan(context.request.from)) {
         return {Status::AccessDenied, reasonOf(Status::AccessDenied)};
     }
     Ipv4Settings wanted{{bytes::get32(payload, gvcp::ForceIp::Ip)},
                         {bytes::get32(payload, gvcp::ForceIp::Mask)},
                         {bytes::get32(payload, gvcp::ForceIp::Gateway)}};
     if (wanted.ip.value == 0) {
-        restart(now, effects);
+        restart(context.now, context.effects);
         return {};
     }
     if (!isUsableAddress(wanted.ip) || !net::isContiguousMask(wanted.mask)) {
@@ -105,9 +105,9 @@ Camera::Outcome Camera::forceIp(const CommandMessage& command, const Request& re
     wanted.ip = faults.forceIpTakes.value_or(wanted.ip);
     if (faults.forceIpDelay > Duration::zero()) {
         m_forcedNext = wanted;
-        m_forcedNextAt = now + faults.forceIpDelay;
+        m_forcedNextAt = context.now + faults.forceIpDelay;
     } else if (!faults.ignoreForceIp) {
-        applyForcedAddress(wanted, effects);
+        applyForcedAddress(wanted, context.effects);
     }
     return {};
 }
@@ -132,8 +132,9 @@ Camera::Outcome Camera::checkRead(std::uint32_t address, std::size_t size, Endpo
     return {};
 }
 
-Camera::Outcome Camera::readRegisters(std::span<const std::uint8_t> payload, Endpoint from)
+Camera::Outcome Camera::readRegisters(const CommandContext& context)
 {
+    const auto payload = context.command.payload;
     if (payload.empty() || payload.size() % RegisterSize != 0 || payload.size() > gvcp::MaxDataSize) {
         return {Status::InvalidParameter, "wrong length"};
     }
@@ -142,7 +143,7 @@ Camera::Outcome Camera::readRegisters(std::span<const std::uint8_t> payload, End
         if (address >= DescriptionAddress) {
             return {Status::InvalidAddress, "memory is no register"};
         }
-        if (const Outcome outcome = checkRead(address, RegisterSize, from);
+        if (const Outcome outcome = checkRead(address, RegisterSize, context.request.from);
             outcome.status != Status::Success) {
             return outcome; // with the values read so far
         }
@@ -152,8 +153,9 @@ Camera::Outcome Camera::readRegisters(std::span<const std::uint8_t> payload, End
     return {};
 }
 
-Camera::Outcome Camera::readMemory(std::span<const std::uint8_t> payload, Endpoint from)
+Camera::Outcome Camera::readMemory(const CommandContext& context)
 {
+    const auto payload = context.command.payload;
     if (payload.size() != gvcp::ReadMem::Size) {
         return {Status::InvalidParameter, "wrong length"};
     }
@@ -162,7 +164,8 @@ Camera::Outcome Camera::readMemory(std::span<const std::uint8_t> payload, Endpoi
     if (count == 0 || count > gvcp::MaxDataSize) {
         return {Status::InvalidParameter, "wrong number of bytes"};
     }
-    if (const Outcome outcome = checkRead(address, count, from); outcome.status != Status::Success) {
+    if (const Outcome outcome = checkRead(address, count, context.request.from);
+        outcome.status != Status::Success) {
         return outcome;
     }
     m_payload.size = RegisterSize + count;
@@ -190,10 +193,10 @@ Camera::Outcome Camera::checkWrite(std::uint32_t address, Endpoint from) const
     return {};
 }
 
-Camera::Outcome Camera::writeWord(std::uint32_t address, std::uint32_t value, Endpoint from, Instant now,
-                                  Effects& effects)
+Camera::Outcome Camera::writeWord(std::uint32_t address, std::uint32_t value, const CommandContext& context)
 {
-    if (const Outcome outcome = checkWrite(address, from); outcome.status != Status::Success) {
+    if (const Outcome outcome = checkWrite(address, context.request.from);
+        outcome.status != Status::Success) {
         return outcome;
     }
     const Faults& faults = m_config.faults;
@@ -202,7 +205,7 @@ Camera::Outcome Camera::writeWord(std::uint32_t address, std::uint32_t value, En
     }
     switch (address) {
     case gvcp::Register::ControlChannelPrivilege:
-        return writePrivilege(value, from, now, effects);
+        return writePrivilege(value, context);
     case gvcp::Register::IpConfigCurrent:
         if ((value & ~m_registers.get(gvcp::Register::IpConfigSupported)) != 0) {
             return {Status::InvalidParameter, "mode not supported"};
@@ -215,7 +218,7 @@ Camera::Outcome Camera::writeWord(std::uint32_t address, std::uint32_t value, En
             return {Status::InvalidParameter, reasonOf(Status::InvalidParameter)};
         }
         m_registers.set(address, value);
-        m_control.keepAlive(from, now, heartbeatTimeout());
+        m_control.keepAlive(context.request.from, context.now, heartbeatTimeout());
         break;
     default:
         m_registers.set(address, value);
@@ -223,19 +226,20 @@ Camera::Outcome Camera::writeWord(std::uint32_t address, std::uint32_t value, En
     return {};
 }
 
-Camera::Outcome Camera::writePrivilege(std::uint32_t value, Endpoint from, Instant now, Effects& effects)
+Camera::Outcome Camera::writePrivilege(std::uint32_t value, const CommandContext& context)
 {
+    const Endpoint from = context.request.from;
     const std::uint32_t before = m_control.privilege();
-    const Status status = m_control.write(from, value, now, heartbeatTimeout());
+    const Status status = m_control.write(from, value, context.now, heartbeatTimeout());
     if (status == Status::Success && before != m_control.privilege()) {
-        controlChanged(from.address, "written", effects);
+        controlChanged(from.address, "written", context.effects);
     }
     return {status, reasonOf(status)};
 }
 
-Camera::Outcome Camera::writeRegisters(std::span<const std::uint8_t> payload, Endpoint from, Instant now,
-                                       Effects& effects)
+Camera::Outcome Camera::writeRegisters(const CommandContext& context)
 {
+    const auto payload = context.command.payload;
     constexpr std::size_t PairSize = std::size_t{2} * RegisterSize;
     if (payload.empty() || payload.size() % PairSize != 0 || payload.size() > gvcp::MaxDataSize) {
         return {Status::InvalidParameter, "wrong length"};
@@ -243,7 +247,7 @@ Camera::Outcome Camera::writeRegisters(std::span<const std::uint8_t> payload, En
     for (std::size_t at = 0; at < payload.size(); at += PairSize) {
         const auto data = payload.subspan(at + RegisterSize, RegisterSize);
         std::size_t done = 0;
-        const Outcome outcome = writeWords(data, bytes::get32(payload, at), from, now, done, effects);
+        const Outcome outcome = writeWords(data, bytes::get32(payload, at), context, done);
         answerIndex(at / PairSize + done / RegisterSize);
         if (outcome.status != Status::Success) {
             return outcome;
@@ -252,9 +256,9 @@ Camera::Outcome Camera::writeRegisters(std::span<const std::uint8_t> payload, En
     return {};
 }
 
-Camera::Outcome Camera::writeMemory(std::span<const std::uint8_t> payload, Endpoint from, Instant now,
-                                    Effects& effects)
+Camera::Outcome Camera::writeMemory(const CommandContext& context)
 {
+    const auto payload = context.command.payload;
     if (payload.size() <= RegisterSize || payload.size() > RegisterSize + gvcp::MaxDataSize) {
         return {Status::InvalidParameter, "wrong length"};
     }
@@ -263,19 +267,19 @@ Camera::Outcome Camera::writeMemory(std::span<const std::uint8_t> payload, Endpo
         return {Status::BadAlignment, "the length is no multiple of four"};
     }
     std::size_t done = 0;
-    const Outcome outcome = writeWords(data, bytes::get32(payload, 0), from, now, done, effects);
+    const Outcome outcome = writeWords(data, bytes::get32(payload, 0), context, done);
     answerIndex(done);
     return outcome;
 }
 
-Camera::Outcome Camera::writeWords(std::span<const std::uint8_t> data, std::uint32_t address, Endpoint from,
-                                   Instant now, std::size_t& done, Effects& effects)
+Camera::Outcome Camera::writeWords(std::span<const std::uint8_t> data, std::uint32_t address,
+                                   const CommandContext& context, std::size_t& done)
 {
     Outcome outcome;
     const char* changed = nullptr;
     while (done < data.size() && outcome.status == Status::Success) {
         const std::uint32_t at = address + static_cast<std::uint32_t>(done);
-        outcome = writeWord(at, bytes::get32(data, done), from, now, effects);
+        outcome = writeWord(at, bytes::get32(data, done), context);
         if (outcome.status == Status::Success) {
             changed = settingAt(at) != nullptr ? settingAt(at) : changed;
             done += RegisterSize;
@@ -283,14 +287,14 @@ Camera::Outcome Camera::writeWords(std::span<const std::uint8_t> data, std::uint
     }
     m_writes += done > 0 && address != gvcp::Register::ControlChannelPrivilege ? 1 : 0;
     if (changed != nullptr) {
-        reportConfiguration("register", changed, effects);
+        reportConfiguration("register", changed, context.effects);
     }
     return outcome;
 }
 
-Camera::Outcome Camera::broadcastIpConfig(std::span<const std::uint8_t> payload, Endpoint from,
-                                          Effects& effects)
+Camera::Outcome Camera::broadcastIpConfig(const CommandContext& context)
 {
+    const auto payload = context.command.payload;
     namespace Field = gvcp::BroadcastIpConfig;
     if (!hasMac(payload, Field::Mac, m_config.mac)) {
         return {}; // the scene has it acknowledge what is for another
@@ -305,7 +309,7 @@ Camera::Outcome Camera::broadcastIpConfig(std::span<const std::uint8_t> payload,
     if ((mode & ~m_registers.get(gvcp::Register::IpConfigSupported)) != 0) {
         return {Status::InvalidParameter, "mode not supported"};
     }
-    if (m_control.isHeldByOtherThan(from)) {
+    if (m_control.isHeldByOtherThan(context.request.from)) {
         return {Status::AccessDenied, reasonOf(Status::AccessDenied)};
     }
     m_registers.set(gvcp::Register::IpConfigCurrent, mode | gvcp::IpConfig::LinkLocal);
@@ -318,7 +322,7 @@ Camera::Outcome Camera::broadcastIpConfig(std::span<const std::uint8_t> payload,
                             bytes::get32(payload, Field::UserDefinedName + at));
         }
     }
-    reportConfiguration("broadcast", "all", effects);
+    reportConfiguration("broadcast", "all", context.effects);
     return {};
 }
 
