@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr int Repetitions = 9; // odd, so that the median is one of them
+constexpr int repetitions = 9; // odd, so that the median is one of them
 constexpr std::chrono::milliseconds PlainListening{1000};
 
 using Search = std::function<std::size_t(benchmark::State&, const Bench&)>;
@@ -63,7 +63,7 @@ void add(const std::string& title, Bench& bench, const Layout& layout, const Sea
                                      }
                                  })
         ->Iterations(1)
-        ->Repetitions(Repetitions)
+        ->Repetitions(repetitions)
         ->Unit(benchmark::kMillisecond)
         ->UseRealTime()
         ->ReportAggregatesOnly();

@@ -26,8 +26,8 @@
 
 namespace {
 
-constexpr int Repetitions = 9; // odd, so that the median is one of them
-constexpr int AddressColumn = 6;
+constexpr int repetitions = 9; // odd, so that the median is one of them
+constexpr int addressColumn = 6;
 double secondsSlept = 0;
 
 using Clock = std::chrono::steady_clock;
@@ -119,7 +119,7 @@ public:
         QCoreApplication::processEvents();
     }
 
-    [[nodiscard]] QString address() { return tree().currentItem()->text(AddressColumn); }
+    [[nodiscard]] QString address() { return tree().currentItem()->text(addressColumn); }
 
 private:
     QTreeWidget& tree() { return *m_window.findChild<QTreeWidget*>("treeWidget"); }
@@ -205,7 +205,7 @@ void add(const std::string& title, const std::function<void(benchmark::State&)>&
 {
     benchmark::RegisterBenchmark(title.c_str(), measure)
         ->Iterations(1)
-        ->Repetitions(Repetitions)
+        ->Repetitions(repetitions)
         ->Unit(benchmark::kMillisecond)
         ->UseManualTime()
         ->ReportAggregatesOnly();

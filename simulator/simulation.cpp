@@ -24,10 +24,10 @@ namespace sim {
 
 namespace {
 
-constexpr std::uint32_t QueueLength = 10000; // frames from the host that may wait for us
-constexpr int FramesPerTurn = 512;           // from one adapter before the next one's turn
-constexpr std::size_t LogChunk = 4096;       // bytes; a pipe that is ready takes as many without blocking
-constexpr std::chrono::seconds RunningTimeout{5};
+constexpr std::uint32_t queueLength = 10000; // frames from the host that may wait for us
+constexpr int framesPerTurn = 512;           // from one adapter before the next one's turn
+constexpr std::size_t logChunk = 4096;       // bytes; a pipe that is ready takes as many without blocking
+constexpr std::chrono::seconds runningTimeout{5};
 
 [[noreturn]] void fail(int error, const std::string& what)
 {
@@ -77,7 +77,7 @@ void waitUntilRunning(const std::string& name)
     }
     ifreq request{};
     name.copy(request.ifr_name, sizeof request.ifr_name - 1);
-    const Instant deadline = std::chrono::steady_clock::now() + RunningTimeout;
+    const Instant deadline = std::chrono::steady_clock::now() + runningTimeout;
     int result = ::ioctl(socket, SIOCGIFFLAGS, &request);
     while (result == 0 && (request.ifr_flags & IFF_RUNNING) == 0 &&
            std::chrono::steady_clock::now() < deadline) {
@@ -126,7 +126,7 @@ Simulation::~Simulation()
 void Simulation::createAdapter(const AdapterConfig& config)
 {
     auto tap = std::make_unique<wire::TapDevice>(config.name);
-    wire::bringUp(tap->index(), config.mac, wire::Mtu, QueueLength);
+    wire::bringUp(tap->index(), config.mac, wire::Mtu, queueLength);
     for (const HostAddress& address : config.addresses) {
         wire::addAddress(tap->index(), address.address, address.prefixLength);
     }
@@ -190,7 +190,7 @@ void Simulation::receiveFrom(std::size_t adapter)
     std::array<std::uint8_t, 2 * wire::Mtu> buffer; // NOLINT(*-member-init): filled by the device
     const Instant now = std::chrono::steady_clock::now();
     try {
-        for (int i = 0; i < FramesPerTurn; ++i) {
+        for (int i = 0; i < framesPerTurn; ++i) {
             const auto frame = m_adapters[adapter].tap->read(buffer);
             if (!frame) {
                 return;
@@ -223,7 +223,7 @@ void Simulation::writeLog(bool toTheEnd)
         if (ready == 0 || (ready < 0 && errno == EINTR)) {
             return; // a slow reader must not hold up the cameras
         }
-        const ssize_t written = ::write(STDOUT_FILENO, m_log.data(), std::min(m_log.size(), LogChunk));
+        const ssize_t written = ::write(STDOUT_FILENO, m_log.data(), std::min(m_log.size(), logChunk));
         if (written < 0 && errno != EINTR && errno != EAGAIN) {
             fail(errno, "the event log cannot be written");
         }

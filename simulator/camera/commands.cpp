@@ -240,15 +240,15 @@ Camera::Outcome Camera::writePrivilege(std::uint32_t value, const CommandContext
 Camera::Outcome Camera::writeRegisters(const CommandContext& context)
 {
     const auto payload = context.command.payload;
-    constexpr std::size_t PairSize = std::size_t{2} * RegisterSize;
-    if (payload.empty() || payload.size() % PairSize != 0 || payload.size() > gvcp::MaxDataSize) {
+    constexpr std::size_t pairSize = std::size_t{2} * RegisterSize;
+    if (payload.empty() || payload.size() % pairSize != 0 || payload.size() > gvcp::MaxDataSize) {
         return {Status::InvalidParameter, "wrong length"};
     }
-    for (std::size_t at = 0; at < payload.size(); at += PairSize) {
+    for (std::size_t at = 0; at < payload.size(); at += pairSize) {
         const auto data = payload.subspan(at + RegisterSize, RegisterSize);
         std::size_t done = 0;
         const Outcome outcome = writeWords(data, bytes::get32(payload, at), context, done);
-        answerIndex(at / PairSize + done / RegisterSize);
+        answerIndex(at / pairSize + done / RegisterSize);
         if (outcome.status != Status::Success) {
             return outcome;
         }

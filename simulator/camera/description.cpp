@@ -14,8 +14,8 @@ namespace sim {
 
 namespace {
 
-constexpr std::uint32_t HugeSize = 0x40000000; // bytes
-constexpr std::size_t EndlessSize = 0x800000;  // bytes
+constexpr std::uint32_t hugeSize = 0x40000000; // bytes
+constexpr std::size_t endlessSize = 0x800000;  // bytes
 
 std::string hex(std::uint32_t value)
 {
@@ -163,7 +163,7 @@ std::shared_ptr<const Description> makeDescription(DescriptionKind kind, const s
     }
     const bool isZip = kind == DescriptionKind::Zipped;
     if (kind == DescriptionKind::Endless) {
-        xml.resize(EndlessSize, ' ');
+        xml.resize(endlessSize, ' ');
     } else if (kind == DescriptionKind::WordTail) {
         xml.resize(xml.size() / gvcp::MaxDataSize * gvcp::MaxDataSize + gvcp::MaxDataSize +
                    gvcp::RegisterSize);
@@ -171,7 +171,7 @@ std::shared_ptr<const Description> makeDescription(DescriptionKind kind, const s
     description->bytes =
         isZip ? zipped("camera.xml", xml) : std::vector<std::uint8_t>(xml.begin(), xml.end());
     const std::uint32_t size =
-        kind == DescriptionKind::Huge ? HugeSize : static_cast<std::uint32_t>(description->bytes.size());
+        kind == DescriptionKind::Huge ? hugeSize : static_cast<std::uint32_t>(description->bytes.size());
     description->bytes.resize((description->bytes.size() + 3) / 4 * 4);
     const std::string url = std::string("Local:") + (isZip ? "camera.zip" : "camera.xml") + ";" +
                             hex(DescriptionAddress) + ";" + hex(size);

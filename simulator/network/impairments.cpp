@@ -8,7 +8,7 @@ namespace sim {
 
 namespace {
 
-constexpr unsigned LongestHoldUp = 20; // ms by which an answer falls behind those sent after it
+constexpr unsigned maxReorderDelay = 20; // ms by which an answer falls behind those sent after it
 
 } // namespace
 
@@ -48,7 +48,7 @@ Delivery Impairments::ofAnswer(const Faults& faults, Message& message)
         ++delivery.copies;
     }
     if (happens(m_network.reorderPercent)) {
-        delivery.delay += Duration(1 + m_random() % LongestHoldUp);
+        delivery.delay += Duration(1 + m_random() % maxReorderDelay);
     }
     return delivery;
 }

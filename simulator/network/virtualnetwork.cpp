@@ -7,7 +7,7 @@ namespace sim {
 
 namespace {
 
-constexpr std::size_t MaxWaiting = 8; // frames that wait for a gateway's hardware address
+constexpr std::size_t maxWaiting = 8; // frames that wait for a gateway's hardware address
 
 } // namespace
 
@@ -194,7 +194,7 @@ void VirtualNetwork::deliver(Station& station, const Origin& origin, const Ipv4S
     if (route.mac) {
         wire::setReceiver(frame, *route.mac);
         sendLater(origin.adapter, frame, delay, now);
-    } else if (route.waiting.size() < MaxWaiting) {
+    } else if (route.waiting.size() < maxWaiting) {
         route.waiting.push_back(frame);
         m_send(origin.adapter, station.arpRequest(source.gateway, source.ip).all());
     }

@@ -17,12 +17,12 @@ namespace {
 
 using nlohmann::json;
 
-constexpr std::size_t AdapterNameLimit = 15; // bytes, the kernel's
-constexpr std::size_t CameraNameLimit = 64;  // bytes
-constexpr std::size_t FileNameLimit = 4096;  // bytes
-constexpr unsigned LargestCount = 4096;
-constexpr std::uint32_t FirstLinkLocal = 0xA9FE0100; // 169.254.1.0
-constexpr std::uint32_t LinkLocalCount = 254 * 256;  // to 169.254.254.255
+constexpr std::size_t adapterNameLimit = 15; // bytes, the kernel's
+constexpr std::size_t cameraNameLimit = 64;  // bytes
+constexpr std::size_t fileNameLimit = 4096;  // bytes
+constexpr unsigned maxCount = 4096;
+constexpr std::uint32_t firstLinkLocal = 0xA9FE0100; // 169.254.1.0
+constexpr std::uint32_t linkLocalCount = 254 * 256;  // to 169.254.254.255
 constexpr std::string_view makerOfBroadcastCommand = "Orvik";
 
 constexpr std::array<std::pair<std::string_view, std::uint32_t>, 4> modes{{
@@ -112,7 +112,7 @@ Identity readIdentity(JsonObject& object)
 net::Ipv4 defaultLinkLocal(const net::MacAddress& mac)
 {
     const std::uint32_t low = std::uint32_t{mac.bytes[4]} << 8 | mac.bytes[5];
-    return {FirstLinkLocal + (low + mac.bytes[3] * 251U) % LinkLocalCount};
+    return {firstLinkLocal + (low + mac.bytes[3] * 251U) % linkLocalCount};
 }
 
 std::optional<InUse> readInUse(JsonObject& object)
@@ -160,7 +160,7 @@ private:
     void readAdapter(JsonObject object)
     {
         AdapterConfig adapter;
-        adapter.name = object.text("name", AdapterNameLimit);
+        adapter.name = object.text("name", adapterNameLimit);
         if (adapter.name.empty() || adapter.name == "lo" || adapter.name == "." || adapter.name == ".." ||
             adapter.name.find_first_of("/: \t\n%") != std::string::npos) {
             object.fail("name", "is no name for an adapter");
@@ -192,7 +192,7 @@ private:
         pending.path = object.path();
         pending.camera.adapters = {adapter};
         CameraConfig& camera = pending.camera.config;
-        camera.name = object.text("name", CameraNameLimit);
+        camera.name = object.text("name", cameraNameLimit);
         if (camera.name.empty()) {
             object.fail("name", "is empty");
         }
@@ -216,7 +216,7 @@ private:
         for (const auto& [name, path] : object.listOr("alsoOn")) {
             pending.alsoOn.emplace_back(jsonText(*name, path), path);
         }
-        const unsigned count = object.numberOr("count", 1, LargestCount, 1);
+        const unsigned count = object.numberOr("count", 1, maxCount, 1);
         object.finish();
         multiply(pending, count);
     }
@@ -233,7 +233,7 @@ private:
         camera.forced = readSettings(object, "forced");
         camera.linkLocal = object.find("linkLocal") != nullptr ? readIpv4(object, "linkLocal")
                                                                : defaultLinkLocal(camera.mac);
-        if (camera.linkLocal.value - FirstLinkLocal >= LinkLocalCount) {
+        if (camera.linkLocal.value - firstLinkLocal >= linkLocalCount) {
             object.fail("linkLocal", "is not within 169.254.1.0 to 169.254.254.255");
         }
         camera.restart = readDuration(object, "restartMs", camera.restart);
@@ -249,7 +249,7 @@ private:
             JsonObject fields(*value, object.pathOf("description"));
             kind = chooseWord(fields.text("kind", 32), fields.pathOf("kind"), descriptionKinds);
             if (fields.find("file") != nullptr) {
-                file = fields.text("file", FileNameLimit);
+                file = fields.text("file", fileNameLimit);
                 xml = readFile(m_directory / file, fields.pathOf("file"));
             }
             fields.finish();
@@ -279,7 +279,7 @@ private:
                 }
             }
             camera.linkLocal.value =
-                FirstLinkLocal + (camera.linkLocal.value - FirstLinkLocal + i) % LinkLocalCount;
+                firstLinkLocal + (camera.linkLocal.value - firstLinkLocal + i) % linkLocalCount;
             if (!pattern.sharesMac) {
                 claimMac(camera.mac, copy.path + ".mac");
             }

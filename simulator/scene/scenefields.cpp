@@ -9,8 +9,8 @@ namespace sim {
 
 namespace {
 
-constexpr std::size_t AddressTextSize = 17; // the longest way to write a MAC address
-constexpr unsigned LongestDuration = 3'600'000;
+constexpr std::size_t maxAddressLength = 17; // the longest way to write a MAC address
+constexpr unsigned maxDuration = 3'600'000;
 
 constexpr std::array<std::pair<std::string_view, ForeignAck>, 3> foreignAcks{{
     {"nameless", ForeignAck::Nameless},
@@ -118,7 +118,7 @@ void readWriteFaults(Faults& faults, JsonObject& object)
 
 net::Ipv4 readIpv4(JsonObject& object, const std::string& key)
 {
-    const auto address = net::parseIpv4(object.text(key, AddressTextSize));
+    const auto address = net::parseIpv4(object.text(key, maxAddressLength));
     if (!address) {
         object.fail(key, "is no IPv4 address");
     }
@@ -127,7 +127,7 @@ net::Ipv4 readIpv4(JsonObject& object, const std::string& key)
 
 net::MacAddress readMac(JsonObject& object, const std::string& key)
 {
-    const auto mac = net::parseMac(object.text(key, AddressTextSize));
+    const auto mac = net::parseMac(object.text(key, maxAddressLength));
     if (!mac) {
         object.fail(key, "is no MAC address");
     }
@@ -139,7 +139,7 @@ net::MacAddress readMac(JsonObject& object, const std::string& key)
 
 Duration readDuration(JsonObject& object, const std::string& key, Duration otherwise)
 {
-    return Duration(object.numberOr(key, 0, LongestDuration, static_cast<unsigned>(otherwise.count())));
+    return Duration(object.numberOr(key, 0, maxDuration, static_cast<unsigned>(otherwise.count())));
 }
 
 std::optional<Ipv4Settings> readSettings(JsonObject& object, const std::string& key)

@@ -13,18 +13,18 @@ using bytes::get32;
 using bytes::put16;
 using bytes::put32;
 
-constexpr std::size_t EthernetHeaderSize = 14;
-constexpr std::size_t ArpSize = 28;
-constexpr std::size_t Ipv4HeaderSize = 20;
-constexpr std::size_t UdpHeaderSize = 8;
-constexpr std::size_t IcmpHeaderSize = 8;
-constexpr std::uint8_t TimeToLive = 64;
-constexpr std::uint16_t DontFragment = 0x4000;
-constexpr std::uint16_t MoreFragmentsAndOffset = 0x3FFF;
-constexpr std::uint16_t ArpEthernet = 1;
-constexpr std::uint16_t ArpSizes = 0x0604; // bytes of a MAC and of an IPv4 address
-constexpr std::uint8_t IcmpEchoReply = 0;
-constexpr std::uint8_t IcmpEchoRequest = 8;
+constexpr std::size_t ethernetHeaderSize = 14;
+constexpr std::size_t arpSize = 28;
+constexpr std::size_t ipv4HeaderSize = 20;
+constexpr std::size_t udpHeaderSize = 8;
+constexpr std::size_t icmpHeaderSize = 8;
+constexpr std::uint8_t timeToLive = 64;
+constexpr std::uint16_t dontFragment = 0x4000;
+constexpr std::uint16_t moreFragmentsAndOffset = 0x3FFF;
+constexpr std::uint16_t arpEthernet = 1;
+constexpr std::uint16_t arpSizes = 0x0604; // bytes of a MAC and of an IPv4 address
+constexpr std::uint8_t icmpEchoReply = 0;
+constexpr std::uint8_t icmpEchoRequest = 8;
 
 net::MacAddress getMac(std::span<const std::uint8_t> from, std::size_t offset)
 {
@@ -58,12 +58,12 @@ std::uint32_t pseudoHeaderSum(const Ipv4Packet& packet, std::size_t size)
 std::span<std::uint8_t> beginFrame(Frame& frame, const net::MacAddress& to, const net::MacAddress& from,
                                    EtherType type, std::size_t payloadSize)
 {
-    frame.size = std::max(EthernetHeaderSize + payloadSize, MinFrameSize);
+    frame.size = std::max(ethernetHeaderSize + payloadSize, MinFrameSize);
     const std::span<std::uint8_t> all(frame.bytes);
     putMac(all, 0, to);
     putMac(all, 6, from);
     put16(all, 12, static_cast<std::uint16_t>(type));
-    return all.subspan(EthernetHeaderSize, payloadSize);
+    return all.subspan(ethernetHeaderSize, payloadSize);
 }
 
 /// Writes the header in front of `payloadSize` bytes and returns the room for these.
@@ -73,13 +73,13 @@ std::span<std::uint8_t> beginPacket(std::span<std::uint8_t> room, const Ipv4Pack
     room[0] = 0x45; // version 4, five words of header
     put16(room, 2, static_cast<std::uint16_t>(room.size()));
     put16(room, 4, identification);
-    put16(room, 6, DontFragment);
-    room[8] = TimeToLive;
+    put16(room, 6, dontFragment);
+    room[8] = timeToLive;
     room[9] = static_cast<std::uint8_t>(packet.protocol);
     put32(room, 12, packet.from.value);
     put32(room, 16, packet.to.value);
-    put16(room, 10, checksum(room.first(Ipv4HeaderSize)));
-    return room.subspan(Ipv4HeaderSize);
+    put16(room, 10, checksum(room.first(ipv4HeaderSize)));
+    return room.subspan(ipv4HeaderSize);
 }
 
 } // namespace
@@ -95,21 +95,21 @@ std::uint16_t checksum(std::span<const std::uint8_t> bytes, std::uint32_t seed)
 
 std::optional<Ethernet> parseEthernet(std::span<const std::uint8_t> frame)
 {
-    if (frame.size() < EthernetHeaderSize || frame.size() > MaxFrameSize) {
+    if (frame.size() < ethernetHeaderSize || frame.size() > MaxFrameSize) {
         return std::nullopt;
     }
     const auto type = static_cast<EtherType>(get16(frame, 12));
     if (type != EtherType::Arp && type != EtherType::Ipv4) {
         return std::nullopt;
     }
-    return Ethernet{getMac(frame, 0), getMac(frame, 6), type, frame.subspan(EthernetHeaderSize)};
+    return Ethernet{getMac(frame, 0), getMac(frame, 6), type, frame.subspan(ethernetHeaderSize)};
 }
 
 std::optional<Arp> parseArp(const Ethernet& frame)
 {
     const auto packet = frame.payload;
-    if (frame.type != EtherType::Arp || packet.size() < ArpSize || get16(packet, 0) != ArpEthernet ||
-        get16(packet, 2) != static_cast<std::uint16_t>(EtherType::Ipv4) || get16(packet, 4) != ArpSizes) {
+    if (frame.type != EtherType::Arp || packet.size() < arpSize || get16(packet, 0) != arpEthernet ||
+        get16(packet, 2) != static_cast<std::uint16_t>(EtherType::Ipv4) || get16(packet, 4) != arpSizes) {
         return std::nullopt;
     }
     return Arp{static_cast<ArpOperation>(get16(packet, 6)),
@@ -122,13 +122,13 @@ std::optional<Arp> parseArp(const Ethernet& frame)
 std::optional<Ipv4Packet> parseIpv4(const Ethernet& frame)
 {
     const auto bytes = frame.payload;
-    if (frame.type != EtherType::Ipv4 || bytes.size() < Ipv4HeaderSize || bytes[0] >> 4 != 4) {
+    if (frame.type != EtherType::Ipv4 || bytes.size() < ipv4HeaderSize || bytes[0] >> 4 != 4) {
         return std::nullopt;
     }
     const std::size_t headerSize = std::size_t{4} * (bytes[0] & 0xFU);
     const std::size_t totalSize = get16(bytes, 2);
-    if (headerSize < Ipv4HeaderSize || totalSize < headerSize || totalSize > bytes.size() ||
-        (get16(bytes, 6) & MoreFragmentsAndOffset) != 0 || checksum(bytes.first(headerSize)) != 0) {
+    if (headerSize < ipv4HeaderSize || totalSize < headerSize || totalSize > bytes.size() ||
+        (get16(bytes, 6) & moreFragmentsAndOffset) != 0 || checksum(bytes.first(headerSize)) != 0) {
         return std::nullopt;
     }
     return Ipv4Packet{{get32(bytes, 12)},
@@ -140,24 +140,24 @@ std::optional<Ipv4Packet> parseIpv4(const Ethernet& frame)
 std::optional<Udp> parseUdp(const Ipv4Packet& packet)
 {
     const auto bytes = packet.payload;
-    if (packet.protocol != Protocol::Udp || bytes.size() < UdpHeaderSize) {
+    if (packet.protocol != Protocol::Udp || bytes.size() < udpHeaderSize) {
         return std::nullopt;
     }
     const std::size_t size = get16(bytes, 4);
-    if (size < UdpHeaderSize || size > bytes.size()) {
+    if (size < udpHeaderSize || size > bytes.size()) {
         return std::nullopt;
     }
     const bool hasChecksum = get16(bytes, 6) != 0;
     if (hasChecksum && checksum(bytes.first(size), pseudoHeaderSum(packet, size)) != 0) {
         return std::nullopt;
     }
-    return Udp{get16(bytes, 0), get16(bytes, 2), bytes.subspan(UdpHeaderSize, size - UdpHeaderSize)};
+    return Udp{get16(bytes, 0), get16(bytes, 2), bytes.subspan(udpHeaderSize, size - udpHeaderSize)};
 }
 
 std::optional<std::span<const std::uint8_t>> parseEchoRequest(const Ipv4Packet& packet)
 {
     const auto bytes = packet.payload;
-    if (packet.protocol != Protocol::Icmp || bytes.size() < IcmpHeaderSize || bytes[0] != IcmpEchoRequest ||
+    if (packet.protocol != Protocol::Icmp || bytes.size() < icmpHeaderSize || bytes[0] != icmpEchoRequest ||
         bytes[1] != 0 || checksum(bytes) != 0) {
         return std::nullopt;
     }
@@ -167,10 +167,10 @@ std::optional<std::span<const std::uint8_t>> parseEchoRequest(const Ipv4Packet& 
 Frame buildArp(const net::MacAddress& to, const Arp& arp)
 {
     Frame frame;
-    const auto packet = beginFrame(frame, to, arp.senderMac, EtherType::Arp, ArpSize);
-    put16(packet, 0, ArpEthernet);
+    const auto packet = beginFrame(frame, to, arp.senderMac, EtherType::Arp, arpSize);
+    put16(packet, 0, arpEthernet);
     put16(packet, 2, static_cast<std::uint16_t>(EtherType::Ipv4));
-    put16(packet, 4, ArpSizes);
+    put16(packet, 4, arpSizes);
     put16(packet, 6, static_cast<std::uint16_t>(arp.operation));
     putMac(packet, 8, arp.senderMac);
     put32(packet, 14, arp.senderIp.value);
@@ -183,13 +183,13 @@ Frame buildUdp(const net::MacAddress& to, const net::MacAddress& from, const Ipv
                const Udp& udp, std::uint16_t identification)
 {
     Frame frame;
-    const std::size_t size = UdpHeaderSize + udp.payload.size();
-    const auto room = beginFrame(frame, to, from, EtherType::Ipv4, Ipv4HeaderSize + size);
+    const std::size_t size = udpHeaderSize + udp.payload.size();
+    const auto room = beginFrame(frame, to, from, EtherType::Ipv4, ipv4HeaderSize + size);
     const auto datagram = beginPacket(room, packet, identification);
     put16(datagram, 0, udp.fromPort);
     put16(datagram, 2, udp.toPort);
     put16(datagram, 4, static_cast<std::uint16_t>(size));
-    std::ranges::copy(udp.payload, datagram.subspan(UdpHeaderSize).begin());
+    std::ranges::copy(udp.payload, datagram.subspan(udpHeaderSize).begin());
     const std::uint16_t sum = checksum(datagram, pseudoHeaderSum(packet, size));
     put16(datagram, 6, sum == 0 ? 0xFFFF : sum); // 0 would mean "none"
     return frame;
@@ -199,10 +199,10 @@ Frame buildEchoReply(const net::MacAddress& to, const net::MacAddress& from, con
                      std::span<const std::uint8_t> request, std::uint16_t identification)
 {
     Frame frame;
-    const auto room = beginFrame(frame, to, from, EtherType::Ipv4, Ipv4HeaderSize + request.size());
+    const auto room = beginFrame(frame, to, from, EtherType::Ipv4, ipv4HeaderSize + request.size());
     const auto message = beginPacket(room, packet, identification);
     std::ranges::copy(request, message.begin());
-    message[0] = IcmpEchoReply;
+    message[0] = icmpEchoReply;
     put16(message, 2, 0);
     put16(message, 2, checksum(message));
     return frame;

@@ -15,7 +15,7 @@ namespace wire {
 
 namespace {
 
-constexpr int SendBufferSize = 64 * 1024 * 1024; // bytes of frames from the host that may wait for us
+constexpr int sendBufferSize = 64 * 1024 * 1024; // bytes of frames from the host that may wait for us
 
 [[noreturn]] void fail(const std::string& what)
 {
@@ -34,7 +34,7 @@ TapDevice::TapDevice(const std::string& name)
     ifreq request{};
     std::copy_n(name.begin(), std::min(name.size(), sizeof request.ifr_name - 1), request.ifr_name);
     request.ifr_flags = IFF_TAP | IFF_NO_PI;
-    const int size = SendBufferSize;
+    const int size = sendBufferSize;
     if (::ioctl(m_descriptor, TUNSETIFF, &request) < 0) {
         const int error = errno;
         ::close(m_descriptor);
