@@ -1,7 +1,7 @@
-// How long a discovery takes, next to what a plain client needs that listens for a second. Runs in the lab.
+// How long a discovery takes, compared with a simple client that listens for a second. Runs in the lab.
 
 #include "DeviceLister.h"
-#include "plainclient.h"
+#include "baseline.h"
 #include "scenes.h"
 #include "tessal/transportlayer.h"
 
@@ -14,7 +14,7 @@
 namespace {
 
 constexpr int repetitions = 9; // odd, so that the median is one of them
-constexpr std::chrono::milliseconds PlainListening{1000};
+constexpr std::chrono::milliseconds baselineDuration{1000};
 
 using Search = std::function<std::size_t(benchmark::State&, const Bench&)>;
 
@@ -33,12 +33,12 @@ std::size_t searchWithTransportLayer(benchmark::State& /*state*/, const Bench& /
     return found.size();
 }
 
-/// With the time that the simulator took for all its answers.
-std::size_t searchAsPlainClient(benchmark::State& state, const Bench& bench)
+/// Also counts the time until the last answer, which is what the simulator needs.
+std::size_t searchAsBaseline(benchmark::State& state, const Bench& bench)
 {
     std::size_t found = 0;
     for (const auto& adapter : bench.adapters()) {
-        const PlainSearch search = searchPlainly(adapter, PlainListening);
+        const BaselineResult search = baselineSearch(adapter, baselineDuration);
         found += search.cameras;
         state.counters["last_answer_ms"] = search.lastNewAnswer.count() * 1000;
     }
@@ -50,7 +50,8 @@ void add(const std::string& title, Bench& bench, const Layout& layout, const Sea
     benchmark::RegisterBenchmark(title.c_str(),
                                  [&bench, layout, search](benchmark::State& state) {
                                      bench.show(layout);
-                                     // The transport layer's own: it remembers slow cameras of other layouts.
+                                     // A transport layer of its own, since it remembers slow cameras of other
+                                     // layouts.
                                      const DeviceLister keepsTransportLayer;
                                      std::size_t found = 0;
                                      while (state.KeepRunning()) {
@@ -74,7 +75,7 @@ void addAll(Bench& bench)
     for (const std::size_t cameras : {1, 16, 64, 256, 1024}) {
         const std::string number = std::to_string(cameras);
         const Layout plain{.cameras = cameras};
-        add("plain client/" + number, bench, plain, searchAsPlainClient);
+        add("baseline/" + number, bench, plain, searchAsBaseline);
         add("transport layer/" + number, bench, plain, searchWithTransportLayer);
         add("discoverAllDevices/" + number, bench, plain, searchWithLister);
         if (cameras >= 16) {
@@ -82,7 +83,7 @@ void addAll(Bench& bench)
                 {.cameras = cameras, .foreignPercent = 10}, searchWithLister);
         }
     }
-    add("discoverAllDevices/nobody", bench, {.cameras = 0}, searchWithLister);
+    add("discoverAllDevices/0", bench, {.cameras = 0}, searchWithLister);
     add("discoverAllDevices/64/1 mute", bench, {.cameras = 64, .mute = 1}, searchWithLister);
     add("discoverAllDevices/64/10 mute", bench, {.cameras = 64, .mute = 10}, searchWithLister);
     add("discoverAllDevices/64/300 ms late", bench, {.cameras = 64, .delayMs = 300}, searchWithLister);

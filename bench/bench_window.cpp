@@ -1,5 +1,5 @@
-// How long a user waits for the window: from F5 to the painted rows, and from Save to the refreshed tree. The
-// real window on the real camera layer, without a screen. Runs in the lab.
+// How long the user waits for the window: from F5 to the painted rows, and from Save to the refreshed tree.
+// The real window on the real camera layer, without a display. Runs in the lab.
 
 #include "DeviceLister.h"
 #include "MainWnd.h"
@@ -28,7 +28,7 @@ namespace {
 
 constexpr int repetitions = 9; // odd, so that the median is one of them
 constexpr int addressColumn = 6;
-double secondsSlept = 0;
+double sleptSeconds = 0;
 
 using Clock = std::chrono::steady_clock;
 
@@ -37,14 +37,14 @@ double secondsSince(Clock::time_point start)
     return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
-/// Ends the program when a dialog asks something: nobody is there to answer, and the figures would be wrong.
+/// Ends the program when a dialog opens: it would wait for an answer, and the figures would be wrong.
 class NoDialogs : public QObject
 {
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override
     {
         if (event->type() == QEvent::Show && qobject_cast<QDialog*>(watched) != nullptr) {
-            qFatal("a dialog came up: %s", qPrintable(static_cast<QDialog*>(watched)->windowTitle()));
+            qFatal("a dialog opened: %s", qPrintable(static_cast<QDialog*>(watched)->windowTitle()));
         }
         return false;
     }
@@ -70,12 +70,12 @@ public:
     {
         m_window.show();
         if (!QTest::qWaitForWindowExposed(&m_window)) {
-            throw std::runtime_error("the window does not come up");
+            throw std::runtime_error("the window does not appear");
         }
         tree().viewport()->installEventFilter(&m_paints);
     }
 
-    /// From the key press until the rows have been painted.
+    /// Presses the key and returns when the rows have been painted.
     void refresh()
     {
         QTest::keyClick(&m_window, Qt::Key_F5);
@@ -128,7 +128,7 @@ private:
     PaintCounter m_paints;
 };
 
-/// Packets that the host has sent on its simulated adapters so far, those of ARP included.
+/// Packets that the host has sent on its simulated adapters so far, ARP included.
 unsigned packetsSent()
 {
     unsigned sent = 0;
@@ -185,15 +185,15 @@ void measureSave(benchmark::State& state, Bench& bench, const QString& model, bo
         if (withName) {
             window.enter("editCustomName", QString("camera %1").arg(number));
         }
-        secondsSlept = 0;
+        sleptSeconds = 0;
         const unsigned sentBefore = packetsSent();
         const auto start = Clock::now();
         window.save();
         const double whole = secondsSince(start);
         state.SetIterationTime(whole);
-        state.counters["slept_ms"] = secondsSlept * 1000;
-        state.counters["search_ms"] = search * 1000; // once for the wait, once for the refresh
-        state.counters["rest_ms"] = (whole - secondsSlept - 2 * search) * 1000;
+        state.counters["slept_ms"] = sleptSeconds * 1000;
+        state.counters["search_ms"] = search * 1000; // runs twice, in the wait and in the refresh
+        state.counters["rest_ms"] = (whole - sleptSeconds - 2 * search) * 1000;
         state.counters["packets"] = packetsSent() - sentBefore;
         if (window.address() != address) {
             state.SkipWithError("the camera has another address");
@@ -213,10 +213,10 @@ void add(const std::string& title, const std::function<void(benchmark::State&)>&
 
 } // namespace
 
-/// Takes the place of the C library's: sleeps as long, and keeps account.
+/// Replaces the C library's: sleeps as long and sums up the time.
 extern "C" unsigned int sleep(unsigned int seconds)
 {
-    secondsSlept += seconds;
+    sleptSeconds += seconds;
     timespec rest{.tv_sec = static_cast<time_t>(seconds), .tv_nsec = 0};
     while (nanosleep(&rest, &rest) != 0) {
     }

@@ -14,7 +14,7 @@ using nlohmann::json;
 
 namespace {
 
-/// Cameras of one kind; the first has this address and the serial number `serial`, the others follow.
+/// Cameras of one kind; the first has this address and this serial number, the others count on from there.
 json group(const std::string& firstAddress, std::size_t count, std::size_t serial, const Layout& layout)
 {
     constexpr std::size_t makersPrefix = 0x025E41000000;
@@ -31,7 +31,7 @@ json group(const std::string& firstAddress, std::size_t count, std::size_t seria
             {"discoveryDelayMs", layout.delayMs}};
 }
 
-/// The share of one of `adapters` in `all`, so that the shares add up.
+/// How many of `all` go to this one of `adapters`; the shares add up to `all`.
 std::size_t share(std::size_t all, std::size_t adapter, std::size_t adapters)
 {
     return (all * (adapter + 1)) / adapters - (all * adapter) / adapters;

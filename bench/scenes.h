@@ -7,32 +7,31 @@
 
 class Simulator;
 
-/// What stands on the wire for one measurement. The cameras are spread evenly over the adapters.
+/// The cameras on the wire in one measurement, spread evenly over the adapters.
 struct Layout
 {
     std::size_t cameras = 0;
     std::size_t adapters = 1;       // at most 16
     std::size_t foreignPercent = 0; // of the cameras, in a subnet that the host is not in
-    std::size_t mute = 0;           // of the cameras, answer discovery but nothing that is sent to them alone
-    unsigned delayMs = 0;           // of every answer to discovery
+    std::size_t mute = 0;           // of the cameras, answer discovery but no unicast
+    unsigned delayMs = 0;           // of every discovery acknowledge
 
     bool operator==(const Layout&) const = default;
 };
 
-/// The wire with the layout that is up; one at a time, because they use the same adapters.
+/// The wire with the simulated cameras of one layout at a time, because all layouts use the same adapters.
 class Bench
 {
 public:
-    /// Throws std::runtime_error where an adapter may lead to real cameras: this is for scripts/lab only.
+    /// Throws std::runtime_error if an adapter may lead to real cameras; runs only in scripts/lab.
     Bench();
     Bench(const Bench&) = delete;
     Bench& operator=(const Bench&) = delete;
     ~Bench();
 
-    /// Returns when the cameras are up, at once when they are already. Throws std::runtime_error when they do
-    /// not come.
+    /// Returns when the cameras are up. Throws std::runtime_error if they do not start.
     void show(const Layout& layout);
-    /// The same with a ready scene.
+    /// The same with a scene file.
     void show(const std::string& sceneFile);
 
     /// The names of the adapters with simulated cameras.

@@ -1,4 +1,4 @@
-#include "plainclient.h"
+#include "baseline.h"
 
 #include "gvcp/bytes.h"
 #include "gvcp/gvcp.h"
@@ -30,7 +30,7 @@ int openSocket(const std::string& adapter)
     const int socket = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     check(socket >= 0, "socket");
     const int on = 1;
-    const int bufferSize = 4 << 20; // bytes; what the kernel grants of it is enough
+    const int bufferSize = 4 << 20; // bytes; the kernel may grant less, which is enough
     setsockopt(socket, SOL_SOCKET, SO_RCVBUF, &bufferSize, sizeof bufferSize);
     check(setsockopt(socket, SOL_SOCKET, SO_BROADCAST, &on, sizeof on) == 0, "SO_BROADCAST");
     check(setsockopt(socket, SOL_SOCKET, SO_BINDTODEVICE, adapter.c_str(),
@@ -39,30 +39,30 @@ int openSocket(const std::string& adapter)
     return socket;
 }
 
-void askEverybody(int socket)
+void sendDiscovery(int socket)
 {
     std::array<std::uint8_t, gvcp::HeaderSize> question{gvcp::Key, gvcp::Flag::AckRequired |
                                                                        gvcp::Flag::AllowBroadcastAck};
     bytes::put16(question, gvcp::Header::Code, static_cast<std::uint16_t>(gvcp::Command::Discovery));
     bytes::put16(question, gvcp::Header::RequestId, 1);
-    sockaddr_in everybody{};
-    everybody.sin_family = AF_INET;
-    everybody.sin_port = htons(gvcp::Port);
-    everybody.sin_addr.s_addr = htonl(INADDR_BROADCAST);
-    check(sendto(socket, question.data(), question.size(), 0, reinterpret_cast<const sockaddr*>(&everybody),
-                 sizeof everybody) >= 0,
+    sockaddr_in broadcast{};
+    broadcast.sin_family = AF_INET;
+    broadcast.sin_port = htons(gvcp::Port);
+    broadcast.sin_addr.s_addr = htonl(INADDR_BROADCAST);
+    check(sendto(socket, question.data(), question.size(), 0, reinterpret_cast<const sockaddr*>(&broadcast),
+                 sizeof broadcast) >= 0,
           "sendto");
 }
 
 } // namespace
 
-PlainSearch searchPlainly(const std::string& adapter, std::chrono::milliseconds listening)
+BaselineResult baselineSearch(const std::string& adapter, std::chrono::milliseconds listening)
 {
     const int socket = openSocket(adapter);
     const auto asked = Clock::now();
     const auto deadline = asked + listening;
-    askEverybody(socket);
-    PlainSearch search;
+    sendDiscovery(socket);
+    BaselineResult search;
 
     using Mac = std::array<std::uint8_t, 6>;
     std::set<Mac> found;
