@@ -7,8 +7,8 @@
 
 namespace sim {
 
-/// One line of the event log: a word, then `key=value` pairs. Values that hold blanks, quotes, backslashes or
-/// control characters, and empty ones, are put in quotes; control characters stand as \xNN.
+/// One line of the event log: a word, then `key=value` pairs. Empty values and those with blanks, quotes,
+/// backslashes or control characters are quoted; control characters are written as \xNN.
 class EventLine
 {
 public:

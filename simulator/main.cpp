@@ -15,14 +15,13 @@ enum ExitCode { Ended = 0, Failed = 1, WrongScene = 2, WrongPlace = 3, NoTap = 4
 
 constexpr char usage[] =
     "usage: gige-simulator SCENE.json\n"
-    "Plays the GigE Vision cameras of a scene until it is told to end (SIGTERM, SIGINT).\n"
-    "It runs in a private network namespace only, for example: unshare -Urn gige-simulator "
-    "SCENE.json\n"
+    "Simulates the GigE Vision cameras of a scene until SIGTERM or SIGINT.\n"
+    "Runs only in a private network namespace, for example: unshare -Urn gige-simulator SCENE.json\n"
     "\n"
-    "  -h, --help     shows this\n"
-    "  -V, --version  shows the version\n"
+    "  -h, --help     show this help\n"
+    "  -V, --version  show the version\n"
     "\n"
-    "SIGUSR1 makes it print the state of every camera.\n";
+    "SIGUSR1 prints the state of every camera.\n";
 
 int fail(ExitCode code, const std::string& text)
 {
@@ -54,7 +53,7 @@ int main(int argc, char** argv)
     constexpr std::array<option, 3> options{{{"help", no_argument, nullptr, 'h'},
                                              {"version", no_argument, nullptr, 'V'},
                                              {nullptr, 0, nullptr, 0}}};
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): there is one thread
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): there is only one thread
     for (int chosen = 0; (chosen = ::getopt_long(argc, argv, "hV", options.data(), nullptr)) != -1;) {
         switch (chosen) {
         case 'h':
@@ -63,7 +62,7 @@ int main(int argc, char** argv)
         case 'V':
             std::puts("gige-simulator " LANVIC_VERSION);
             return Ended;
-        default: // getopt_long has said what is wrong
+        default: // getopt_long has printed what is wrong
             std::fputs(usage, stderr);
             return WrongScene;
         }

@@ -24,9 +24,9 @@ namespace sim {
 
 namespace {
 
-constexpr std::uint32_t queueLength = 10000; // frames from the host that may wait for us
-constexpr int framesPerTurn = 512;           // from one adapter before the next one's turn
-constexpr std::size_t logChunk = 4096;       // bytes; a pipe that is ready takes as many without blocking
+constexpr std::uint32_t queueLength = 10000; // frames from the host that wait to be read
+constexpr int framesPerTurn = 512;           // read from one adapter before the next one's turn
+constexpr std::size_t logChunk = 4096;       // bytes; a writable pipe takes as many without blocking
 constexpr std::chrono::seconds runningTimeout{5};
 
 [[noreturn]] void fail(int error, const std::string& what)
@@ -49,7 +49,7 @@ void checkNamespace(const Scene& scene)
     }
 }
 
-/// Lets answers from foreign subnets reach the host, which an inherited reverse-path filter would drop.
+/// Lets answers from foreign subnets reach the host; an inherited reverse-path filter would drop them.
 void allowForeignAnswers(const std::string& adapter)
 {
     for (const std::string& name : {std::string("all"), adapter}) {
@@ -62,13 +62,13 @@ void allowForeignAnswers(const std::string& adapter)
         std::ofstream setting(path);
         setting << 0 << std::flush;
         if (!setting) {
-            std::fprintf(stderr, "gige-simulator: %s stays %d: cameras in foreign subnets may not be heard\n",
+            std::fprintf(stderr, "gige-simulator: %s stays %d: answers from foreign subnets may be lost\n",
                          path.c_str(), filter);
         }
     }
 }
 
-/// The kernel reports a new adapter as running a little later than it is up.
+/// The kernel reports a new adapter as running a little later than as up.
 void waitUntilRunning(const std::string& name)
 {
     const int socket = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
@@ -98,7 +98,7 @@ int blockSignals()
         ::sigaddset(&signals, signal);
     }
     ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-    // a reader that goes away shows as a failed write
+    // A reader that disappears is noticed as a failed write.
     std::signal(SIGPIPE, SIG_IGN);
     const int descriptor = ::signalfd(-1, &signals, SFD_NONBLOCK | SFD_CLOEXEC);
     if (descriptor < 0) {
@@ -221,7 +221,7 @@ void Simulation::writeLog(bool toTheEnd)
         pollfd output{STDOUT_FILENO, POLLOUT, 0};
         const int ready = ::poll(&output, 1, toTheEnd ? -1 : 0);
         if (ready == 0 || (ready < 0 && errno == EINTR)) {
-            return; // a slow reader must not hold up the cameras
+            return; // A slow reader must not delay the cameras.
         }
         const ssize_t written = ::write(STDOUT_FILENO, m_log.data(), std::min(m_log.size(), logChunk));
         if (written < 0 && errno != EINTR && errno != EAGAIN) {

@@ -11,18 +11,19 @@
 
 namespace sim {
 
-/// This network namespace may hold real cameras, or an adapter that is not ours.
+/// An adapter in this network namespace may lead to real cameras, or already has a name of the scene's.
 class WrongNamespace : public std::runtime_error
 {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// A scene on TAP devices in the network namespace of this process, with its event log on standard output.
+/// Runs a scene on TAP devices in the network namespace of this process and writes its event log to standard
+/// output.
 class Simulation
 {
 public:
-    /// Makes the adapters; they vanish with the object. Throws WrongNamespace before it touches anything,
+    /// Creates the adapters; they are removed with the object. Throws WrongNamespace before any change,
     /// wire::NoTapDevices, or std::system_error.
     explicit Simulation(Scene scene);
     Simulation(const Simulation&) = delete;
@@ -37,7 +38,7 @@ private:
     struct Adapter
     {
         std::string name;
-        std::unique_ptr<wire::TapDevice> tap; // none: the adapter has been taken away
+        std::unique_ptr<wire::TapDevice> tap; // null: the adapter has been removed
     };
 
     void createAdapter(const AdapterConfig& config);

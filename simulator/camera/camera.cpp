@@ -146,7 +146,7 @@ bool Camera::acknowledgesWrite(const CommandMessage& command, Outcome& outcome) 
     if (found == misreported.end()) {
         return true;
     }
-    outcome = {found->second.value_or(Status::Success), "it was done all the same"};
+    outcome = {found->second.value_or(Status::Success), "the write was done nevertheless"};
     return found->second.has_value();
 }
 
@@ -166,7 +166,7 @@ void Camera::execute(const CommandContext& context)
                         std::exchange(m_lastUnicastId, command.id) != command.id;
     Outcome outcome = refusal != faults.refusedCommands.end()
                           ? Outcome{refusal->second, "the scene refuses this command"}
-                      : isBusy ? Outcome{Status::Busy, "it is busy at first"}
+                      : isBusy ? Outcome{Status::Busy, "the camera is busy at first"}
                                : dispatch(context);
     const bool obeyed = command.is(Command::ForceIp) && outcome.status == Status::Success;
     const bool restarts = m_cycle.isRunning();

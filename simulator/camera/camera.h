@@ -24,12 +24,12 @@ struct Request
 struct Answer
 {
     Message message;
-    Ipv4Settings source; // the address it is sent from, and what that address makes reachable
+    Ipv4Settings source; // the address that it is sent from, with its subnet and gateway
     bool allowBroadcast = false;
     Duration delay{};
 };
 
-/// What a camera wants done; appended to, and reused by the caller.
+/// What a command or the passing of time causes. The camera appends; the caller acts on it and clears it.
 struct Effects
 {
     std::vector<Answer> answers;
@@ -39,27 +39,27 @@ struct Effects
     void clear();
 };
 
-/// One camera as seen through its GVCP port: discovery, forced addresses, registers and the privilege to
-/// write them, the maker's broadcast command, the IP configuration cycle. It owns no socket and no clock.
+/// A camera behind its GVCP port: discovery, forced addresses, registers and the control privilege, the
+/// maker's broadcast command, the IP configuration cycle. It has no socket and no clock.
 class Camera
 {
 public:
     Camera(CameraConfig config, Instant now);
 
     void receive(const Request& request, Instant now, Effects& effects);
-    /// Does what has become due by `now`: the end of a restart, lapsed control.
+    /// Does what is due by `now`, such as the end of a restart or the expiry of control.
     void advance(Instant now, Effects& effects);
     /// When `advance` has something to do next, or `never`.
     [[nodiscard]] Instant nextDeadline() const;
 
     [[nodiscard]] const CameraConfig& config() const { return m_config; }
     [[nodiscard]] const Ipv4Settings& addressing() const { return m_cycle.current(); }
-    /// Restarting or gone: hears nothing, not even ARP.
+    /// Restarting or gone for good: does not even answer ARP.
     [[nodiscard]] bool isOffline() const { return m_hasVanished || m_cycle.isRunning(); }
     [[nodiscard]] EventLine state() const;
 
 private:
-    /// How a command ended; the payload of its acknowledge is what the handler has put in `m_payload`.
+    /// The result of a command. The handler leaves the payload of its acknowledge in `m_payload`.
     struct Outcome
     {
         gvcp::Status status = gvcp::Status::Success;
@@ -117,7 +117,7 @@ private:
     void addressChanged(Effects& effects);
     void controlChanged(net::Ipv4 by, const char* reason, Effects& effects);
     void reportConfiguration(const char* by, const char* what, Effects& effects) const;
-    /// Says which camera acknowledges the maker's broadcast command.
+    /// Fills the payload with the MAC address that acknowledges the maker's broadcast command.
     void answerMac(std::span<const std::uint8_t> command);
     void answerIndex(std::size_t index);
     [[nodiscard]] Duration heartbeatTimeout() const;
@@ -129,12 +129,12 @@ private:
     ControlChannel m_control;
     IpCycle m_cycle;
     bool m_hasVanished = false;
-    Ipv4Settings m_forcedNext; // takes this temporary address at the time below
+    Ipv4Settings m_forcedNext; // temporary address that takes effect at the time below
     Instant m_forcedNextAt = never;
-    unsigned m_writes = 0; // registers or blocks, the privilege not counted
+    unsigned m_writes = 0; // of registers or blocks, without the privilege
     std::optional<Executed> m_lastExecuted;
-    std::uint16_t m_lastUnicastId = 0; // id of the latest command to this camera alone
-    std::array<std::pair<Endpoint, std::uint16_t>, 8> m_lastSearches{}; // asker and request id
+    std::uint16_t m_lastUnicastId = 0; // request id of the latest unicast command
+    std::array<std::pair<Endpoint, std::uint16_t>, 8> m_lastSearches{}; // source and request id
     std::size_t m_nextSearch = 0;
     Message m_payload;
 };

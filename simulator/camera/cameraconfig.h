@@ -34,12 +34,12 @@ struct Identity
     std::string userId;
 };
 
-/// An application elsewhere that holds the camera from the start.
+/// Another application that controls the camera from the start.
 struct InUse
 {
     std::uint32_t privilege = gvcp::Privilege::Control;
     net::Ipv4 by;
-    std::optional<Duration> duration; // none: for ever
+    std::optional<Duration> duration; // absent: for ever
 };
 
 /// How a device acknowledges the maker's broadcast command to another camera.
@@ -47,7 +47,7 @@ enum class ForeignAck { Never, Nameless, AsItself, AsThatCamera };
 enum class ForceIpAck { NewAddress, OldAddress, Never };
 enum class CorruptAnswer { No, Garbage, Truncated, WrongId, WrongLength, Surplus, LongPayload };
 
-/// What is wrong with a camera, or with the line it hangs on.
+/// The faults of a camera, or of the line to it.
 struct Faults
 {
     Duration discoveryDelay{};
@@ -64,42 +64,42 @@ struct Faults
     std::map<gvcp::Command, gvcp::Status> refusedCommands;
     std::map<std::uint32_t, gvcp::Status> refusedWrites; // by register address
     std::map<std::uint32_t, gvcp::Status> refusedReads;
-    std::map<std::uint32_t, std::optional<gvcp::Status>> misreportedWrites; // done; none: not acknowledged
-    std::set<std::uint32_t> forgottenWrites;                                // acknowledged and not done
-    std::map<gvcp::Command, Duration> onlyPending; // never done; time is asked for again and again
-    bool emptyWriteAcks = false;                   // say that it is done, and not how much
+    std::map<std::uint32_t, std::optional<gvcp::Status>> misreportedWrites; // done; absent: not acknowledged
+    std::set<std::uint32_t> forgottenWrites;                                // acknowledged but not done
+    std::map<gvcp::Command, Duration> onlyPending; // never done; each answer asks for more time
+    bool emptyWriteAcks = false;                   // confirm the write without the number of words
     bool knowsWriteMem = true;
-    bool togglesPause = false; // a write of the mode switches the generation of pause frames over
+    bool togglesPause = false; // a write of the mode toggles the generation of pause frames
     ForceIpAck forceIpAck = ForceIpAck::NewAddress;
     bool ignoreForceIp = false;            // acknowledges a temporary address and keeps its own
-    std::optional<net::Ipv4> forceIpTakes; // takes this address in place of the one that it is given
+    std::optional<net::Ipv4> forceIpTakes; // takes this address instead of the given one
     Duration forceIpDelay{};               // takes it that long after the acknowledge
     bool restartAck = false;
     ForeignAck acknowledgeOthers = ForeignAck::Never;
-    bool busyAtFirst = false;   // each register access is refused as busy once, and done at its repeat
-    bool neverConfirms = false; // a write that takes time is done, but only its PENDING_ACK comes
-    Duration pendingAck{};      // zero: writes are quick and no PENDING_ACK comes
+    bool busyAtFirst = false;   // refuses each register access as busy once, and does it when repeated
+    bool neverConfirms = false; // a slow write is done, but only PENDING_ACK is sent
+    Duration pendingAck{};      // zero: writes are fast and need no PENDING_ACK
     std::optional<unsigned> vanishAfterWrites; // writes of anything but the privilege
 };
 
-/// Everything a scene says about one camera.
+/// One camera of a scene.
 struct CameraConfig
 {
     std::string name;
     net::MacAddress mac;
-    std::optional<net::MacAddress> interfaceMac; // on the wire, where that is another than it says
+    std::optional<net::MacAddress> interfaceMac; // the source of its frames, if it differs from `mac`
     Identity identity;
     std::uint32_t supported = gvcp::IpConfig::Persistent | gvcp::IpConfig::Dhcp | gvcp::IpConfig::LinkLocal;
     std::uint32_t enabled = gvcp::IpConfig::LinkLocal;
     Ipv4Settings persistent;
-    std::optional<Ipv4Settings> lease; // none: no DHCP server answers
+    std::optional<Ipv4Settings> lease; // absent: no DHCP server answers
     net::Ipv4 linkLocal;
     std::optional<Ipv4Settings> forced;
     Duration restart{300};
     Duration dhcpTimeout{2000};
     Duration heartbeatTimeout{gvcp::DefaultHeartbeatTimeout};
     bool broadcastCommand = true;      // false: switched off
-    bool knowsBroadcastCommand = true; // false: the camera of a maker who has no such command
+    bool knowsBroadcastCommand = true; // false: a camera of another maker
     std::optional<InUse> inUse;
     Faults faults;
     std::shared_ptr<const Description> description;

@@ -32,7 +32,7 @@ const char* reasonOf(Status status)
     }
 }
 
-/// The first of the words from `address` on that the scene refuses.
+/// The status with which the scene refuses one of the words from `address` on.
 Status refusal(const std::map<std::uint32_t, Status>& refused, std::uint32_t address, std::size_t size)
 {
     const auto found = refused.lower_bound(address);
@@ -99,7 +99,7 @@ Camera::Outcome Camera::forceIp(const CommandContext& context)
         return {};
     }
     if (!isUsableAddress(wanted.ip) || !net::isContiguousMask(wanted.mask)) {
-        return {Status::InvalidParameter, "no address for a camera"};
+        return {Status::InvalidParameter, "not an address for a camera"};
     }
     const Faults& faults = m_config.faults;
     wanted.ip = faults.forceIpTakes.value_or(wanted.ip);
@@ -115,7 +115,7 @@ Camera::Outcome Camera::forceIp(const CommandContext& context)
 Camera::Outcome Camera::checkRead(std::uint32_t address, std::size_t size, Endpoint from) const
 {
     if (address % RegisterSize != 0 || size % RegisterSize != 0) {
-        return {Status::BadAlignment, "neither address nor length may be odd to four"};
+        return {Status::BadAlignment, "address and length must be multiples of four"};
     }
     if (const Status status = m_registers.checkRead(address, size); status != Status::Success) {
         return {status, reasonOf(status)};
@@ -141,11 +141,11 @@ Camera::Outcome Camera::readRegisters(const CommandContext& context)
     for (std::size_t at = 0; at < payload.size(); at += RegisterSize) {
         const std::uint32_t address = bytes::get32(payload, at);
         if (address >= DescriptionAddress) {
-            return {Status::InvalidAddress, "memory is no register"};
+            return {Status::InvalidAddress, "the address is memory, not a register"};
         }
         if (const Outcome outcome = checkRead(address, RegisterSize, context.request.from);
             outcome.status != Status::Success) {
-            return outcome; // with the values read so far
+            return outcome; // With the values read so far.
         }
         m_payload.size = at + RegisterSize;
         m_registers.read(address, m_payload.all().subspan(at, RegisterSize));
@@ -177,7 +177,7 @@ Camera::Outcome Camera::readMemory(const CommandContext& context)
 Camera::Outcome Camera::checkWrite(std::uint32_t address, Endpoint from) const
 {
     if (address % RegisterSize != 0) {
-        return {Status::BadAlignment, "the address is no multiple of four"};
+        return {Status::BadAlignment, "the address is not a multiple of four"};
     }
     if (const Status status = m_registers.checkWrite(address, RegisterSize); status != Status::Success) {
         return {status, reasonOf(status)};
@@ -188,7 +188,7 @@ Camera::Outcome Camera::checkWrite(std::uint32_t address, Endpoint from) const
     }
     if (address != gvcp::Register::ControlChannelPrivilege && !m_control.isHeldBy(from)) {
         return {Status::AccessDenied,
-                m_control.isHeld() ? reasonOf(Status::AccessDenied) : "without control"};
+                m_control.isHeld() ? reasonOf(Status::AccessDenied) : "the sender does not have control"};
     }
     return {};
 }
@@ -264,7 +264,7 @@ Camera::Outcome Camera::writeMemory(const CommandContext& context)
     }
     const auto data = payload.subspan(RegisterSize);
     if (data.size() % RegisterSize != 0) {
-        return {Status::BadAlignment, "the length is no multiple of four"};
+        return {Status::BadAlignment, "the length is not a multiple of four"};
     }
     std::size_t done = 0;
     const Outcome outcome = writeWords(data, bytes::get32(payload, 0), context, done);
@@ -297,7 +297,7 @@ Camera::Outcome Camera::broadcastIpConfig(const CommandContext& context)
     const auto payload = context.command.payload;
     namespace Field = gvcp::BroadcastIpConfig;
     if (!hasMac(payload, Field::Mac, m_config.mac)) {
-        return {}; // the scene has it acknowledge what is for another
+        return {}; // The scene has it acknowledge a command to another camera.
     }
     if (!m_config.broadcastCommand) {
         return {Status::NotImplemented, "the command is switched off"};

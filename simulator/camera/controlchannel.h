@@ -6,28 +6,28 @@
 
 namespace sim {
 
-/// Who controls a camera, and for how long. An application is known by its address and port.
+/// Which application controls the camera, and until when. Applications are told apart by address and port.
 class ControlChannel
 {
 public:
-    /// Another application holds the camera without ever being heard: until `until`.
+    /// Gives control to another application, which sends nothing, until `until`.
     void occupy(std::uint32_t privilege, Endpoint by, Instant until);
 
-    /// A write of the privilege register. InvalidParameter for bits that no camera here knows, AccessDenied
-    /// while another application holds control.
+    /// A write of the privilege register. InvalidParameter for unknown bits, AccessDenied while another
+    /// application has control.
     [[nodiscard]] gvcp::Status write(Endpoint from, std::uint32_t value, Instant now, Duration timeout);
 
-    /// Any command of the holder keeps its control alive.
+    /// Every command of the holder renews its control.
     void keepAlive(Endpoint from, Instant now, Duration timeout);
 
-    /// Whether control has just lapsed; it is free from then on.
+    /// Releases control if its time is over; true if it did.
     [[nodiscard]] bool expireIfDue(Instant now);
     void release();
 
     [[nodiscard]] std::uint32_t privilege() const { return m_privilege; }
     [[nodiscard]] bool isHeld() const { return m_privilege != gvcp::Privilege::Open; }
-    [[nodiscard]] bool isHeldBy(Endpoint who) const { return isHeld() && m_holder == who; }
-    [[nodiscard]] bool isHeldByOtherThan(Endpoint who) const { return isHeld() && m_holder != who; }
+    [[nodiscard]] bool isHeldBy(Endpoint endpoint) const { return isHeld() && m_holder == endpoint; }
+    [[nodiscard]] bool isHeldByOtherThan(Endpoint endpoint) const { return isHeld() && m_holder != endpoint; }
     /// The holder, or 0.0.0.0 port 0.
     [[nodiscard]] Endpoint holder() const { return m_holder; }
     [[nodiscard]] Instant deadline() const { return m_until; }

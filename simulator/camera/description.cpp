@@ -39,7 +39,7 @@ std::string escaped(std::string_view text)
             out += "&quot;";
             break;
         default:
-            // XML has no way to write the other control characters
+            // XML cannot represent the other control characters.
             out += static_cast<unsigned char>(c) < 0x20 ? ' ' : c;
         }
     }
@@ -107,7 +107,7 @@ std::string builtInXml(DescriptionKind kind, const std::string& vendor, const st
     throw std::runtime_error("the description cannot be compressed: " + reason);
 }
 
-/// A zip archive of one deflated file, made in memory.
+/// Makes a zip archive of one deflated file in memory.
 std::vector<std::uint8_t> zipped(const std::string& name, const std::string& text)
 {
     zip_error_t error;
@@ -121,10 +121,10 @@ std::vector<std::uint8_t> zipped(const std::string& name, const std::string& tex
         zip_source_free(target);
         failZip(nullptr, error);
     }
-    zip_source_keep(target); // closing the archive gives up its own hold only
+    zip_source_keep(target); // Closing the archive releases one reference.
     zip_source_t* const file = zip_source_buffer(archive, text.data(), text.size(), 0);
     const zip_int64_t index = file != nullptr ? zip_file_add(archive, name.c_str(), file, 0) : -1;
-    // a fixed date, so that the same scene gives the same bytes
+    // A fixed date, so that the same scene yields the same bytes.
     if (index < 0 || zip_file_set_mtime(archive, static_cast<zip_uint64_t>(index), 1'700'000'000, 0) != 0 ||
         zip_close(archive) != 0) {
         zip_source_free(target);

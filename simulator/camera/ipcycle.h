@@ -10,25 +10,25 @@ enum class AddressMode { Static, Dhcp, LinkLocal, Forced };
 /// "static", "dhcp", "linklocal" or "forced".
 [[nodiscard]] const char* modeName(AddressMode mode);
 
-/// What a camera keeps over a restart.
+/// What a camera keeps when it restarts.
 struct StoredIpConfig
 {
     std::uint32_t enabled = gvcp::IpConfig::LinkLocal;
     Ipv4Settings persistent;
 };
 
-/// How a camera comes by its address: the persistent one if enabled, else a DHCP lease if enabled and a
-/// server answers, else a link-local one. While it looks for one the camera is deaf.
+/// How a camera gets its address: the persistent one if enabled, else a DHCP lease if enabled and a server
+/// answers, else a link-local one. The camera is offline meanwhile.
 class IpCycle
 {
 public:
-    /// The cycle as it has ended before the scene begins.
+    /// Starts with the cycle completed.
     IpCycle(const CameraConfig& config, const StoredIpConfig& stored);
 
     void restart(Instant now);
-    /// A temporary address, in force at once and until the next restart.
+    /// Sets a temporary address, which takes effect at once and until the next restart.
     void force(const Ipv4Settings& settings);
-    /// Goes on with a running cycle; true when it has just ended.
+    /// Continues a running cycle; true if it has just ended.
     [[nodiscard]] bool advance(Instant now, const StoredIpConfig& stored);
 
     [[nodiscard]] bool isRunning() const { return m_until != never; }

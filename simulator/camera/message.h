@@ -13,10 +13,10 @@ namespace sim {
 
 using net::Endpoint;
 
-/// The bytes of one GVCP message of this simulator, held in place: answers come in thousands.
+/// One GVCP message of the simulator. Stored in place, since a search causes thousands of them.
 struct Message
 {
-    static constexpr std::size_t Capacity = 1472; // bytes; what a frame holds beside the IP and UDP headers
+    static constexpr std::size_t Capacity = 1472; // bytes; the room in a frame after the IP and UDP headers
 
     std::array<std::uint8_t, Capacity> bytes{};
     std::size_t size = 0;
@@ -27,7 +27,7 @@ struct Message
 
 struct CommandMessage
 {
-    bool isWellFormed = false; // key and length are right
+    bool isWellFormed = false; // key and length are correct
     bool ackRequired = false;
     bool allowBroadcastAck = false;
     std::uint16_t code = 0;
@@ -37,19 +37,19 @@ struct CommandMessage
     [[nodiscard]] bool is(gvcp::Command command) const { return code == static_cast<std::uint16_t>(command); }
 };
 
-/// Takes a received command apart; nullopt when it is shorter than a header, so that nobody could answer it.
-/// The payload points into `bytes`.
+/// Parses a received command; nullopt if it is shorter than a header and so cannot be answered. The payload
+/// points into `bytes`.
 [[nodiscard]] std::optional<CommandMessage> parseCommand(std::span<const std::uint8_t> bytes);
 
-/// Builds an acknowledge; a payload that does not fit in a message is a bug.
+/// Builds an acknowledge. The payload must fit into a message.
 [[nodiscard]] Message makeAcknowledge(gvcp::Status status, std::uint16_t code, std::uint16_t id,
                                       std::span<const std::uint8_t> payload = {});
 
-/// Whether the MAC address stands at that offset of a payload.
+/// Whether the payload contains the MAC address at that offset.
 [[nodiscard]] bool hasMac(std::span<const std::uint8_t> payload, std::size_t offset,
                           const net::MacAddress& mac);
 
-/// The command's name in the protocol, or its code in hexadecimal digits.
+/// The command's name in the protocol, or its code in hexadecimal.
 [[nodiscard]] std::string commandName(std::uint16_t code);
 [[nodiscard]] std::optional<gvcp::Command> commandByName(std::string_view name);
 

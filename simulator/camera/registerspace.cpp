@@ -8,7 +8,7 @@ namespace sim {
 
 using gvcp::RegisterSize;
 
-/// Everything that can be read, and whether it can be written, in ascending order.
+/// All readable ranges in ascending order, and whether they are writable.
 std::vector<RegisterSpace::Range> RegisterSpace::rangesOf(bool hasWritableName, std::size_t descriptionSize)
 {
     using namespace gvcp;

@@ -10,8 +10,8 @@
 
 namespace sim {
 
-/// The memory behind a camera's registers: which addresses exist, which of them may be written, and what they
-/// hold. Privileges and what a write brings about are the camera's business.
+/// The memory behind a camera's registers: which addresses exist, which are writable, and their values.
+/// Checking privileges and acting on writes is up to the camera.
 class RegisterSpace
 {
 public:
@@ -24,15 +24,15 @@ public:
     /// The bytes must have passed checkRead.
     void read(std::uint32_t address, std::span<std::uint8_t> to) const;
 
-    /// One register of the bootstrap or feature area; any other address is a bug.
+    /// One register. The address must be in the bootstrap or feature area.
     [[nodiscard]] std::uint32_t get(std::uint32_t address) const;
     void set(std::uint32_t address, std::uint32_t value);
 
-    /// Fills a text field with `text`, padded with NUL; a longer text is cut.
+    /// Fills a text field with `text`, truncated or padded with NUL.
     void setText(std::uint32_t address, std::size_t size, std::string_view text);
     [[nodiscard]] std::string text(std::uint32_t address, std::size_t size) const;
 
-    /// Whether the user-defined name exists and may be written.
+    /// Whether the user-defined name exists and is writable.
     [[nodiscard]] bool hasWritableName() const { return m_hasWritableName; }
 
 private:

@@ -4,7 +4,7 @@
 
 namespace sim {
 
-/// Time is always passed in; only the program's main loop reads the clock.
+/// Time is always passed in; only the main loop of the program reads the clock.
 using Instant = std::chrono::steady_clock::time_point;
 using Duration = std::chrono::milliseconds;
 

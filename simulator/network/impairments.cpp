@@ -8,7 +8,7 @@ namespace sim {
 
 namespace {
 
-constexpr unsigned maxReorderDelay = 20; // ms by which an answer falls behind those sent after it
+constexpr unsigned maxReorderDelay = 20; // ms by which an answer may fall behind later ones
 
 } // namespace
 
@@ -16,7 +16,7 @@ Impairments::Impairments(const NetworkConfig& network) : m_network(network), m_r
 
 bool Impairments::happens(double percent)
 {
-    // no throw of the dice for what the scene rules out, so that one setting does not change another's luck
+    // Draws no number for an impairment that the scene does not have, so that it does not affect the others.
     constexpr double scale = 100.0 / 4294967296.0;
     return percent > 0 && static_cast<double>(m_random()) * scale < percent;
 }

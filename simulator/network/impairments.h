@@ -22,9 +22,9 @@ class Impairments
 public:
     explicit Impairments(const NetworkConfig& network);
 
-    /// A request on its way to one camera that has received `received` datagrams before.
+    /// Of a request to a camera that has received `received` datagrams before.
     [[nodiscard]] Delivery ofRequest(const Faults& faults, unsigned received);
-    /// An answer on its way back; may corrupt its bytes.
+    /// Of an answer, whose bytes may be corrupted.
     [[nodiscard]] Delivery ofAnswer(const Faults& faults, Message& message);
 
 private:

@@ -9,7 +9,8 @@
 
 namespace sim {
 
-/// The way out of a camera's subnet: its gateway's hardware address, once it is known, and what waits for it.
+/// A camera's route out of its subnet: the gateway, its hardware address once known, and the frames that wait
+/// for it.
 struct GatewayRoute
 {
     net::Ipv4 gateway;
@@ -17,7 +18,7 @@ struct GatewayRoute
     std::vector<wire::Frame> waiting;
 };
 
-/// A camera plugged into the network: its network stack below GVCP.
+/// A camera's network stack below GVCP.
 class Station
 {
 public:
@@ -34,13 +35,13 @@ public:
     }
     [[nodiscard]] const std::vector<std::size_t>& adapters() const { return m_adapters; }
 
-    /// Whether a packet for this address is for us: our own, or a broadcast of the whole wire or our subnet.
+    /// Whether the camera accepts packets to this address: its own, or a limited or subnet broadcast.
     [[nodiscard]] bool accepts(net::Ipv4 to) const;
     [[nodiscard]] std::uint16_t nextIdentification() { return ++m_identification; }
-    /// How long an answer takes that is asked for now: the camera works off one request after another.
+    /// How long an answer to a request takes that arrives now. The camera handles one request after another.
     [[nodiscard]] Duration queueWork(Instant now);
     [[nodiscard]] unsigned countRequest() { return m_requests++; }
-    /// The address under which the network knows us now; 0.0.0.0 for none.
+    /// The address that the camera has last announced by ARP; 0.0.0.0 for none.
     [[nodiscard]] net::Ipv4 announcedAddress() const { return m_announcedAddress; }
     void setAnnouncedAddress(net::Ipv4 address);
     [[nodiscard]] GatewayRoute& routeOn(std::size_t adapter);

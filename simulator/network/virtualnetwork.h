@@ -11,8 +11,8 @@
 
 namespace sim {
 
-/// The wires of a scene with its cameras on them. Frames of the host come in, frames for the host go out
-/// through `send`, events through `report`. It owns no device and no clock.
+/// The network segments of a scene with their cameras. Receives the host's frames; passes frames for the host
+/// to `send` and events to `report`. It has no device and no clock.
 class VirtualNetwork
 {
 public:
@@ -22,7 +22,7 @@ public:
     VirtualNetwork(const Scene& scene, Instant now, Send send, Report report);
 
     void receive(std::size_t adapter, std::span<const std::uint8_t> frame, Instant now);
-    /// Sends and does what has become due by `now`.
+    /// Sends and does what is due by `now`.
     void advance(Instant now);
     [[nodiscard]] Instant nextDeadline() const;
     /// The state of every camera, then an end line.
@@ -37,7 +37,7 @@ private:
     {
         std::vector<Station*> stations;
         std::unordered_multimap<net::MacAddress, Station*, MacHash> byMac;
-        std::unordered_multimap<std::uint32_t, Station*> byAddress; // several in an address conflict
+        std::unordered_multimap<std::uint32_t, Station*> byAddress; // several if addresses conflict
     };
     struct DelayedFrame
     {
@@ -51,7 +51,7 @@ private:
             return at != other.at ? at > other.at : order > other.order;
         }
     };
-    /// Where a request came from, below UDP.
+    /// Where a request came from.
     struct Origin
     {
         std::size_t adapter = 0;
@@ -64,7 +64,7 @@ private:
                        const wire::Ipv4Packet& packet, Instant now);
     void receiveRequest(Station& station, const Origin& origin, const Request& request, Instant now);
     void answer(Station& station, const Origin& origin, Answer& answer, Instant now);
-    /// Sends a frame to the asker, through the camera's gateway if he is in another subnet than `source`.
+    /// Sends a frame to the origin, through the camera's gateway if it is in another subnet than `source`.
     void deliver(Station& station, const Origin& origin, const Ipv4Settings& source, wire::Frame frame,
                  Duration delay, Instant now);
     void sendLater(std::size_t adapter, const wire::Frame& frame, Duration delay, Instant now);

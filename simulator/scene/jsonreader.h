@@ -9,7 +9,7 @@
 
 namespace sim {
 
-/// What is wrong with a scene, and where: the JSON path, or line and column.
+/// An error in a scene and its place: the JSON path, or line and column.
 class SceneError : public std::runtime_error
 {
 public:
@@ -18,8 +18,8 @@ public:
     {}
 };
 
-/// One JSON object being read: every key must be asked for, and the rest are errors. All members throw
-/// SceneError with the path of the value that is missing or wrong.
+/// Reads one JSON object; keys that are not read are errors. All members throw SceneError with the path of
+/// the missing or invalid value.
 class JsonObject
 {
 public:
@@ -44,7 +44,7 @@ public:
     /// The elements of a list, each with its path; none when the key is absent.
     [[nodiscard]] std::vector<std::pair<const nlohmann::json*, std::string>> listOr(const std::string& key);
 
-    /// Refuses the keys that nobody asked for.
+    /// Fails if the object has keys that were not read.
     void finish() const;
 
 private:

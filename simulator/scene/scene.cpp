@@ -17,7 +17,7 @@ namespace {
 
 using nlohmann::json;
 
-constexpr std::size_t adapterNameLimit = 15; // bytes, the kernel's
+constexpr std::size_t adapterNameLimit = 15; // bytes; the kernel's limit
 constexpr std::size_t cameraNameLimit = 64;  // bytes
 constexpr std::size_t fileNameLimit = 4096;  // bytes
 constexpr unsigned maxCount = 4096;
@@ -51,7 +51,7 @@ constexpr std::array<std::pair<std::string_view, DescriptionKind>, 11> descripti
     {"endless", DescriptionKind::Endless},
 }};
 
-/// Adapter names of cameras are looked up once all adapters are known.
+/// A camera whose further adapters are looked up once all adapters are known.
 struct PendingCamera
 {
     PlacedCamera camera;
@@ -79,7 +79,7 @@ HostAddress parseHostAddress(const std::string& text, const std::string& path)
     const char* const prefix = slash == std::string::npos ? end : text.data() + slash + 1;
     const auto [parsedTo, error] = std::from_chars(prefix, end, result.prefixLength);
     if (!address || prefix == end || error != std::errc{} || parsedTo != end || result.prefixLength > 32) {
-        throw SceneError(path, "must be an IPv4 address and a prefix length, as 192.168.10.1/24");
+        throw SceneError(path, "must be an IPv4 address with a prefix length, such as 192.168.10.1/24");
     }
     result.address = *address;
     return result;
@@ -108,7 +108,8 @@ Identity readIdentity(JsonObject& object)
             object.textOr("userId", DiscoveryAck::UserDefinedNameSize, "")};
 }
 
-/// The link-local address a camera takes for its MAC unless the scene names one; neighbours get neighbours.
+/// The link-local address that a camera derives from its MAC address unless the scene gives one. Consecutive
+/// MAC addresses yield consecutive addresses.
 net::Ipv4 defaultLinkLocal(const net::MacAddress& mac)
 {
     const std::uint32_t low = std::uint32_t{mac.bytes[4]} << 8 | mac.bytes[5];
@@ -163,11 +164,11 @@ private:
         adapter.name = object.text("name", adapterNameLimit);
         if (adapter.name.empty() || adapter.name == "lo" || adapter.name == "." || adapter.name == ".." ||
             adapter.name.find_first_of("/: \t\n%") != std::string::npos) {
-            object.fail("name", "is no name for an adapter");
+            object.fail("name", "is not a valid name for an adapter");
         }
         for (const AdapterConfig& other : m_scene.adapters) {
             if (other.name == adapter.name) {
-                object.fail("name", "is the name of another adapter, too");
+                object.fail("name", "is also the name of another adapter");
             }
         }
         const std::size_t position = m_scene.adapters.size();
@@ -254,7 +255,7 @@ private:
             }
             fields.finish();
         }
-        // a thousand cameras of one model share one description
+        // All cameras of a model share one description; there may be thousands.
         auto& known = m_descriptions[{kind, identity.vendor, identity.model, file}];
         if (!known) {
             known = makeDescription(kind, identity.vendor, identity.model, std::move(xml));
@@ -284,7 +285,7 @@ private:
                 claimMac(camera.mac, copy.path + ".mac");
             }
             if (!m_names.insert(camera.name).second) {
-                throw SceneError(copy.path + ".name", "is the name of another camera, too");
+                throw SceneError(copy.path + ".name", "is also the name of another camera");
             }
             m_cameras.push_back(std::move(copy));
         }
@@ -309,7 +310,7 @@ private:
         const char* const end = serial.data() + serial.size();
         if (const auto parsed = std::from_chars(serial.data() + start, end, number);
             parsed.ec != std::errc{}) {
-            throw SceneError(path + ".serial", "must end in a number to be counted on");
+            throw SceneError(path + ".serial", "must end in a number, which count increments");
         }
         std::string digits = std::to_string(number + by);
         const std::size_t width = serial.size() - start;
@@ -320,7 +321,7 @@ private:
     void claimMac(const net::MacAddress& mac, const std::string& path)
     {
         if (!m_macs.insert(net::formatMac(mac)).second) {
-            throw SceneError(path, "is the MAC address of another device, too");
+            throw SceneError(path, "is also the MAC address of another device");
         }
     }
 
@@ -347,11 +348,11 @@ private:
                     ++position;
                 }
                 if (position == m_scene.adapters.size()) {
-                    throw SceneError(path, "is no adapter of this scene");
+                    throw SceneError(path, "is not an adapter of this scene");
                 }
                 auto& adapters = pending.camera.adapters;
                 if (std::find(adapters.begin(), adapters.end(), position) != adapters.end()) {
-                    throw SceneError(path, "is an adapter on which the camera is already");
+                    throw SceneError(path, "is an adapter that the camera is already on");
                 }
                 adapters.push_back(position);
             }

@@ -23,16 +23,15 @@ struct AdapterConfig
     std::vector<HostAddress> addresses;
 };
 
-/// A camera and the adapters through which it is heard, as positions in the scene's list; its own comes
-/// first.
+/// A camera and the adapters that it is connected to, as positions in the scene's list, its own first.
 struct PlacedCamera
 {
     CameraConfig config;
     std::vector<std::size_t> adapters;
 };
 
-/// What the line does to GVCP datagrams: requests and answers get lost or doubled, answers late, out of order
-/// or spoiled.
+/// What happens to GVCP datagrams: requests and answers are lost or duplicated, answers also delayed,
+/// reordered or corrupted.
 struct NetworkConfig
 {
     double lossPercent = 0;
@@ -44,7 +43,7 @@ struct NetworkConfig
     unsigned seed = 1;
 };
 
-/// All that a simulation plays.
+/// Everything that a simulation consists of.
 struct Scene
 {
     std::vector<AdapterConfig> adapters;
@@ -52,7 +51,7 @@ struct Scene
     NetworkConfig network;
 };
 
-/// Reads a scene from JSON. Files that it names are looked for in `directory`. Throws SceneError.
+/// Reads a scene from JSON. File names in it are relative to `directory`. Throws SceneError.
 [[nodiscard]] Scene parseScene(const std::string& text, const std::filesystem::path& directory);
 [[nodiscard]] Scene loadScene(const std::filesystem::path& file);
 

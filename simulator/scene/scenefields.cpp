@@ -9,7 +9,7 @@ namespace sim {
 
 namespace {
 
-constexpr std::size_t maxAddressLength = 17; // the longest way to write a MAC address
+constexpr std::size_t maxAddressLength = 17; // bytes; the longest notation of a MAC address
 constexpr unsigned maxDuration = 3'600'000;
 
 constexpr std::array<std::pair<std::string_view, ForeignAck>, 3> foreignAcks{{
@@ -84,7 +84,7 @@ void readRefusal(Faults& faults, const std::string& what, const nlohmann::json& 
     throw SceneError(path, "is neither a command nor register:ADDRESS nor read:ADDRESS");
 }
 
-/// What is wrong with how a camera takes new values.
+/// The faults in how a camera handles writes.
 void readWriteFaults(Faults& faults, JsonObject& object)
 {
     faults.emptyWriteAcks = object.flagOr("emptyWriteAcks", false);
@@ -120,7 +120,7 @@ net::Ipv4 readIpv4(JsonObject& object, const std::string& key)
 {
     const auto address = net::parseIpv4(object.text(key, maxAddressLength));
     if (!address) {
-        object.fail(key, "is no IPv4 address");
+        object.fail(key, "is not an IPv4 address");
     }
     return *address;
 }
@@ -129,10 +129,10 @@ net::MacAddress readMac(JsonObject& object, const std::string& key)
 {
     const auto mac = net::parseMac(object.text(key, maxAddressLength));
     if (!mac) {
-        object.fail(key, "is no MAC address");
+        object.fail(key, "is not a MAC address");
     }
     if ((mac->bytes[0] & 1) != 0 || *mac == net::MacAddress{}) {
-        object.fail(key, "is not the MAC address of one device");
+        object.fail(key, "is not the MAC address of a single device");
     }
     return *mac;
 }
@@ -153,7 +153,7 @@ std::optional<Ipv4Settings> readSettings(JsonObject& object, const std::string& 
     settings.ip = readIpv4(fields, "ip");
     settings.mask = readIpv4(fields, "mask");
     if (!net::isContiguousMask(settings.mask)) {
-        fields.fail("mask", "is no subnet mask");
+        fields.fail("mask", "is not a subnet mask");
     }
     if (fields.find("gateway") != nullptr) {
         settings.gateway = readIpv4(fields, "gateway");

@@ -10,7 +10,7 @@
 
 namespace sim {
 
-/// The kinds of value that only scenes have. All throw SceneError.
+/// Readers of the values that occur in scenes only. All throw SceneError.
 [[nodiscard]] net::Ipv4 readIpv4(JsonObject& object, const std::string& key);
 [[nodiscard]] net::MacAddress readMac(JsonObject& object, const std::string& key);
 /// Milliseconds, at most an hour.

@@ -22,7 +22,7 @@ constexpr std::uint8_t timeToLive = 64;
 constexpr std::uint16_t dontFragment = 0x4000;
 constexpr std::uint16_t moreFragmentsAndOffset = 0x3FFF;
 constexpr std::uint16_t arpEthernet = 1;
-constexpr std::uint16_t arpSizes = 0x0604; // bytes of a MAC and of an IPv4 address
+constexpr std::uint16_t arpSizes = 0x0604; // the lengths of a MAC address and of an IPv4 address
 constexpr std::uint8_t icmpEchoReply = 0;
 constexpr std::uint8_t icmpEchoRequest = 8;
 
@@ -47,7 +47,7 @@ std::uint32_t sum(std::span<const std::uint8_t> bytes)
     return bytes.size() % 2 == 0 ? total : total + (std::uint32_t{bytes.back()} << 8);
 }
 
-/// What the UDP checksum covers besides the datagram.
+/// The sum of the pseudo header, which the UDP checksum covers besides the datagram.
 std::uint32_t pseudoHeaderSum(const Ipv4Packet& packet, std::size_t size)
 {
     const auto halves = [](std::uint32_t value) { return (value >> 16) + (value & 0xFFFF); };
@@ -66,11 +66,11 @@ std::span<std::uint8_t> beginFrame(Frame& frame, const net::MacAddress& to, cons
     return all.subspan(ethernetHeaderSize, payloadSize);
 }
 
-/// Writes the header in front of `payloadSize` bytes and returns the room for these.
+/// Writes the IPv4 header and returns the room for the payload behind it.
 std::span<std::uint8_t> beginPacket(std::span<std::uint8_t> room, const Ipv4Packet& packet,
                                     std::uint16_t identification)
 {
-    room[0] = 0x45; // version 4, five words of header
+    room[0] = 0x45; // version 4, header of five words
     put16(room, 2, static_cast<std::uint16_t>(room.size()));
     put16(room, 4, identification);
     put16(room, 6, dontFragment);
@@ -191,7 +191,7 @@ Frame buildUdp(const net::MacAddress& to, const net::MacAddress& from, const Ipv
     put16(datagram, 4, static_cast<std::uint16_t>(size));
     std::ranges::copy(udp.payload, datagram.subspan(udpHeaderSize).begin());
     const std::uint16_t sum = checksum(datagram, pseudoHeaderSum(packet, size));
-    put16(datagram, 6, sum == 0 ? 0xFFFF : sum); // 0 would mean "none"
+    put16(datagram, 6, sum == 0 ? 0xFFFF : sum); // 0 would mean "no checksum"
     return frame;
 }
 

@@ -7,13 +7,13 @@
 #include <optional>
 #include <span>
 
-/// Ethernet, ARP, IPv4, UDP and ICMP echo as bytes. Parsing checks every length and checksum and yields views
-/// into the frame; building fills a frame that the caller owns.
+/// Ethernet, ARP, IPv4, UDP and ICMP echo as bytes. Parsing checks every length and checksum and returns
+/// views into the frame; building returns a frame by value.
 namespace wire {
 
 inline constexpr std::size_t Mtu = 1500;              // bytes of IPv4
 inline constexpr std::size_t MaxFrameSize = Mtu + 14; // bytes, without the frame check sequence
-inline constexpr std::size_t MinFrameSize = 60;       // bytes; shorter ones are padded, as on a real wire
+inline constexpr std::size_t MinFrameSize = 60;       // bytes; shorter frames are padded
 inline constexpr net::MacAddress broadcastMac{{0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}};
 
 enum class EtherType : std::uint16_t { Ipv4 = 0x0800, Arp = 0x0806 };
@@ -61,10 +61,10 @@ struct Udp
     std::span<const std::uint8_t> payload;
 };
 
-/// The Internet checksum of `bytes`, with `seed` added in; 0 over data that holds its own right checksum.
+/// The Internet checksum of `bytes`, with `seed` added in; 0 over data that contains its correct checksum.
 [[nodiscard]] std::uint16_t checksum(std::span<const std::uint8_t> bytes, std::uint32_t seed = 0);
 
-/// Each yields nullopt for anything truncated, fragmented, of another kind or with a wrong checksum.
+/// Each returns nullopt for data that is truncated, fragmented, of another kind or has a wrong checksum.
 [[nodiscard]] std::optional<Ethernet> parseEthernet(std::span<const std::uint8_t> frame);
 [[nodiscard]] std::optional<Arp> parseArp(const Ethernet& frame);
 [[nodiscard]] std::optional<Ipv4Packet> parseIpv4(const Ethernet& frame);

@@ -24,7 +24,7 @@ void bringUp(int index, const net::MacAddress& mac, std::uint32_t mtu, std::uint
     kernel.exchange(settings, "the adapter cannot be set up");
     info.ifi_flags = IFF_UP;
     info.ifi_change = IFF_UP;
-    kernel.exchange({RTM_NEWLINK, NLM_F_ACK, info}, "the adapter cannot be switched on");
+    kernel.exchange({RTM_NEWLINK, NLM_F_ACK, info}, "the adapter cannot be brought up");
 }
 
 void addAddress(int index, net::Ipv4 address, unsigned prefixLength)

@@ -15,7 +15,7 @@ namespace wire {
 
 namespace {
 
-constexpr int sendBufferSize = 64 * 1024 * 1024; // bytes of frames from the host that may wait for us
+constexpr int sendBufferSize = 64 * 1024 * 1024; // bytes of frames from the host that wait to be read
 
 [[noreturn]] void fail(const std::string& what)
 {
@@ -66,7 +66,7 @@ std::optional<std::span<const std::uint8_t>> TapDevice::read(std::span<std::uint
         if (got >= 0) {
             return buffer.first(static_cast<std::size_t>(got));
         }
-        if (errno == EAGAIN || errno == EIO) { // EIO: switched off
+        if (errno == EAGAIN || errno == EIO) { // EIO: the adapter is down.
             return std::nullopt;
         }
         if (errno != EINTR) {

@@ -9,19 +9,19 @@
 
 namespace wire {
 
-/// The machine offers no TAP devices, or not to us.
+/// TAP devices are not available to this process.
 class NoTapDevices : public std::runtime_error
 {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// The far end of a virtual Ethernet adapter, which exists as long as this object. Frames that the host sends
-/// are read here; frames written here are what the host receives.
+/// The far end of a virtual Ethernet adapter that exists as long as this object. It reads the frames that the
+/// host sends; the host receives the frames that are written.
 class TapDevice
 {
 public:
-    /// Creates the adapter. Throws NoTapDevices, or std::system_error when the name is refused.
+    /// Creates the adapter. Throws NoTapDevices, or std::system_error if the kernel refuses the name.
     explicit TapDevice(const std::string& name);
     TapDevice(TapDevice&& other) noexcept;
     TapDevice(const TapDevice&) = delete;
@@ -32,10 +32,10 @@ public:
     [[nodiscard]] int descriptor() const { return m_descriptor; }
     [[nodiscard]] int index() const { return m_index; }
 
-    /// The next frame, in `buffer`; nullopt when none waits. Throws std::system_error once the adapter is
+    /// The next frame, in `buffer`; nullopt if there is none. Throws std::system_error once the adapter is
     /// gone.
     [[nodiscard]] std::optional<std::span<const std::uint8_t>> read(std::span<std::uint8_t> buffer) const;
-    /// A frame for a host whose adapter is down or has no room is lost, as on any wire.
+    /// The frame is lost if the host's adapter is down or its queue is full.
     void write(std::span<const std::uint8_t> frame) const;
 
 private:
