@@ -22,6 +22,7 @@ int runEventLoop(int argc, char** argv)
     QCoreApplication::setOrganizationName(QStringLiteral("Orvik"));
     QCoreApplication::setOrganizationDomain(QStringLiteral("orvik.example"));
     QGuiApplication::setDesktopFileName(QStringLiteral("lanvic"));
+    // A program that is not installed has no icon from its desktop entry.
     QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/Lanvic/Resources/Icon.png")));
     installTranslations(application);
 
