@@ -12,20 +12,12 @@
 
 namespace {
 
-constexpr quint32 loopback = 0x7F000001;         // 127.0.0.1
-constexpr quint32 linkLocalNetwork = 0xA9FE0000; // 169.254.0.0
-constexpr quint32 firstLinkLocal = 0xA9FE0100;   // 169.254.1.0; 256 addresses at either end are reserved
-constexpr quint32 lastLinkLocal = 0xA9FEFEFF;    // 169.254.254.255
-constexpr quint32 firstMulticast = 0xE0000000;   // 224.0.0.0; from here up no address is a host's
+constexpr quint32 loopback = 0x7F000001;       // 127.0.0.1
+constexpr quint32 firstMulticast = 0xE0000000; // 224.0.0.0; from here up no address is a host's
 constexpr quint32 classAMask = 0xFF000000;
 constexpr quint32 classBMask = 0xFFFF0000;
 constexpr quint32 classCMask = 0xFFFFFF00;
 constexpr qsizetype macDigits = 12;
-
-quint32 networkOf(const QNetworkAddressEntry& entry)
-{
-    return entry.ip().toIPv4Address() & entry.netmask().toIPv4Address();
-}
 
 /// How many leading octets of an address under that mask a user will hardly want to change.
 int octetsToKeep(quint32 mask)
@@ -43,40 +35,6 @@ int octetsToKeep(quint32 mask)
 }
 
 } // namespace
-
-QList<QNetworkAddressEntry> ipv4Entries(const QNetworkInterface* adapter)
-{
-    QList<QNetworkAddressEntry> entries;
-    if (adapter != nullptr) {
-        entries = adapter->addressEntries();
-    }
-    entries.removeIf([](const QNetworkAddressEntry& entry) {
-        return entry.ip().protocol() != QAbstractSocket::IPv4Protocol;
-    });
-    return entries;
-}
-
-QString FormatValidAddressRanges(const QNetworkInterface* adapter)
-{
-    QString ranges;
-    const QList<QNetworkAddressEntry> entries = ipv4Entries(adapter);
-    for (const QNetworkAddressEntry& entry : entries) {
-        const quint32 network = networkOf(entry);
-        quint32 first = network | 1U;
-        quint32 last = network | (~entry.netmask().toIPv4Address() & ~1U);
-        if (network == linkLocalNetwork) {
-            first = firstLinkLocal;
-            last = lastLinkLocal;
-        }
-        ranges += QHostAddress(first).toString() + " - " + QHostAddress(last).toString() + "<br>";
-    }
-    return ranges;
-}
-
-QNetworkAddressEntry firstIpv4Entry(const QNetworkInterface* adapter)
-{
-    return ipv4Entries(adapter).value(0);
-}
 
 void IpConfigurationWidget::fixupIpAddress(QString& text)
 {
@@ -125,7 +83,8 @@ bool IpConfigurationWidget::hasDeviceValidnetworkPrefixForAdapter(unsigned int d
         return false;
     }
     return std::ranges::any_of(ipv4Entries(adapter), [=](const QNetworkAddressEntry& entry) {
-        return networkOf(entry) == (deviceIp & deviceMask) && entry.netmask().toIPv4Address() == deviceMask;
+        return ipv4NetworkOf(entry) == (deviceIp & deviceMask) &&
+               entry.netmask().toIPv4Address() == deviceMask;
     });
 }
 
