@@ -9,6 +9,7 @@
 #include "qtbase/validators.h"
 
 #include <QAction>
+#include <QCloseEvent>
 #include <QHeaderView>
 #include <QSettings>
 #include <QShortcut>
@@ -164,21 +165,16 @@ void IpConfigurationWidget::connectSignals()
             &IpConfigurationWidget::keepCurrentRowSelected);
 }
 
-/// Where another row than the current one is selected, or none, the editor would belong to no camera.
-void IpConfigurationWidget::keepCurrentRowSelected()
+void IpConfigurationWidget::closeEvent(QCloseEvent* event)
 {
-    QTreeWidgetItem* const current = ui.treeWidget->currentItem();
-    QList<QTreeWidgetItem*> selected = ui.treeWidget->selectedItems();
-    if (current != nullptr && selected.isEmpty()) { // Ctrl+click took the selection off
-        current->setSelected(true);
-    } else if (current != nullptr && selected.size() > 1) { // a screen reader adds the row that it means
-        selected.removeOne(current);
-        selected.first()->setSelected(false);
-        if (!isBusy()) {
-            finishField();
-            ui.treeWidget->setCurrentItem(selected.first());
-        }
+    if (isBusy() || !saveChangesBeforeClosing()) {
+        event->ignore();
+        return;
     }
+    QSettings settings;
+    settings.beginGroup(SettingsKey::Group);
+    settings.setValue(SettingsKey::HeaderVersion, SettingsKey::CurrentHeaderVersion);
+    settings.setValue(SettingsKey::Header, ui.treeWidget->header()->saveState());
 }
 
 void IpConfigurationWidget::ShowNetworkConnections_triggered() {}

@@ -47,8 +47,8 @@ struct RefusedEntry
 
 /// The central widget, in which all work with cameras happens: the tree of adapters and cameras, the details
 /// of the selected row, the editor of one camera's addressing, and everything that writes to a camera. One
-/// source file for each concern: construction, tree, rows, details, editing, addresses, advice, writing,
-/// unicast, connection.
+/// source file for each concern: construction and closing, tree, rows, details, editing, pending changes,
+/// addresses, advice, writing, unicast, connection, Force IP.
 class IpConfigurationWidget : public QWidget
 {
     Q_OBJECT
@@ -95,17 +95,15 @@ private:
                             void (IpConfigurationWidget::*slot)());
     void fitTextsOfFixedSize();
     void installValidators();
-    void createAdviceSigns();
     void connectSignals();
-    void keepCurrentRowSelected();
 
     // tree and refresh
     struct RememberedRow;
     void doRefresh(); // throws what discovery throws
     [[nodiscard]] RememberedRow rememberSelectedRow() const;
-    bool savePendingChanges();
     void clearTree();
     void announceSearch();
+    void keepCurrentRowSelected();
     void addAdapterRows(RememberedRow& remembered);
     void addDeviceRows(RememberedRow& remembered);
     QTreeWidgetItem* addDeviceRow(const Tessal::COrvikGigEDeviceInfo& record, int index);
@@ -128,30 +126,37 @@ private:
     [[nodiscard]] const CNetworkAdapter* GetSelectedNetworkAdapter() const;
 
     // details panel
-    void saveChangesOfLeftRow(QTreeWidgetItem* left);
-    bool writeAndListName(const Tessal::COrvikGigEDeviceInfo& record);
     void updateUiFromTreeItem(const QTreeWidgetItem* item);
     void showNothing();
     void clearAddressFields();
     void showDevice(const QTreeWidgetItem* item, const Tessal::COrvikGigEDeviceInfo& record);
     static QString deviceHint(const Tessal::COrvikGigEDeviceInfo& record, const CNetworkAdapter* adapter);
-    void updateUiState(QTreeWidgetItem* item);
-    void enableWidgets(bool enable);
-    [[nodiscard]] bool isValidConfigInUI() const;
     void setSelectionInfoText(const QString& text);
     void setHintText(const QString& text);
 
-    // editing and addresses
+    // editing
     void clearDirtyFlags();
     void startEditing();
     void stopEditing();
-    void offerSaving();
     [[nodiscard]] bool areIpSettingsEdited() const;
     [[nodiscard]] bool hasUnsavedChanges() const;
-    [[nodiscard]] bool checkSaveChanges() const;
+    [[nodiscard]] bool isValidConfigInUI() const;
+    void offerSaving();
+    void updateUiState(QTreeWidgetItem* item);
+    void enableWidgets(bool enable);
+    void takeMaskLength(QLineEdit* edit);
     void finishField();
     void takeEditsBack();
+
+    // pending changes
+    [[nodiscard]] bool checkSaveChanges() const;
+    void saveChangesOfLeftRow(QTreeWidgetItem* left);
+    bool savePendingChanges();
+    bool savePendingChangesBeforeForceIp(const Tessal::COrvikGigEDeviceInfo& record);
     bool saveChangesBeforeClosing(); // false when the user would rather stay
+    bool writeAndListName(const Tessal::COrvikGigEDeviceInfo& record);
+
+    // addresses
     static void fixupIpAddress(QString& text);
     static void fixupMacAddress(QString& text);
     static bool isIPAddressValidForDevice(const QString& text);
@@ -161,7 +166,7 @@ private:
     static IpSettings fixedUpIpSettings(QString ipAddress, QString subnetMask, QString defaultGateway);
 
     // advice
-    void takeMaskLength(QLineEdit* edit);
+    void createAdviceSigns();
     [[nodiscard]] advice::Surroundings surroundings(const CNetworkAdapter* adapter) const;
     [[nodiscard]] std::vector<advice::Advice> adviceInUi(const Tessal::COrvikGigEDeviceInfo& record,
                                                          const QTreeWidgetItem* item) const;
@@ -172,7 +177,6 @@ private:
     // writing
     bool writeConfiguration(const Tessal::COrvikGigEDeviceInfo& deviceInfo);
     bool broadcastConfiguration(const QString& mac);
-    bool unicastConfiguration(const QString& ipAddress);
     bool waitForDevice(const QString& mac);
     void noteSaved(const Tessal::COrvikGigEDeviceInfo& deviceInfo);
     void confirmSave();
@@ -182,24 +186,28 @@ private:
     void restartAfterBroadcast(const QString& mac);
     void restartDevice(const QString& mac, ozlog::Format<QByteArray> lost, const QByteArray& device);
     static void showCaughtException(const char* operation);
+
+    // unicast
+    bool unicastConfiguration(const QString& ipAddress);
     bool writeEditedSettings(const Tessal::COrvikGigEDeviceInfo& record, const QByteArray& oldIp);
     void writePersistentIp(const GenICam::gcstring& mac, const QByteArray& oldIp);
     void restartAfterUnicast(const QString& mac, const QByteArray& oldIp);
 
-    // connection and temporary addresses
+    // connection
     bool openDevice(const QString& ipAddress);
+    void createAndOpenDevice(const QString& address);
     void closeDevice();
     void releaseDevice();
+
+    // Force IP: temporary addresses
     bool forceIp(const QString& headerText, bool showMacAddress, QString* newIpAddress,
                  const ForceIpReason& reason = {});
-    void createAndOpenDevice(const QString& address);
     bool forceIpForConnection(QString& address, const ForceIpReason& reason);
     static void fillTemporaryAddressDialog(IpAddressWidget& dialog, const QNetworkAddressEntry& entry,
                                            const GenICam::gcstring& mac);
-    void showActualAddress(const GenICam::gcstring& mac, const IpSettings& given);
-    bool savePendingChangesBeforeForceIp(const Tessal::COrvikGigEDeviceInfo& record);
     std::optional<IpSettings> askForTemporaryAddress(IpAddressWidget& dialog, GenICam::gcstring& mac);
     std::optional<IpSettings> readTemporaryAddress(const IpAddressWidget& dialog, GenICam::gcstring& mac);
+    void showActualAddress(const GenICam::gcstring& mac, const IpSettings& given);
 
     Ui_IpConfigurationWidgetClass ui{};
     bool m_ipConfigModified = false;

@@ -65,16 +65,6 @@ void IpConfigurationWidget::createAdviceSigns()
     }
 }
 
-/// Understands "192.168.1.9/24": the length becomes the mask.
-void IpConfigurationWidget::takeMaskLength(QLineEdit* edit)
-{
-    if (const auto parts = splitMaskLength(edit->text())) {
-        edit->setText(parts->address);
-        ui.editNetmask->setText(parts->mask);
-        m_netmaskModified = true;
-    }
-}
-
 advice::Surroundings IpConfigurationWidget::surroundings(const CNetworkAdapter* adapter) const
 {
     advice::Surroundings known;

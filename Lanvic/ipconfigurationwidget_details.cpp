@@ -7,9 +7,6 @@
 
 #include "qtbase/formatting.h"
 
-#include <QMenu>
-#include <QMessageBox>
-
 #include <array>
 #include <utility>
 
@@ -20,19 +17,6 @@ constexpr QLatin1String paragraphBegin("<p>");
 constexpr QLatin1String paragraphEnd("</p>");
 constexpr QLatin1String boldBegin("<b>");
 constexpr QLatin1String boldEnd("</b>");
-
-/// Counts itself in while it lives.
-class Nesting
-{
-public:
-    explicit Nesting(int& depth) : m_depth(depth) { ++m_depth; }
-    Nesting(const Nesting&) = delete;
-    Nesting& operator=(const Nesting&) = delete;
-    ~Nesting() { --m_depth; }
-
-private:
-    int& m_depth;
-};
 
 /// A text from outside as rich text shows it.
 QString richText(const QString& text)
@@ -116,71 +100,6 @@ QString deviceDetails(const Tessal::COrvikGigEDeviceInfo& record)
 
 } // namespace
 
-void IpConfigurationWidget::on_treeWidget_currentItemChanged(QTreeWidgetItem* current,
-                                                             QTreeWidgetItem* previous)
-{
-    static int depth = 0;
-    if (current != nullptr && current == previous) {
-        return;
-    }
-    const Nesting nesting(depth);
-    if (depth > 1) {
-        return;
-    }
-    const bool isConfirmedElsewhere = m_isSaveUnconfirmed; // a refresh confirms its save when it is over
-    saveChangesOfLeftRow(previous);
-    clearDirtyFlags();
-    stopEditing();
-    closeDevice();
-    updateUiFromTreeItem(current);
-    updateUiState(current);
-    if (!isConfirmedElsewhere) {
-        confirmSave();
-    }
-}
-
-void IpConfigurationWidget::saveChangesOfLeftRow(QTreeWidgetItem* left)
-{
-    if (left == nullptr || left->data(0, ItemKindRole).toInt() != DeviceItem || !isValidConfigInUI() ||
-        !checkSaveChanges()) {
-        return;
-    }
-    const Tessal::COrvikGigEDeviceInfo* const record = deviceOfItem(left);
-    if (record == nullptr) {
-        return;
-    }
-    const QString mac = fromAscii(record->GetMacAddress());
-    // A temporary address on the way goes to the selected camera, so that has to be the one that is saved.
-    QTreeWidgetItem* const entered = ui.treeWidget->currentItem();
-    ui.treeWidget->setCurrentItem(left);
-    const bool saved = writeAndListName(*record);
-    ui.treeWidget->setCurrentItem(entered);
-    if (!saved) {
-        QMessageBox::critical(this, windowTitle(), tr("The configuration could not be saved."),
-                              QMessageBox::Close, QMessageBox::Close);
-    }
-    updateTreeRowFromDeviceInfoByMac(mac);
-}
-
-/// For a save that no search follows which would tell the camera's new name: the next save sends the name
-/// that the editor then shows.
-bool IpConfigurationWidget::writeAndListName(const Tessal::COrvikGigEDeviceInfo& record)
-{
-    const bool renames = m_customNameModified; // which the write clears
-    const QByteArray name = ui.editCustomName->text().trimmed().toUtf8();
-    if (!writeConfiguration(record)) {
-        return false;
-    }
-    if (renames) {
-        for (Tessal::COrvikGigEDeviceInfo& listed : m_pDeviceLister->m_devices) {
-            if (listed.GetMacAddress() == record.GetMacAddress()) {
-                listed.SetPropertyValue(Tessal::Key::UserDefinedName, name.constData());
-            }
-        }
-    }
-    return true;
-}
-
 void IpConfigurationWidget::updateUiFromTreeItem(const QTreeWidgetItem* item)
 {
     if (const Tessal::COrvikGigEDeviceInfo* const record = deviceOfItem(item)) {
@@ -257,49 +176,6 @@ QString IpConfigurationWidget::deviceHint(const Tessal::COrvikGigEDeviceInfo& re
     return hint;
 }
 
-void IpConfigurationWidget::updateUiState(QTreeWidgetItem* item)
-{
-    const Tessal::COrvikGigEDeviceInfo* const record =
-        item != nullptr ? deviceOfItem(item) : GetSelectedDeviceInfo();
-    const int accessibility = GetDeviceAccessibility(record);
-    enableWidgets(record != nullptr && (accessibility == Tessal::Accessibility::Ok ||
-                                        accessibility == Tessal::Accessibility::NotReachable));
-    showAdvice(record, item != nullptr ? item : getSelectedTreeItem());
-}
-
-void IpConfigurationWidget::enableWidgets(bool enable)
-{
-    const bool enableAddress = enable && ui.btnUsePersistentIp->isChecked();
-    for (QWidget* widget :
-         std::initializer_list<QWidget*>{ui.labelIpAddress, ui.labelNetmask, ui.labelDefaultGateway,
-                                         ui.editIpAddress, ui.editNetmask, ui.editDefaultGateway}) {
-        widget->setEnabled(enableAddress);
-    }
-    for (QWidget* widget : std::initializer_list<QWidget*>{
-             ui.btnUsePersistentIp, ui.btnUseDhcp, ui.btnUseAutoIp, ui.labelCustomName, ui.editCustomName}) {
-        widget->setEnabled(enable);
-    }
-    const bool canSave = enable && isValidConfigInUI() && hasUnsavedChanges();
-    ui.btnWriteConfiguration->setEnabled(canSave);
-    if (!canSave) {
-        ui.btnWriteConfiguration->setDefault(false);
-    }
-}
-
-bool IpConfigurationWidget::isValidConfigInUI() const
-{
-    if (ui.btnUsePersistentIp->isChecked()) {
-        for (const QLineEdit* edit : {ui.editIpAddress, ui.editNetmask, ui.editDefaultGateway}) {
-            if (!edit->hasAcceptableInput()) {
-                return false;
-            }
-        }
-    } else if (!ui.btnUseDhcp->isChecked() && !ui.btnUseAutoIp->isChecked()) {
-        return false;
-    }
-    return ui.editCustomName->hasAcceptableInput();
-}
-
 // What the labels show is the widget's state, though only the labels hold it.
 // NOLINTBEGIN(readability-make-member-function-const)
 void IpConfigurationWidget::setSelectionInfoText(const QString& text)
@@ -313,19 +189,4 @@ void IpConfigurationWidget::setHintText(const QString& text)
 }
 // NOLINTEND(readability-make-member-function-const)
 
-void IpConfigurationWidget::on_showContextMenu(const QPoint& pos)
-{
-    QTreeWidgetItem* const item = ui.treeWidget->itemAt(pos);
-    if (deviceOfItem(item) == nullptr) {
-        return;
-    }
-    ui.treeWidget->setCurrentItem(item); // the command acts on the selected row
-    QMenu menu;
-    connect(menu.addAction(tr("&Assign Temporary IP Address...")), &QAction::triggered, this,
-            &IpConfigurationWidget::on_assignTemporaryIPAddress);
-    menu.exec(ui.treeWidget->viewport()->mapToGlobal(pos));
-}
-
 void IpConfigurationWidget::on_selectionInfo_linkActivated(const QString& /*link*/) {}
-
-void IpConfigurationWidget::on_networkAdapterProperties() {}

@@ -3,17 +3,12 @@
 #include "WaitBox.h"
 #include "addressranges.h"
 #include "recorddisplay.h"
-#include "settingskeys.h"
 
 #include "qtbase/formatting.h"
 #include "qtbase/ipaddresswidget.h"
 #include "qtbase/validators.h"
 
-#include <QCloseEvent>
-#include <QHeaderView>
 #include <QKeyEvent>
-#include <QMessageBox>
-#include <QSettings>
 
 void IpConfigurationWidget::clearDirtyFlags()
 {
@@ -49,11 +44,64 @@ bool IpConfigurationWidget::hasUnsavedChanges() const
     return m_ipConfigModified || areIpSettingsEdited() || m_customNameModified;
 }
 
+bool IpConfigurationWidget::isValidConfigInUI() const
+{
+    if (ui.btnUsePersistentIp->isChecked()) {
+        for (const QLineEdit* edit : {ui.editIpAddress, ui.editNetmask, ui.editDefaultGateway}) {
+            if (!edit->hasAcceptableInput()) {
+                return false;
+            }
+        }
+    } else if (!ui.btnUseDhcp->isChecked() && !ui.btnUseAutoIp->isChecked()) {
+        return false;
+    }
+    return ui.editCustomName->hasAcceptableInput();
+}
+
 /// After an edit: Enter saves from now on, if what the editor holds can be saved.
 void IpConfigurationWidget::offerSaving()
 {
     ui.btnWriteConfiguration->setDefault(true);
     updateUiState(nullptr);
+}
+
+void IpConfigurationWidget::updateUiState(QTreeWidgetItem* item)
+{
+    const Tessal::COrvikGigEDeviceInfo* const record =
+        item != nullptr ? deviceOfItem(item) : GetSelectedDeviceInfo();
+    const int accessibility = GetDeviceAccessibility(record);
+    enableWidgets(record != nullptr && (accessibility == Tessal::Accessibility::Ok ||
+                                        accessibility == Tessal::Accessibility::NotReachable));
+    showAdvice(record, item != nullptr ? item : getSelectedTreeItem());
+}
+
+void IpConfigurationWidget::enableWidgets(bool enable)
+{
+    const bool enableAddress = enable && ui.btnUsePersistentIp->isChecked();
+    for (QWidget* widget :
+         std::initializer_list<QWidget*>{ui.labelIpAddress, ui.labelNetmask, ui.labelDefaultGateway,
+                                         ui.editIpAddress, ui.editNetmask, ui.editDefaultGateway}) {
+        widget->setEnabled(enableAddress);
+    }
+    for (QWidget* widget : std::initializer_list<QWidget*>{
+             ui.btnUsePersistentIp, ui.btnUseDhcp, ui.btnUseAutoIp, ui.labelCustomName, ui.editCustomName}) {
+        widget->setEnabled(enable);
+    }
+    const bool canSave = enable && isValidConfigInUI() && hasUnsavedChanges();
+    ui.btnWriteConfiguration->setEnabled(canSave);
+    if (!canSave) {
+        ui.btnWriteConfiguration->setDefault(false);
+    }
+}
+
+/// Understands "192.168.1.9/24": the length becomes the mask.
+void IpConfigurationWidget::takeMaskLength(QLineEdit* edit)
+{
+    if (const auto parts = splitMaskLength(edit->text())) {
+        edit->setText(parts->address);
+        ui.editNetmask->setText(parts->mask);
+        m_netmaskModified = true;
+    }
 }
 
 void IpConfigurationWidget::ipConfigurationEdited()
@@ -189,53 +237,4 @@ void IpConfigurationWidget::keyPressEvent(QKeyEvent* event)
         return;
     }
     QWidget::keyPressEvent(event);
-}
-
-bool IpConfigurationWidget::checkSaveChanges() const
-{
-    if (!hasUnsavedChanges() || !isValidConfigInUI()) {
-        return false;
-    }
-    return QMessageBox::question(window(), windowTitle(),
-                                 tr("Do you want to save the changes to the configuration?"),
-                                 QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes;
-}
-
-void IpConfigurationWidget::closeEvent(QCloseEvent* event)
-{
-    if (isBusy() || !saveChangesBeforeClosing()) {
-        event->ignore();
-        return;
-    }
-    QSettings settings;
-    settings.beginGroup(SettingsKey::Group);
-    settings.setValue(SettingsKey::HeaderVersion, SettingsKey::CurrentHeaderVersion);
-    settings.setValue(SettingsKey::Header, ui.treeWidget->header()->saveState());
-}
-
-bool IpConfigurationWidget::saveChangesBeforeClosing()
-{
-    finishField();
-    if (!checkSaveChanges()) {
-        return true;
-    }
-    const QTreeWidgetItem* item = ui.treeWidget->currentItem();
-    const Tessal::COrvikGigEDeviceInfo* record = deviceOfItem(item);
-    if (record == nullptr || writeConfiguration(*record)) {
-        confirmSave();
-        return true;
-    }
-    const auto answer = QMessageBox::critical(
-        this, windowTitle(),
-        tr("The configuration could not be saved.\nWould you like to continue closing the application?\n\n"
-           "If you click 'Yes', your configuration will not be changed and the application will close.\n"
-           "If you click 'No', you will return to the application."),
-        QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
-    if (answer == QMessageBox::Yes) {
-        return true;
-    }
-    updateTreeRowFromDeviceInfoByMac(fromAscii(record->GetMacAddress()));
-    updateUiFromTreeItem(item);
-    updateUiState(nullptr);
-    return false;
 }

@@ -7,7 +7,7 @@
 #include "qtbase/messages.h"
 
 #include <QCoreApplication>
-#include <QMessageBox>
+#include <QMenu>
 
 #include <algorithm>
 #include <compare>
@@ -47,6 +47,19 @@ private:
 
     GenICam::gcstring m_first;
     GenICam::gcstring m_second;
+};
+
+/// Counts itself in while it lives.
+class Nesting
+{
+public:
+    explicit Nesting(int& depth) : m_depth(depth) { ++m_depth; }
+    Nesting(const Nesting&) = delete;
+    Nesting& operator=(const Nesting&) = delete;
+    ~Nesting() { --m_depth; }
+
+private:
+    int& m_depth;
 };
 
 GenICam::gcstring interfaceNameOf(const Tessal::COrvikGigEDeviceInfo& record)
@@ -138,25 +151,6 @@ IpConfigurationWidget::RememberedRow IpConfigurationWidget::rememberSelectedRow(
     return {};
 }
 
-/// Returns false when the user wanted the changes saved and that failed; they are still pending then.
-bool IpConfigurationWidget::savePendingChanges()
-{
-    finishField();
-    const Tessal::COrvikGigEDeviceInfo* const record = GetSelectedDeviceInfo();
-    if (record == nullptr || !hasUnsavedChanges() || !checkSaveChanges()) {
-        clearDirtyFlags();
-        return true;
-    }
-    if (writeConfiguration(*record)) {
-        return true;
-    }
-    QMessageBox::critical(
-        this, windowTitle(),
-        tr("The configuration could not be saved.\nThe Refresh operation has been canceled."),
-        QMessageBox::Close, QMessageBox::Close);
-    return false;
-}
-
 void IpConfigurationWidget::clearTree()
 {
     setHintText(QString());
@@ -243,3 +237,58 @@ QTreeWidgetItem* IpConfigurationWidget::addDeviceRow(const Tessal::COrvikGigEDev
     }
     return item;
 }
+
+void IpConfigurationWidget::on_treeWidget_currentItemChanged(QTreeWidgetItem* current,
+                                                             QTreeWidgetItem* previous)
+{
+    static int depth = 0;
+    if (current != nullptr && current == previous) {
+        return;
+    }
+    const Nesting nesting(depth);
+    if (depth > 1) {
+        return;
+    }
+    const bool isConfirmedElsewhere = m_isSaveUnconfirmed; // a refresh confirms its save when it is over
+    saveChangesOfLeftRow(previous);
+    clearDirtyFlags();
+    stopEditing();
+    closeDevice();
+    updateUiFromTreeItem(current);
+    updateUiState(current);
+    if (!isConfirmedElsewhere) {
+        confirmSave();
+    }
+}
+
+/// Where another row than the current one is selected, or none, the editor would belong to no camera.
+void IpConfigurationWidget::keepCurrentRowSelected()
+{
+    QTreeWidgetItem* const current = ui.treeWidget->currentItem();
+    QList<QTreeWidgetItem*> selected = ui.treeWidget->selectedItems();
+    if (current != nullptr && selected.isEmpty()) { // Ctrl+click took the selection off
+        current->setSelected(true);
+    } else if (current != nullptr && selected.size() > 1) { // a screen reader adds the row that it means
+        selected.removeOne(current);
+        selected.first()->setSelected(false);
+        if (!isBusy()) {
+            finishField();
+            ui.treeWidget->setCurrentItem(selected.first());
+        }
+    }
+}
+
+void IpConfigurationWidget::on_showContextMenu(const QPoint& pos)
+{
+    QTreeWidgetItem* const item = ui.treeWidget->itemAt(pos);
+    if (deviceOfItem(item) == nullptr) {
+        return;
+    }
+    ui.treeWidget->setCurrentItem(item); // the command acts on the selected row
+    QMenu menu;
+    connect(menu.addAction(tr("&Assign Temporary IP Address...")), &QAction::triggered, this,
+            &IpConfigurationWidget::on_assignTemporaryIPAddress);
+    menu.exec(ui.treeWidget->viewport()->mapToGlobal(pos));
+}
+
+void IpConfigurationWidget::on_networkAdapterProperties() {}

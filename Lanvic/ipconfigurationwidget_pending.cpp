@@ -1,0 +1,123 @@
+#include "ipconfigurationwidget.h"
+
+#include "DeviceLister.h"
+#include "recorddisplay.h"
+
+#include <QMessageBox>
+
+bool IpConfigurationWidget::checkSaveChanges() const
+{
+    if (!hasUnsavedChanges() || !isValidConfigInUI()) {
+        return false;
+    }
+    return QMessageBox::question(window(), windowTitle(),
+                                 tr("Do you want to save the changes to the configuration?"),
+                                 QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes;
+}
+
+void IpConfigurationWidget::saveChangesOfLeftRow(QTreeWidgetItem* left)
+{
+    if (left == nullptr || left->data(0, ItemKindRole).toInt() != DeviceItem || !isValidConfigInUI() ||
+        !checkSaveChanges()) {
+        return;
+    }
+    const Tessal::COrvikGigEDeviceInfo* const record = deviceOfItem(left);
+    if (record == nullptr) {
+        return;
+    }
+    const QString mac = fromAscii(record->GetMacAddress());
+    // A temporary address on the way goes to the selected camera, so that has to be the one that is saved.
+    QTreeWidgetItem* const entered = ui.treeWidget->currentItem();
+    ui.treeWidget->setCurrentItem(left);
+    const bool saved = writeAndListName(*record);
+    ui.treeWidget->setCurrentItem(entered);
+    if (!saved) {
+        QMessageBox::critical(this, windowTitle(), tr("The configuration could not be saved."),
+                              QMessageBox::Close, QMessageBox::Close);
+    }
+    updateTreeRowFromDeviceInfoByMac(mac);
+}
+
+/// Returns false when the user wanted the changes saved and that failed; they are still pending then.
+bool IpConfigurationWidget::savePendingChanges()
+{
+    finishField();
+    const Tessal::COrvikGigEDeviceInfo* const record = GetSelectedDeviceInfo();
+    if (record == nullptr || !hasUnsavedChanges() || !checkSaveChanges()) {
+        clearDirtyFlags();
+        return true;
+    }
+    if (writeConfiguration(*record)) {
+        return true;
+    }
+    QMessageBox::critical(
+        this, windowTitle(),
+        tr("The configuration could not be saved.\nThe Refresh operation has been canceled."),
+        QMessageBox::Close, QMessageBox::Close);
+    return false;
+}
+
+/// Offers to save what is being edited, since the editor is drawn anew from the record afterwards. Returns
+/// false when the user wanted that and it failed; the edits are still there then.
+bool IpConfigurationWidget::savePendingChangesBeforeForceIp(const Tessal::COrvikGigEDeviceInfo& record)
+{
+    finishField();
+    if (!checkSaveChanges()) {
+        return true;
+    }
+    const bool saved = writeAndListName(record);
+    updateTreeRowFromDeviceInfoByMac(fromAscii(record.GetMacAddress()));
+    if (saved) {
+        confirmSave();
+    } else {
+        QMessageBox::critical(this, windowTitle(), tr("The configuration could not be saved."),
+                              QMessageBox::Close, QMessageBox::Close);
+    }
+    return saved;
+}
+
+bool IpConfigurationWidget::saveChangesBeforeClosing()
+{
+    finishField();
+    if (!checkSaveChanges()) {
+        return true;
+    }
+    const QTreeWidgetItem* item = ui.treeWidget->currentItem();
+    const Tessal::COrvikGigEDeviceInfo* record = deviceOfItem(item);
+    if (record == nullptr || writeConfiguration(*record)) {
+        confirmSave();
+        return true;
+    }
+    const auto answer = QMessageBox::critical(
+        this, windowTitle(),
+        tr("The configuration could not be saved.\nWould you like to continue closing the application?\n\n"
+           "If you click 'Yes', your configuration will not be changed and the application will close.\n"
+           "If you click 'No', you will return to the application."),
+        QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
+    if (answer == QMessageBox::Yes) {
+        return true;
+    }
+    updateTreeRowFromDeviceInfoByMac(fromAscii(record->GetMacAddress()));
+    updateUiFromTreeItem(item);
+    updateUiState(nullptr);
+    return false;
+}
+
+/// For a save that no search follows which would tell the camera's new name: the next save sends the name
+/// that the editor then shows.
+bool IpConfigurationWidget::writeAndListName(const Tessal::COrvikGigEDeviceInfo& record)
+{
+    const bool renames = m_customNameModified; // which the write clears
+    const QByteArray name = ui.editCustomName->text().trimmed().toUtf8();
+    if (!writeConfiguration(record)) {
+        return false;
+    }
+    if (renames) {
+        for (Tessal::COrvikGigEDeviceInfo& listed : m_pDeviceLister->m_devices) {
+            if (listed.GetMacAddress() == record.GetMacAddress()) {
+                listed.SetPropertyValue(Tessal::Key::UserDefinedName, name.constData());
+            }
+        }
+    }
+    return true;
+}
