@@ -175,6 +175,8 @@ private:
                                       const std::vector<advice::Advice>& all) const;
 
     // writing
+    bool saveSelectedCamera();
+    void showNotSaved();
     bool writeConfiguration(const Tessal::COrvikGigEDeviceInfo& deviceInfo);
     bool broadcastConfiguration(const QString& mac);
     bool waitForDevice(const QString& mac);
@@ -185,7 +187,6 @@ private:
     bool storeByBroadcast(const QByteArray& mac);
     void restartAfterBroadcast(const QString& mac);
     void restartDevice(const QString& mac, ozlog::Format<QByteArray> lost, const QByteArray& device);
-    static void showCaughtException(const char* operation);
 
     // unicast
     bool unicastConfiguration(const QString& ipAddress);

@@ -2,8 +2,8 @@
 
 #include "DeviceLister.h"
 #include "WaitBox.h"
+#include "failurereports.h"
 #include "recorddisplay.h"
-#include "trace.h"
 
 #include "qtbase/failuretexts.h"
 #include "qtbase/messages.h"
@@ -89,7 +89,7 @@ void IpConfigurationWidget::closeDevice()
     if (m_pDevice == nullptr) {
         return;
     }
-    warningOfFailure("Failed to close device", "closeDevice", [this] {
+    logFailure("Failed to close device", "closeDevice", [this] {
         if (m_pDevice->IsOpen()) {
             m_pDevice->Close();
         }
@@ -103,6 +103,6 @@ void IpConfigurationWidget::releaseDevice()
     if (device == nullptr) {
         return;
     }
-    warningOfFailure("Failed to destroy device", "doRefresh",
-                     [device] { DeviceLister::s_pTl->DestroyDevice(device); });
+    logFailure("Failed to destroy device", "doRefresh",
+               [device] { DeviceLister::s_pTl->DestroyDevice(device); });
 }

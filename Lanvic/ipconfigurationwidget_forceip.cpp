@@ -13,6 +13,8 @@
 
 #include <QMessageBox>
 
+#include <functional>
+
 using ozlog::LogLevel;
 using ozlog::LogTrace;
 
@@ -29,8 +31,7 @@ QString withValidAddresses(const QString& text, const CNetworkAdapter* adapter)
 }
 
 /// Runs one step of a Force IP and reports what it throws. Returns whether the step went through.
-template <typename Step>
-bool reportingForceIpFailure(const GenICam::gcstring& mac, Step step)
+bool reportForceIpFailure(const GenICam::gcstring& mac, const std::function<void()>& step)
 {
     try {
         step();
@@ -101,7 +102,7 @@ bool IpConfigurationWidget::forceIp(const QString& headerText, bool showMacAddre
         return false;
     }
     m_refusedEntry = {selected, showMacAddress, dialog.entry()};
-    if (!reportingForceIpFailure(mac, [&] {
+    if (!reportForceIpFailure(mac, [&] {
             sendForceIp(mac, *settings);
             if (newIpAddress != nullptr) {
                 *newIpAddress = QString::fromLatin1(settings->ipAddress);
@@ -110,7 +111,7 @@ bool IpConfigurationWidget::forceIp(const QString& headerText, bool showMacAddre
         return false;
     }
     m_refusedEntry.reset();
-    reportingForceIpFailure(mac, [&mac] {
+    reportForceIpFailure(mac, [&mac] {
         LogTrace(GetIPConfigBaseCatID(), LogLevel::Info, "Successfully forced IP for MAC=%hs.", mac);
     });
     if (!waitForDevice(fromAscii(mac))) {
@@ -152,7 +153,7 @@ std::optional<IpSettings> IpConfigurationWidget::askForTemporaryAddress(IpAddres
 {
     while (dialog.exec() != QDialog::Rejected) {
         std::optional<IpSettings> entered;
-        const bool read = reportingForceIpFailure(mac, [&] { entered = readTemporaryAddress(dialog, mac); });
+        const bool read = reportForceIpFailure(mac, [&] { entered = readTemporaryAddress(dialog, mac); });
         if (read && entered) {
             return entered;
         }
@@ -194,7 +195,7 @@ void IpConfigurationWidget::showActualAddress(const GenICam::gcstring& mac, cons
     m_pDeviceLister->updateDeviceInfo(mac, nullptr, actual, m_rediscovered.GetSubnetMask(),
                                       m_rediscovered.GetDefaultGateway(), true);
     if (given.ipAddress != "0.0.0.0") {
-        reportingForceIpFailure(mac, [&] { throw addressNotTaken(mac, given, actual); });
+        reportForceIpFailure(mac, [&] { throw addressNotTaken(mac, given, actual); });
     }
 }
 

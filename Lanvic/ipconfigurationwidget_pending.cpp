@@ -32,8 +32,7 @@ void IpConfigurationWidget::saveChangesOfLeftRow(QTreeWidgetItem* left)
     const bool saved = writeAndListName(*record);
     ui.treeWidget->setCurrentItem(entered);
     if (!saved) {
-        QMessageBox::critical(this, windowTitle(), tr("The configuration could not be saved."),
-                              QMessageBox::Close, QMessageBox::Close);
+        showNotSaved();
     }
     updateTreeRowFromDeviceInfoByMac(mac);
 }
@@ -70,8 +69,7 @@ bool IpConfigurationWidget::savePendingChangesBeforeForceIp(const Tessal::COrvik
     if (saved) {
         confirmSave();
     } else {
-        QMessageBox::critical(this, windowTitle(), tr("The configuration could not be saved."),
-                              QMessageBox::Close, QMessageBox::Close);
+        showNotSaved();
     }
     return saved;
 }

@@ -2,9 +2,8 @@
 
 #include "DeviceLister.h"
 #include "WaitBox.h"
+#include "failurereports.h"
 #include "recorddisplay.h"
-
-#include "qtbase/messages.h"
 
 #include <QCoreApplication>
 #include <QMenu>
@@ -89,14 +88,14 @@ void IpConfigurationWidget::refresh()
         return;
     }
     // The wait cursor is gone before a message appears: it goes when doRefresh is left.
-    try {
-        doRefresh();
-        confirmSave();
-    } catch (const std::exception& exception) {
-        showException(QStringLiteral("refresh"), exception, tr("Failed to enumerate devices"), nullptr);
-    } catch (...) {
-        showUnexpectedException(QStringLiteral("refresh"), tr("Failed to enumerate devices"), nullptr);
-    }
+    showFailure(
+        "refresh",
+        [this] {
+            doRefresh();
+            confirmSave();
+            return true;
+        },
+        tr("Failed to enumerate devices"));
 }
 
 void IpConfigurationWidget::on_btnRefresh_clicked()

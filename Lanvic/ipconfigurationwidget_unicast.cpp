@@ -3,6 +3,7 @@
 #include "DeviceLister.h"
 #include "WaitBox.h"
 #include "editedconfiguration.h"
+#include "failurereports.h"
 #include "recorddisplay.h"
 #include "trace.h"
 
@@ -97,7 +98,7 @@ bool IpConfigurationWidget::unicastConfiguration(const QString& ipAddress)
     const QByteArray oldIp = ipAddress.toLatin1();
     const Tessal::COrvikGigEDeviceInfo* const selected = GetSelectedDeviceInfo();
     const QString wanted = selected != nullptr ? fromAscii(selected->GetMacAddress()) : QString();
-    try {
+    return showFailure("unicastConfiguration", [&] {
         LogTrace(GetIPConfigBaseCatID(), LogLevel::Info,
                  "Trying open device with old IP=%hs to change IP configuration via unicast.", oldIp);
         openDevice(ipAddress);
@@ -113,14 +114,12 @@ bool IpConfigurationWidget::unicastConfiguration(const QString& ipAddress)
         }
         traceOpened(record, oldIp);
         const WaitCursor cursor;
-        if (writeEditedSettings(record, oldIp)) {
-            restartAfterUnicast(fromAscii(record.GetMacAddress()), oldIp);
-            return true;
+        if (!writeEditedSettings(record, oldIp)) {
+            return false;
         }
-    } catch (...) {
-        showCaughtException("unicastConfiguration");
-    }
-    return false;
+        restartAfterUnicast(fromAscii(record.GetMacAddress()), oldIp);
+        return true;
+    });
 }
 
 bool IpConfigurationWidget::writeEditedSettings(const Tessal::COrvikGigEDeviceInfo& record,

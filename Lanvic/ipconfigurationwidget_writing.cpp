@@ -4,6 +4,7 @@
 #include "WaitBox.h"
 #include "confirmation.h"
 #include "editedconfiguration.h"
+#include "failurereports.h"
 #include "recorddisplay.h"
 #include "trace.h"
 
@@ -75,41 +76,38 @@ void IpConfigurationWidget::on_btnWriteConfiguration_clicked()
     if (isBusy() || !ui.btnWriteConfiguration->isEnabled()) {
         return;
     }
-    try {
-        const Tessal::COrvikGigEDeviceInfo* record = GetSelectedDeviceInfo();
-        if (record == nullptr) {
-            return;
-        }
-        // Qt itself moves the focus on when the refresh disables the button, so look before it does.
-        const bool buttonHadFocus = focusWidget() == ui.btnWriteConfiguration;
-        if (writeConfiguration(*record)) {
-            clearDirtyFlags();
-            stopEditing();
-            updateTreeRowFromDeviceInfoByMac(fromAscii(record->GetMacAddress()));
-            doRefresh();
-            confirmSave();
-        } else {
-            QMessageBox::critical(this, windowTitle(), tr("The configuration could not be saved."),
-                                  QMessageBox::Close, QMessageBox::Close);
-        }
-        if (buttonHadFocus && !ui.btnWriteConfiguration->isEnabled()) {
-            ui.treeWidget->setFocus(Qt::TabFocusReason);
-        }
-    } catch (...) {
-        showCaughtException("on_btnWriteConfiguration_clicked");
-    }
+    showFailure("on_btnWriteConfiguration_clicked", [this] { return saveSelectedCamera(); });
 }
 
-/// For a catch block: shows what was caught there as a failure of `operation`.
-void IpConfigurationWidget::showCaughtException(const char* operation)
+/// Returns whether the camera was saved.
+bool IpConfigurationWidget::saveSelectedCamera()
 {
-    try {
-        throw;
-    } catch (const std::exception& exception) {
-        showException(operation, exception, nullptr);
-    } catch (...) {
-        showUnexpectedException(operation, tr("Unknown exception occurred"), nullptr);
+    const Tessal::COrvikGigEDeviceInfo* record = GetSelectedDeviceInfo();
+    if (record == nullptr) {
+        return false;
     }
+    // Qt itself moves the focus on when the refresh disables the button, so look before it does.
+    const bool buttonHadFocus = focusWidget() == ui.btnWriteConfiguration;
+    const bool isSaved = writeConfiguration(*record);
+    if (isSaved) {
+        clearDirtyFlags();
+        stopEditing();
+        updateTreeRowFromDeviceInfoByMac(fromAscii(record->GetMacAddress()));
+        doRefresh();
+        confirmSave();
+    } else {
+        showNotSaved();
+    }
+    if (buttonHadFocus && !ui.btnWriteConfiguration->isEnabled()) {
+        ui.treeWidget->setFocus(Qt::TabFocusReason);
+    }
+    return isSaved;
+}
+
+void IpConfigurationWidget::showNotSaved()
+{
+    QMessageBox::critical(this, windowTitle(), tr("The configuration could not be saved."),
+                          QMessageBox::Close, QMessageBox::Close);
 }
 
 bool IpConfigurationWidget::writeConfiguration(const Tessal::COrvikGigEDeviceInfo& deviceInfo)
@@ -175,16 +173,14 @@ IpSettings IpConfigurationWidget::ipSettingsInUi() const
 
 bool IpConfigurationWidget::broadcastConfiguration(const QString& mac)
 {
-    try {
+    return showFailure("broadcastConfiguration", [&] {
         const WaitCursor cursor;
-        if (storeByBroadcast(mac.toLatin1())) {
-            restartAfterBroadcast(mac);
-            return true;
+        if (!storeByBroadcast(mac.toLatin1())) {
+            return false;
         }
-    } catch (...) {
-        showCaughtException("broadcastConfiguration");
-    }
-    return false;
+        restartAfterBroadcast(mac);
+        return true;
+    });
 }
 
 bool IpConfigurationWidget::storeByBroadcast(const QByteArray& mac)
@@ -248,7 +244,7 @@ bool IpConfigurationWidget::waitForDevice(const QString& mac)
                     this);
     waitBox.showWaitCursor();
     WaitBox::settle();
-    try {
+    return showFailure("waitForDevice", [&] {
         for (int search = 0; search < maxSearches; ++search) {
             waitBox.showProgress(search, maxSearches, usualSearchStep);
             ::sleep(secondsBetweenSearches); // NOLINT(concurrency-mt-unsafe): there is one thread
@@ -260,8 +256,6 @@ bool IpConfigurationWidget::waitForDevice(const QString& mac)
                 return true;
             }
         }
-    } catch (...) {
-        showCaughtException("waitForDevice");
-    }
-    return false;
+        return false;
+    });
 }
