@@ -16,7 +16,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr int messageMargin = 12; // pixels
-constexpr auto settlingTime = 30ms;
+constexpr auto repaintTime = 30ms;
 
 struct Texts
 {
@@ -107,27 +107,28 @@ void WaitBox::showMessage()
     m_label->show();
     QAccessibleEvent announcement(m_label, QAccessible::Alert);
     QAccessible::updateAccessibility(&announcement);
-    m_waiting.start();
+    m_elapsed.start();
     m_label->repaint();
 }
 
-void WaitBox::settle()
+void WaitBox::repaintUncovered()
 {
     // A dialog that has just closed leaves its picture behind until the window system has asked for what was
     // under it, and the sleep that follows answers nothing.
-    QEventLoop settling;
-    QTimer::singleShot(settlingTime, &settling, &QEventLoop::quit);
-    settling.exec(QEventLoop::ExcludeUserInputEvents);
+    QEventLoop loop;
+    QTimer::singleShot(repaintTime, &loop, &QEventLoop::quit);
+    loop.exec(QEventLoop::ExcludeUserInputEvents);
 }
 
-void WaitBox::showProgress(int done, int all, std::chrono::milliseconds usualStep)
+void WaitBox::showProgress(int done, int total, std::chrono::milliseconds expectedStep)
 {
     if (!m_label) {
         return;
     }
-    const std::chrono::milliseconds waited(m_waiting.elapsed());
-    const auto step = done > 0 ? waited / done : usualStep;
-    const QString progress = Texts::tr("%1 of at most %2 s").arg(waited / 1s).arg(roundedSeconds(step * all));
+    const std::chrono::milliseconds waited(m_elapsed.elapsed());
+    const auto step = done > 0 ? waited / done : expectedStep;
+    const QString progress =
+        Texts::tr("%1 of at most %2 s").arg(waited / 1s).arg(roundedSeconds(step * total));
     m_label->setText(m_text + QLatin1String("\n\n") + progress);
     placeMessage();
     m_label->repaint();

@@ -38,10 +38,10 @@ public:
     /// Sets the cursor once more and paints the message before it returns, since what follows blocks.
     void showWaitCursor();
     /// Lets the window system repaint what a closed dialog covered, without user input.
-    static void settle();
+    static void repaintUncovered();
     /// Says below the message how long the wait has taken and how long it takes at most, and paints that.
-    /// `done` of `all` steps are over; `usualStep` is what one takes as long as none is.
-    void showProgress(int done, int all, std::chrono::milliseconds usualStep);
+    /// `done` of `total` steps are over; `expectedStep` is what one takes as long as none is.
+    void showProgress(int done, int total, std::chrono::milliseconds expectedStep);
     /// Takes back one cursor that this box has set, and with the last one the message.
     void restoreCursor();
 
@@ -53,5 +53,5 @@ private:
     int m_cursorCount = 0; // set and not yet restored
     QWidget* m_pOwner;
     QPointer<QLabel> m_label; // child of the owner
-    QElapsedTimer m_waiting;  // since the message was shown
+    QElapsedTimer m_elapsed;  // since the message was shown
 };

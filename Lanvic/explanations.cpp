@@ -32,7 +32,7 @@ QString explainControl(const Tessal::COrvikGigEDeviceInfo& record, const QString
     return computer.isEmpty() ? byUnknown : byComputer.arg(computer);
 }
 
-bool fitsAdapter(const Tessal::COrvikGigEDeviceInfo& record, const CNetworkAdapter& adapter)
+bool isInSubnetOf(const Tessal::COrvikGigEDeviceInfo& record, const CNetworkAdapter& adapter)
 {
     const QHostAddress address(fromAscii(record.GetIpAddress()));
     const auto entries = adapter.addressEntries();
@@ -57,7 +57,7 @@ QString explainUnreachable(const Tessal::COrvikGigEDeviceInfo& record, const CNe
                          "another.")
                          .arg(other, mac);
     }
-    if (adapter != nullptr && !fitsAdapter(record, *adapter)) {
+    if (adapter != nullptr && !isInSubnetOf(record, *adapter)) {
         return Texts::tr("The camera answers the search, but its address is not in a network of %1.")
             .arg(adapter->m_name);
     }
@@ -98,13 +98,13 @@ QString explainObstacle(const Tessal::AdapterObstacle& obstacle)
 QString explainStatus(const Tessal::COrvikGigEDeviceInfo& record, const CNetworkAdapter* adapter)
 {
     QStringList sentences{explainCode(record, adapter)};
-    const QString twinAddress = property(record, Tessal::Key::SameMacIp);
-    if (!twinAddress.isEmpty()) {
-        const QString twin = property(record, Tessal::Key::SameMacName);
-        sentences +=
-            twin.isEmpty()
-                ? Texts::tr("Another camera has the same MAC address, at %1.").arg(twinAddress)
-                : Texts::tr("Another camera has the same MAC address: %1 at %2.").arg(twin, twinAddress);
+    const QString duplicateAddress = property(record, Tessal::Key::SameMacIp);
+    if (!duplicateAddress.isEmpty()) {
+        const QString duplicate = property(record, Tessal::Key::SameMacName);
+        sentences += duplicate.isEmpty()
+                         ? Texts::tr("Another camera has the same MAC address, at %1.").arg(duplicateAddress)
+                         : Texts::tr("Another camera has the same MAC address: %1 at %2.")
+                               .arg(duplicate, duplicateAddress);
     }
     return sentences.join(QLatin1Char(' '));
 }

@@ -9,11 +9,11 @@
 
 namespace {
 
-constexpr qreal smallest = 0.6;
-constexpr qreal step = 0.95;
+constexpr qreal minScale = 0.6;
+constexpr qreal scaleStep = 0.95;
 
 /// Whether the label shows its text within that width and its own greatest height, each word in one piece.
-bool isSeenInFull(const QLabel& label, int width)
+bool isFullyVisible(const QLabel& label, int width)
 {
     return label.minimumSizeHint().width() <= width && label.heightForWidth(width) <= label.maximumHeight();
 }
@@ -30,12 +30,12 @@ public:
     {
         m_label.setFont(QFont()); // the parent's again
         m_width = m_label.width();
-        const bool fits = shrinkFont(m_label, [this] { return isSeenInFull(m_label, m_width); });
+        const bool fits = shrinkFont(m_label, [this] { return isFullyVisible(m_label, m_width); });
         if (!fits) {
             m_label.setFont(QFont());
-            showScrolled();
-        } else if (m_scrolled != nullptr) {
-            m_scrolled->hide();
+            showScrollView();
+        } else if (m_scrollView != nullptr) {
+            m_scrollView->hide();
             m_label.setFocusProxy(nullptr);
         }
     }
@@ -44,8 +44,8 @@ protected:
     bool eventFilter(QObject* /*watched*/, QEvent* event) override
     {
         if (event->type() == QEvent::Resize) {
-            if (m_scrolled != nullptr) {
-                m_scrolled->setGeometry(m_label.rect());
+            if (m_scrollView != nullptr) {
+                m_scrollView->setGeometry(m_label.rect());
             }
             if (m_label.width() != m_width) {
                 fit();
@@ -56,26 +56,26 @@ protected:
 
 private:
     /// Covers the label with the same text in a view that scrolls.
-    void showScrolled()
+    void showScrollView()
     {
-        if (m_scrolled == nullptr) {
-            m_scrolled = new QTextBrowser(&m_label);
-            m_scrolled->setAccessibleName(m_label.accessibleName());
-            m_scrolled->setFrameShape(QFrame::NoFrame);
-            m_scrolled->viewport()->setBackgroundRole(QPalette::Window);
-            m_scrolled->setOpenLinks(false);
-            m_scrolled->setWordWrapMode(QTextOption::WordWrap);
-            m_scrolled->document()->setDocumentMargin(0);
-            m_scrolled->setGeometry(m_label.rect());
-            QWidget::setTabOrder(&m_label, m_scrolled);
+        if (m_scrollView == nullptr) {
+            m_scrollView = new QTextBrowser(&m_label);
+            m_scrollView->setAccessibleName(m_label.accessibleName());
+            m_scrollView->setFrameShape(QFrame::NoFrame);
+            m_scrollView->viewport()->setBackgroundRole(QPalette::Window);
+            m_scrollView->setOpenLinks(false);
+            m_scrollView->setWordWrapMode(QTextOption::WordWrap);
+            m_scrollView->document()->setDocumentMargin(0);
+            m_scrollView->setGeometry(m_label.rect());
+            QWidget::setTabOrder(&m_label, m_scrollView);
         }
-        m_scrolled->setHtml(m_label.text());
-        m_scrolled->show();
-        m_label.setFocusProxy(m_scrolled);
+        m_scrollView->setHtml(m_label.text());
+        m_scrollView->show();
+        m_label.setFocusProxy(m_scrollView);
     }
 
     QLabel& m_label;
-    QTextBrowser* m_scrolled = nullptr; // the label's, once it was needed
+    QTextBrowser* m_scrollView = nullptr; // the label's, once it was needed
     int m_width = 0;
 };
 
@@ -85,10 +85,10 @@ bool shrinkFont(QWidget& widget, const std::function<bool()>& fits)
 {
     QFont font = widget.font();
     qreal size = QFontInfo(font).pointSizeF();
-    const qreal least = size * smallest;
+    const qreal minSize = size * minScale;
     while (!fits()) {
-        size *= step;
-        if (size < least) {
+        size *= scaleStep;
+        if (size < minSize) {
             return false;
         }
         font.setPointSizeF(size);

@@ -2,7 +2,7 @@
 
 #include "DeviceLister.h"
 #include "WaitBox.h"
-#include "elidedtexts.h"
+#include "elidedtextdelegate.h"
 #include "fittext.h"
 #include "settingskeys.h"
 
@@ -63,7 +63,7 @@ IpConfigurationWidget::IpConfigurationWidget(QWidget* parent) : QWidget(parent)
                               tr("Status"), tr("IP Configuration"), tr("IP Address"),    tr("Subnet Mask")};
     ui.treeWidget->setColumnCount(static_cast<int>(columns.size()));
     ui.treeWidget->setHeaderLabels(columns);
-    ui.treeWidget->setItemDelegate(new ElidedTexts(this));
+    ui.treeWidget->setItemDelegate(new ElidedTextDelegate(this));
     restoreHeaderState(ui.treeWidget->header());
     installValidators();
     createHiddenAction(QStringLiteral("actionShowNetworkConnections"), tr("Alt+Shift+Ctrl+N"),
@@ -92,7 +92,7 @@ IpConfigurationWidget::~IpConfigurationWidget()
 void IpConfigurationWidget::fitTextsOfFixedSize()
 {
     // All get the size that the longest of them needs, through the frame.
-    const auto isSeenInFull = [](const QWidget* text) {
+    const auto isFullyVisible = [](const QWidget* text) {
         return text->sizeHint().width() <= text->width() && text->fontMetrics().height() <= text->height();
     };
     shrinkFont(*ui.frameConfig, [&] {
@@ -100,7 +100,7 @@ void IpConfigurationWidget::fitTextsOfFixedSize()
             std::initializer_list<const QWidget*>{ui.btnUsePersistentIp, ui.btnUseDhcp, ui.btnUseAutoIp,
                                                   ui.labelIpAddress, ui.labelNetmask, ui.labelDefaultGateway,
                                                   ui.labelCustomName, ui.btnWriteConfiguration},
-            isSeenInFull);
+            isFullyVisible);
     });
     for (QLineEdit* edit : {ui.editIpAddress, ui.editNetmask, ui.editDefaultGateway, ui.editCustomName}) {
         shrinkFont(*edit, [edit] {
@@ -150,9 +150,9 @@ void IpConfigurationWidget::connectSignals()
             &IpConfigurationWidget::on_showContextMenu);
     // The button's own shortcut, Ctrl+S, has taken the place of its underlined letter.
     QPushButton* const save = ui.btnWriteConfiguration;
-    auto* const saveByLetter = new QShortcut(QKeySequence::mnemonic(save->text()), save);
-    saveByLetter->setAutoRepeat(false);
-    connect(saveByLetter, &QShortcut::activated, save, &QAbstractButton::animateClick);
+    auto* const saveByMnemonic = new QShortcut(QKeySequence::mnemonic(save->text()), save);
+    saveByMnemonic->setAutoRepeat(false);
+    connect(saveByMnemonic, &QShortcut::activated, save, &QAbstractButton::animateClick);
     // Qt opens a context menu by the Menu key, which many keyboards lack.
     auto* const contextMenu = new QShortcut(QKeySequence(Qt::SHIFT | Qt::Key_F10), ui.treeWidget);
     contextMenu->setContext(Qt::WidgetShortcut);
@@ -167,7 +167,7 @@ void IpConfigurationWidget::connectSignals()
 
 void IpConfigurationWidget::closeEvent(QCloseEvent* event)
 {
-    if (isBusy() || !saveChangesBeforeClosing()) {
+    if (isBusy() || !savePendingBeforeClosing()) {
         event->ignore();
         return;
     }

@@ -127,7 +127,7 @@ private:
 
     // details panel
     void updateUiFromTreeItem(const QTreeWidgetItem* item);
-    void showNothing();
+    void clearDetails();
     void clearAddressFields();
     void showDevice(const QTreeWidgetItem* item, const Tessal::COrvikGigEDeviceInfo& record);
     static QString deviceHint(const Tessal::COrvikGigEDeviceInfo& record, const CNetworkAdapter* adapter);
@@ -141,20 +141,20 @@ private:
     [[nodiscard]] bool areIpSettingsEdited() const;
     [[nodiscard]] bool hasUnsavedChanges() const;
     [[nodiscard]] bool isValidConfigInUI() const;
-    void offerSaving();
+    void makeSaveDefault();
     void updateUiState(QTreeWidgetItem* item);
     void enableWidgets(bool enable);
-    void takeMaskLength(QLineEdit* edit);
-    void finishField();
-    void takeEditsBack();
+    void applyMaskLength(QLineEdit* edit);
+    void commitFocusedField();
+    void discardEdits();
 
     // pending changes
     [[nodiscard]] bool checkSaveChanges() const;
-    void saveChangesOfLeftRow(QTreeWidgetItem* left);
-    bool savePendingChanges();
-    bool savePendingChangesBeforeForceIp(const Tessal::COrvikGigEDeviceInfo& record);
-    bool saveChangesBeforeClosing(); // false when the user would rather stay
-    bool writeAndListName(const Tessal::COrvikGigEDeviceInfo& record);
+    void savePreviousRow(QTreeWidgetItem* previous);
+    bool savePendingBeforeRefresh();
+    bool savePendingBeforeForceIp(const Tessal::COrvikGigEDeviceInfo& record);
+    bool savePendingBeforeClosing(); // false when the user would rather stay
+    bool writeAndUpdateName(const Tessal::COrvikGigEDeviceInfo& record);
 
     // addresses
     static void fixupIpAddress(QString& text);
@@ -176,17 +176,18 @@ private:
 
     // writing
     bool saveSelectedCamera();
-    void showNotSaved();
+    void showSaveFailure();
     bool writeConfiguration(const Tessal::COrvikGigEDeviceInfo& deviceInfo);
     bool broadcastConfiguration(const QString& mac);
     bool waitForDevice(const QString& mac);
-    void noteSaved(const Tessal::COrvikGigEDeviceInfo& deviceInfo);
+    void recordSave(const Tessal::COrvikGigEDeviceInfo& deviceInfo);
     void confirmSave();
     [[nodiscard]] AddressingMode addressingModeInUi() const;
     [[nodiscard]] IpSettings ipSettingsInUi() const;
     bool storeByBroadcast(const QByteArray& mac);
     void restartAfterBroadcast(const QString& mac);
-    void restartDevice(const QString& mac, ozlog::Format<QByteArray> lost, const QByteArray& device);
+    void restartDevice(const QString& mac, ozlog::Format<QByteArray> notFoundFormat,
+                       const QByteArray& device);
 
     // unicast
     bool unicastConfiguration(const QString& ipAddress);

@@ -44,7 +44,7 @@ advice::Adapter withSubnets(const CNetworkAdapter& adapter)
 
 /// A tool tip has to be asked for by the mouse, but a mistake is told while it is being made; right of the
 /// field, so that the others are still seen.
-void showBeside(QWidget& field)
+void showTipBeside(QWidget& field)
 {
     const QPoint offset(4, -16); // a tool tip stands this far below its point
     if (field.isVisible() && field.isActiveWindow()) {
@@ -107,11 +107,11 @@ void IpConfigurationWidget::showAdvice(const Tessal::COrvikGigEDeviceInfo* recor
     for (const auto& [field, sign] : m_adviceSigns) {
         const auto advice = adviceFor(field, all);
         QLineEdit& edit = sign->field();
-        const bool isNews = sign->tell(advice);
-        const bool isMeant = edit.hasFocus() || (advice && advice->kind == advice::Kind::LeftOverAddress);
-        if (isNews && isMeant && advice && isWarning(*advice)) {
-            showBeside(edit);
-        } else if (isNews && isMeant) {
+        const bool hasChanged = sign->tell(advice);
+        const bool isRelevant = edit.hasFocus() || (advice && advice->kind == advice::Kind::LeftOverAddress);
+        if (hasChanged && isRelevant && advice && isWarning(*advice)) {
+            showTipBeside(edit);
+        } else if (hasChanged && isRelevant) {
             QToolTip::hideText();
         }
     }

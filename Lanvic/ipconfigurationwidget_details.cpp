@@ -106,7 +106,7 @@ void IpConfigurationWidget::updateUiFromTreeItem(const QTreeWidgetItem* item)
         showDevice(item, *record);
         return;
     }
-    showNothing();
+    clearDetails();
     if (const CNetworkAdapter* const adapter = adapterOfItem(item)) {
         setSelectionInfoText(adapterDetails(*adapter));
         setHintText(m_pDeviceLister->m_devices.empty()
@@ -116,7 +116,7 @@ void IpConfigurationWidget::updateUiFromTreeItem(const QTreeWidgetItem* item)
     }
 }
 
-void IpConfigurationWidget::showNothing()
+void IpConfigurationWidget::clearDetails()
 {
     clearAddressFields();
     ui.btnUsePersistentIp->setChecked(false);

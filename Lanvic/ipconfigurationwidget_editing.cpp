@@ -59,7 +59,7 @@ bool IpConfigurationWidget::isValidConfigInUI() const
 }
 
 /// After an edit: Enter saves from now on, if what the editor holds can be saved.
-void IpConfigurationWidget::offerSaving()
+void IpConfigurationWidget::makeSaveDefault()
 {
     ui.btnWriteConfiguration->setDefault(true);
     updateUiState(nullptr);
@@ -95,7 +95,7 @@ void IpConfigurationWidget::enableWidgets(bool enable)
 }
 
 /// Understands "192.168.1.9/24": the length becomes the mask.
-void IpConfigurationWidget::takeMaskLength(QLineEdit* edit)
+void IpConfigurationWidget::applyMaskLength(QLineEdit* edit)
 {
     if (const auto parts = splitMaskLength(edit->text())) {
         edit->setText(parts->address);
@@ -120,15 +120,15 @@ void IpConfigurationWidget::ipConfigurationEdited()
         }
     }
     m_ipConfigModified = true;
-    offerSaving();
+    makeSaveDefault();
 }
 
 void IpConfigurationWidget::on_editIpAddress_textEdited()
 {
-    takeMaskLength(ui.editIpAddress);
+    applyMaskLength(ui.editIpAddress);
     m_ipAddressModified = true;
     m_ipAddressEditPending = true;
-    offerSaving();
+    makeSaveDefault();
 }
 
 void IpConfigurationWidget::on_editIpAddress_editingFinished()
@@ -152,7 +152,7 @@ void IpConfigurationWidget::on_editNetmask_textEdited()
 {
     m_netmaskModified = true;
     m_netmaskEditedByUser = true;
-    offerSaving();
+    makeSaveDefault();
 }
 
 void IpConfigurationWidget::on_editNetmask_editingFinished()
@@ -169,13 +169,13 @@ void IpConfigurationWidget::on_editNetmask_editingFinished()
     }
     // Where the validator refused the text, the field has normalised it before this and told nobody.
     if (!isNormalised || m_netmaskEditedByUser) {
-        offerSaving();
+        makeSaveDefault();
     }
 }
 
 /// Does what leaving the field does, for commands that come while it is being edited: a mask given as "24" is
 /// one that can be saved, and a name that was typed back is no change.
-void IpConfigurationWidget::finishField()
+void IpConfigurationWidget::commitFocusedField()
 {
     if (focusWidget() == ui.editNetmask && m_netmaskModified) {
         on_editNetmask_editingFinished();
@@ -188,16 +188,16 @@ void IpConfigurationWidget::finishField()
 
 void IpConfigurationWidget::on_editDefaultGateway_textEdited()
 {
-    takeMaskLength(ui.editDefaultGateway);
+    applyMaskLength(ui.editDefaultGateway);
     m_gatewayModified = true;
     m_gatewayEditedByUser = true;
-    offerSaving();
+    makeSaveDefault();
 }
 
 void IpConfigurationWidget::on_editCustomName_textEdited(const QString& /*text*/)
 {
     m_customNameModified = true;
-    offerSaving();
+    makeSaveDefault();
 }
 
 void IpConfigurationWidget::on_editCustomName_editingFinished()
@@ -210,7 +210,7 @@ void IpConfigurationWidget::on_editCustomName_editingFinished()
 }
 
 /// Shows the camera's own values again.
-void IpConfigurationWidget::takeEditsBack()
+void IpConfigurationWidget::discardEdits()
 {
     updateUiFromTreeItem(getSelectedTreeItem());
     clearDirtyFlags();
@@ -223,7 +223,7 @@ void IpConfigurationWidget::keyPressEvent(QKeyEvent* event)
     if (event->key() == Qt::Key_Escape && event->modifiers() == Qt::NoModifier && !isBusy() &&
         ui.frameConfig->isAncestorOf(focusWidget())) {
         if (!event->isAutoRepeat()) { // a key held down may have been pressed for a message before
-            takeEditsBack();
+            discardEdits();
         }
         return;
     }

@@ -212,7 +212,7 @@ bool IpConfigurationWidget::forceIpForConnection(QString& address, const ForceIp
 void IpConfigurationWidget::on_assignTemporaryIPAddress()
 {
     const Tessal::COrvikGigEDeviceInfo* info = GetSelectedDeviceInfo();
-    if (info == nullptr || isBusy() || !savePendingChangesBeforeForceIp(*info)) {
+    if (info == nullptr || isBusy() || !savePendingBeforeForceIp(*info)) {
         return;
     }
     const GenICam::gcstring mac = info->GetMacAddress();
@@ -224,7 +224,7 @@ void IpConfigurationWidget::on_assignTemporaryIPAddress()
         QString newIpAddress;
         forceIp(headerText, false, &newIpAddress);
         updateTreeRowFromDeviceInfoByMac(fromAscii(mac));
-        takeEditsBack();
+        discardEdits();
     } catch (const std::exception& exception) {
         qDebug("error forcing IP (err='%s')", exception.what());
     }

@@ -15,32 +15,32 @@ bool IpConfigurationWidget::checkSaveChanges() const
                                  QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes;
 }
 
-void IpConfigurationWidget::saveChangesOfLeftRow(QTreeWidgetItem* left)
+void IpConfigurationWidget::savePreviousRow(QTreeWidgetItem* previous)
 {
-    if (left == nullptr || left->data(0, ItemKindRole).toInt() != DeviceItem || !isValidConfigInUI() ||
-        !checkSaveChanges()) {
+    if (previous == nullptr || previous->data(0, ItemKindRole).toInt() != DeviceItem ||
+        !isValidConfigInUI() || !checkSaveChanges()) {
         return;
     }
-    const Tessal::COrvikGigEDeviceInfo* const record = deviceOfItem(left);
+    const Tessal::COrvikGigEDeviceInfo* const record = deviceOfItem(previous);
     if (record == nullptr) {
         return;
     }
     const QString mac = fromAscii(record->GetMacAddress());
     // A temporary address on the way goes to the selected camera, so that has to be the one that is saved.
-    QTreeWidgetItem* const entered = ui.treeWidget->currentItem();
-    ui.treeWidget->setCurrentItem(left);
-    const bool saved = writeAndListName(*record);
-    ui.treeWidget->setCurrentItem(entered);
+    QTreeWidgetItem* const current = ui.treeWidget->currentItem();
+    ui.treeWidget->setCurrentItem(previous);
+    const bool saved = writeAndUpdateName(*record);
+    ui.treeWidget->setCurrentItem(current);
     if (!saved) {
-        showNotSaved();
+        showSaveFailure();
     }
     updateTreeRowFromDeviceInfoByMac(mac);
 }
 
 /// Returns false when the user wanted the changes saved and that failed; they are still pending then.
-bool IpConfigurationWidget::savePendingChanges()
+bool IpConfigurationWidget::savePendingBeforeRefresh()
 {
-    finishField();
+    commitFocusedField();
     const Tessal::COrvikGigEDeviceInfo* const record = GetSelectedDeviceInfo();
     if (record == nullptr || !hasUnsavedChanges() || !checkSaveChanges()) {
         clearDirtyFlags();
@@ -58,25 +58,25 @@ bool IpConfigurationWidget::savePendingChanges()
 
 /// Offers to save what is being edited, since the editor is drawn anew from the record afterwards. Returns
 /// false when the user wanted that and it failed; the edits are still there then.
-bool IpConfigurationWidget::savePendingChangesBeforeForceIp(const Tessal::COrvikGigEDeviceInfo& record)
+bool IpConfigurationWidget::savePendingBeforeForceIp(const Tessal::COrvikGigEDeviceInfo& record)
 {
-    finishField();
+    commitFocusedField();
     if (!checkSaveChanges()) {
         return true;
     }
-    const bool saved = writeAndListName(record);
+    const bool saved = writeAndUpdateName(record);
     updateTreeRowFromDeviceInfoByMac(fromAscii(record.GetMacAddress()));
     if (saved) {
         confirmSave();
     } else {
-        showNotSaved();
+        showSaveFailure();
     }
     return saved;
 }
 
-bool IpConfigurationWidget::saveChangesBeforeClosing()
+bool IpConfigurationWidget::savePendingBeforeClosing()
 {
-    finishField();
+    commitFocusedField();
     if (!checkSaveChanges()) {
         return true;
     }
@@ -103,7 +103,7 @@ bool IpConfigurationWidget::saveChangesBeforeClosing()
 
 /// For a save that no search follows which would tell the camera's new name: the next save sends the name
 /// that the editor then shows.
-bool IpConfigurationWidget::writeAndListName(const Tessal::COrvikGigEDeviceInfo& record)
+bool IpConfigurationWidget::writeAndUpdateName(const Tessal::COrvikGigEDeviceInfo& record)
 {
     const bool renames = m_customNameModified; // which the write clears
     const QByteArray name = ui.editCustomName->text().trimmed().toUtf8();

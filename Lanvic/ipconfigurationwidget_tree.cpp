@@ -49,13 +49,13 @@ private:
 };
 
 /// Counts itself in while it lives.
-class Nesting
+class ReentrancyGuard
 {
 public:
-    explicit Nesting(int& depth) : m_depth(depth) { ++m_depth; }
-    Nesting(const Nesting&) = delete;
-    Nesting& operator=(const Nesting&) = delete;
-    ~Nesting() { --m_depth; }
+    explicit ReentrancyGuard(int& depth) : m_depth(depth) { ++m_depth; }
+    ReentrancyGuard(const ReentrancyGuard&) = delete;
+    ReentrancyGuard& operator=(const ReentrancyGuard&) = delete;
+    ~ReentrancyGuard() { --m_depth; }
 
 private:
     int& m_depth;
@@ -106,7 +106,7 @@ void IpConfigurationWidget::on_btnRefresh_clicked()
 void IpConfigurationWidget::doRefresh()
 {
     RememberedRow remembered = rememberSelectedRow();
-    if (!savePendingChanges()) {
+    if (!savePendingBeforeRefresh()) {
         return;
     }
     QWidget* const focused = focusWidget();
@@ -244,18 +244,18 @@ void IpConfigurationWidget::on_treeWidget_currentItemChanged(QTreeWidgetItem* cu
     if (current != nullptr && current == previous) {
         return;
     }
-    const Nesting nesting(depth);
+    const ReentrancyGuard nesting(depth);
     if (depth > 1) {
         return;
     }
-    const bool isConfirmedElsewhere = m_isSaveUnconfirmed; // a refresh confirms its save when it is over
-    saveChangesOfLeftRow(previous);
+    const bool isConfirmedByRefresh = m_isSaveUnconfirmed; // a refresh confirms its save when it is over
+    savePreviousRow(previous);
     clearDirtyFlags();
     stopEditing();
     closeDevice();
     updateUiFromTreeItem(current);
     updateUiState(current);
-    if (!isConfirmedElsewhere) {
+    if (!isConfirmedByRefresh) {
         confirmSave();
     }
 }
@@ -271,7 +271,7 @@ void IpConfigurationWidget::keepCurrentRowSelected()
         selected.removeOne(current);
         selected.first()->setSelected(false);
         if (!isBusy()) {
-            finishField();
+            commitFocusedField();
             ui.treeWidget->setCurrentItem(selected.first());
         }
     }

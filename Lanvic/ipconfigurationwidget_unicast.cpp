@@ -60,7 +60,7 @@ bool writeAddressingMode(Tessal::ITessalGigEDevice& device, const AddressingMode
     return true;
 }
 
-void traceOpened(const Tessal::COrvikGigEDeviceInfo& record, const QByteArray& oldIp)
+void logOpened(const Tessal::COrvikGigEDeviceInfo& record, const QByteArray& oldIp)
 {
     LogTrace(GetIPConfigBaseCatID(), LogLevel::Info,
              "Successfully opened device with old IP=%hs; Netmask=%hs; Gateway=%hs; IPConfig='%hs' to change "
@@ -71,23 +71,23 @@ void traceOpened(const Tessal::COrvikGigEDeviceInfo& record, const QByteArray& o
 
 /// Addresses change hands, and the row that is saved may be older than that. Without a MAC address on either
 /// side nobody can tell.
-bool isAnotherCamera(const Tessal::COrvikGigEDeviceInfo& opened, const QString& wantedMac)
+bool isAnotherCamera(const Tessal::COrvikGigEDeviceInfo& opened, const QString& expectedMac)
 {
     const QString mac = fromAscii(opened.GetMacAddress());
-    return !mac.isEmpty() && !wantedMac.isEmpty() && mac.compare(wantedMac, Qt::CaseInsensitive) != 0;
+    return !mac.isEmpty() && !expectedMac.isEmpty() && mac.compare(expectedMac, Qt::CaseInsensitive) != 0;
 }
 
 Tessal::FailureOf<GenICam::RuntimeException> anotherCameraAnswers(const Tessal::COrvikGigEDeviceInfo& opened,
-                                                                  const QString& wantedMac)
+                                                                  const QString& expectedMac)
 {
     const GenICam::gcstring address = opened.GetIpAddress();
     const GenICam::gcstring mac = opened.GetMacAddress();
     return {GenICam::ExceptionReporter<GenICam::RuntimeException>(__FILE__, __LINE__, "RuntimeException")
                 .Report("The camera with MAC %s was expected at %s, where the one with MAC %s answers",
-                        wantedMac.toLatin1().constData(), address.c_str(), mac.c_str()),
+                        expectedMac.toLatin1().constData(), address.c_str(), mac.c_str()),
             {.kind = Tessal::FailureKind::AnotherCameraAnswers,
              .address = address.c_str(),
-             .mac = wantedMac.toStdString(),
+             .mac = expectedMac.toStdString(),
              .other = mac.c_str()}};
 }
 
@@ -97,7 +97,7 @@ bool IpConfigurationWidget::unicastConfiguration(const QString& ipAddress)
 {
     const QByteArray oldIp = ipAddress.toLatin1();
     const Tessal::COrvikGigEDeviceInfo* const selected = GetSelectedDeviceInfo();
-    const QString wanted = selected != nullptr ? fromAscii(selected->GetMacAddress()) : QString();
+    const QString expectedMac = selected != nullptr ? fromAscii(selected->GetMacAddress()) : QString();
     return showFailure("unicastConfiguration", [&] {
         LogTrace(GetIPConfigBaseCatID(), LogLevel::Info,
                  "Trying open device with old IP=%hs to change IP configuration via unicast.", oldIp);
@@ -108,11 +108,11 @@ bool IpConfigurationWidget::unicastConfiguration(const QString& ipAddress)
             return false;
         }
         const Tessal::COrvikGigEDeviceInfo record(m_pDevice->GetDeviceInfo());
-        if (isAnotherCamera(record, wanted)) {
+        if (isAnotherCamera(record, expectedMac)) {
             closeDevice();
-            throw anotherCameraAnswers(record, wanted);
+            throw anotherCameraAnswers(record, expectedMac);
         }
-        traceOpened(record, oldIp);
+        logOpened(record, oldIp);
         const WaitCursor cursor;
         if (!writeEditedSettings(record, oldIp)) {
             return false;

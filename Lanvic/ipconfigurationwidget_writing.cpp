@@ -24,12 +24,12 @@ using ozlog::LogTrace;
 
 namespace {
 
-constexpr unsigned int secondsBetweenSearches = 2;         // a signal may shorten one of them
-constexpr int maxSearches = 30;                            // so a camera has a good minute to come back
-constexpr std::chrono::milliseconds usualSearchStep{2500}; // the sleep and half a second for the search
+constexpr unsigned int secondsBetweenSearches = 2;            // a signal may shorten one of them
+constexpr int maxSearches = 30;                               // so a camera has a good minute to come back
+constexpr std::chrono::milliseconds expectedSearchTime{2500}; // the sleep and half a second for the search
 
 /// Tells the log what is about to be sent; false when the editor asks for no mode at all.
-bool traceBroadcast(const QByteArray& mac, const AddressingMode& mode, const IpSettings& settings)
+bool logBroadcast(const QByteArray& mac, const AddressingMode& mode, const IpSettings& settings)
 {
     const unsigned long category = GetIPConfigBaseCatID();
     if (mode.persistentIp) {
@@ -96,7 +96,7 @@ bool IpConfigurationWidget::saveSelectedCamera()
         doRefresh();
         confirmSave();
     } else {
-        showNotSaved();
+        showSaveFailure();
     }
     if (buttonHadFocus && !ui.btnWriteConfiguration->isEnabled()) {
         ui.treeWidget->setFocus(Qt::TabFocusReason);
@@ -104,7 +104,7 @@ bool IpConfigurationWidget::saveSelectedCamera()
     return isSaved;
 }
 
-void IpConfigurationWidget::showNotSaved()
+void IpConfigurationWidget::showSaveFailure()
 {
     QMessageBox::critical(this, windowTitle(), tr("The configuration could not be saved."),
                           QMessageBox::Close, QMessageBox::Close);
@@ -115,7 +115,7 @@ bool IpConfigurationWidget::writeConfiguration(const Tessal::COrvikGigEDeviceInf
     m_sent = {};
     try {
         if (broadcastConfiguration(fromAscii(deviceInfo.GetMacAddress()))) {
-            noteSaved(deviceInfo);
+            recordSave(deviceInfo);
             return true;
         }
     } catch (const std::exception& exception) {
@@ -125,7 +125,7 @@ bool IpConfigurationWidget::writeConfiguration(const Tessal::COrvikGigEDeviceInf
     try {
         // Read only now: an accepted broadcast has put the camera's new address into the record.
         if (unicastConfiguration(fromAscii(deviceInfo.GetIpAddress()))) {
-            noteSaved(deviceInfo);
+            recordSave(deviceInfo);
             return true;
         }
         return false;
@@ -135,7 +135,7 @@ bool IpConfigurationWidget::writeConfiguration(const Tessal::COrvikGigEDeviceInf
     }
 }
 
-void IpConfigurationWidget::noteSaved(const Tessal::COrvikGigEDeviceInfo& deviceInfo)
+void IpConfigurationWidget::recordSave(const Tessal::COrvikGigEDeviceInfo& deviceInfo)
 {
     m_isSaveUnconfirmed = true;
     m_temporaryAddresses.remove(fromAscii(deviceInfo.GetMacAddress())); // the camera has restarted
@@ -188,7 +188,7 @@ bool IpConfigurationWidget::storeByBroadcast(const QByteArray& mac)
     const IpSettings settings = ipSettingsInUi();
     const QByteArray userDefinedName = ui.editCustomName->text().trimmed().toUtf8();
     const AddressingMode mode = addressingModeInUi();
-    if (!traceBroadcast(mac, mode, settings)) {
+    if (!logBroadcast(mac, mode, settings)) {
         return false;
     }
     if (!sendBroadcast(mac, mode, settings, userDefinedName)) {
@@ -222,13 +222,13 @@ void IpConfigurationWidget::restartAfterBroadcast(const QString& mac)
 }
 
 /// Makes the camera take up what it has stored and waits for it. When it does not come back, writes the trace
-/// line `lost`, with `device` in it, and throws GenICam::RuntimeException.
-void IpConfigurationWidget::restartDevice(const QString& mac, ozlog::Format<QByteArray> lost,
+/// line `notFoundFormat`, with `device` in it, and throws GenICam::RuntimeException.
+void IpConfigurationWidget::restartDevice(const QString& mac, ozlog::Format<QByteArray> notFoundFormat,
                                           const QByteArray& device)
 {
     DeviceLister::s_pTl->RestartIpConfig(mac.toLatin1().constData());
     if (!waitForDevice(mac)) {
-        LogTrace(GetIPConfigBaseCatID(), LogLevel::Warning, lost, device);
+        LogTrace(GetIPConfigBaseCatID(), LogLevel::Warning, notFoundFormat, device);
         throw Translated(
             GenICam::ExceptionReporter<GenICam::RuntimeException>(__FILE__, __LINE__, "RuntimeException")
                 .Report("Failed to discover reconfigured device"),
@@ -243,10 +243,10 @@ bool IpConfigurationWidget::waitForDevice(const QString& mac)
                        "Waiting until the device has been discovered again..."),
                     this);
     waitBox.showWaitCursor();
-    WaitBox::settle();
+    WaitBox::repaintUncovered();
     return showFailure("waitForDevice", [&] {
         for (int search = 0; search < maxSearches; ++search) {
-            waitBox.showProgress(search, maxSearches, usualSearchStep);
+            waitBox.showProgress(search, maxSearches, expectedSearchTime);
             ::sleep(secondsBetweenSearches); // NOLINT(concurrency-mt-unsafe): there is one thread
             lister.discoverAllDevices();
             const Tessal::COrvikGigEDeviceInfo* const found = findByMac(lister.m_devices, mac);

@@ -25,7 +25,7 @@ void install(QCoreApplication& application, const QString& file)
 
 } // namespace
 
-QString spokenLanguage(const QStringList& wanted)
+QString selectLanguage(const QStringList& wanted)
 {
     for (const QString& name : wanted) {
         const QLocale locale(name);
@@ -43,7 +43,7 @@ QString spokenLanguage(const QStringList& wanted)
 
 void installTranslations(QCoreApplication& application)
 {
-    const QString language = spokenLanguage(QLocale::system().uiLanguages());
+    const QString language = selectLanguage(QLocale::system().uiLanguages());
     if (language == sourceLanguage) {
         return;
     }

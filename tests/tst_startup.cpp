@@ -139,10 +139,10 @@ private slots:
 
     void theFirstLanguageThatItKnowsIsSpoken()
     {
-        QCOMPARE(spokenLanguage({"fr-FR", "fr", "de-DE"}), "de");
-        QCOMPARE(spokenLanguage({"en-GB", "en", "de-DE"}), "en");
-        QCOMPARE(spokenLanguage({"C", "de-DE"}), "en");
-        QCOMPARE(spokenLanguage({"fr-FR", "fr"}), "en");
+        QCOMPARE(selectLanguage({"fr-FR", "fr", "de-DE"}), "de");
+        QCOMPARE(selectLanguage({"en-GB", "en", "de-DE"}), "en");
+        QCOMPARE(selectLanguage({"C", "de-DE"}), "en");
+        QCOMPARE(selectLanguage({"fr-FR", "fr"}), "en");
     }
 
     void everyTextOfTheProgramIsTranslatedAndNoOther()

@@ -6,7 +6,7 @@
 /// has to explain. Leaves the place of the picture free in a first column without one, so that its text
 /// stands below those that have one, and puts a sign behind the text of an adapter that has something to
 /// explain.
-class ElidedTexts : public QStyledItemDelegate
+class ElidedTextDelegate : public QStyledItemDelegate
 {
     Q_OBJECT
 

@@ -1,4 +1,4 @@
-#include "elidedtexts.h"
+#include "elidedtextdelegate.h"
 
 #include <QAbstractItemView>
 #include <QApplication>
@@ -6,8 +6,8 @@
 #include <QStyle>
 #include <QToolTip>
 
-bool ElidedTexts::helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
-                            const QModelIndex& index)
+bool ElidedTextDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view,
+                                   const QStyleOptionViewItem& option, const QModelIndex& index)
 {
     const QRect cell = view->visualRect(index);
     if (event->type() != QEvent::ToolTip || sizeHint(option, index).width() <= cell.width()) {
@@ -22,7 +22,8 @@ bool ElidedTexts::helpEvent(QHelpEvent* event, QAbstractItemView* view, const QS
     return true;
 }
 
-void ElidedTexts::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const
+void ElidedTextDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                               const QModelIndex& index) const
 {
     QStyledItemDelegate::paint(painter, option, index);
     if (index.parent().isValid() || index.column() != 0 || index.data(Qt::ToolTipRole).toString().isEmpty()) {
@@ -36,7 +37,7 @@ void ElidedTexts::paint(QPainter* painter, const QStyleOptionViewItem& option, c
     style.standardIcon(QStyle::SP_MessageBoxWarning, &option, option.widget).paint(painter, place);
 }
 
-void ElidedTexts::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const
+void ElidedTextDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const
 {
     QStyledItemDelegate::initStyleOption(option, index);
     if (index.column() == 0) {
