@@ -23,8 +23,8 @@ namespace {
 
 constexpr char partSeparator[] = ";";
 
-/// Different records, and where those of each MAC address are among them: only these are compared with one
-/// another, so that a thousand cameras cost no more than a thousand look-ups.
+/// Distinct records and the positions of those with the same MAC address. Only these are compared with each
+/// other, so that a thousand cameras need only a thousand look-ups.
 struct UniqueRecords
 {
     DeviceInfoList records;

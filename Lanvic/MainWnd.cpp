@@ -20,8 +20,9 @@
 
 namespace {
 
-/// Whether enough of a window there would be seen to get hold of it. The rectangle is moved up and left by
-/// about the size of its borders, so that a window of which only the lower right border shows does not count.
+/// Whether enough of a window at that place would be visible for the user to drag it. The rectangle is
+/// moved up and left by about the size of the borders, because a window cannot be dragged by its lower right
+/// border.
 bool isOnSomeScreen(const QRect& window)
 {
     const QRect visible = window.adjusted(-8, -16, -8, -8);

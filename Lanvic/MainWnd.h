@@ -27,5 +27,5 @@ private:
     void restoreGeometryFromSettings();
 
     Ui_MainWnd ui{};
-    IpConfigurationWidget* m_pConfigWidget = nullptr; // the central widget, owned as a child
+    IpConfigurationWidget* m_pConfigWidget = nullptr; // The central widget, owned as a child.
 };

@@ -4,11 +4,11 @@
 #include <QNetworkInterface>
 #include <QString>
 
-/// What an adapter must be for a camera to be heard through it.
+/// Flags of an adapter that can receive from cameras.
 inline constexpr QNetworkInterface::InterfaceFlags LiveAdapter =
     QNetworkInterface::IsUp | QNetworkInterface::IsRunning;
 
-/// A host network adapter as it was when it was listed, with its name and hardware address kept beside it.
+/// A network adapter of the host in its state when it was listed, with its name and hardware address.
 class CNetworkAdapter : public QNetworkInterface
 {
 public:
@@ -20,11 +20,11 @@ public:
     allNetworkAdapters(QNetworkInterface::InterfaceFlags requiredFlags,
                        QNetworkInterface::InterfaceFlags excludedFlags);
 
-    /// The first adapter in the list that owns `address`, or null. Holds until the list is changed or
+    /// The first adapter in the list that owns `address`, or null. Valid until the list is changed or
     /// detaches.
     [[nodiscard]] static const CNetworkAdapter* findByIpAddress(const QList<CNetworkAdapter>& adapters,
                                                                 const QHostAddress& address);
 
-    QString m_name;            // as the operating system shows it, "eth0"
-    QString m_hardwareAddress; // as "02:00:00:00:01:05"
+    QString m_name;            // As the operating system shows it, "eth0".
+    QString m_hardwareAddress; // As "02:00:00:00:01:05".
 };

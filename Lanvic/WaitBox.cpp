@@ -15,7 +15,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr int messageMargin = 12; // pixels
+constexpr int messageMargin = 12; // Pixels.
 constexpr auto repaintTime = 30ms;
 
 struct Texts
@@ -23,13 +23,13 @@ struct Texts
     Q_DECLARE_TR_FUNCTIONS(WaitBox)
 };
 
-/// Whole seconds, rounded up to a multiple of five: an estimate that does not flicker.
+/// Whole seconds, rounded up to a multiple of five, so that the estimate does not flicker.
 qint64 roundedSeconds(std::chrono::milliseconds time)
 {
     return (time + 5s - 1ms) / 5s * 5;
 }
 
-/// The part of the owner that the tree's rows take up; all of it when there is no tree.
+/// The part of the owner that shows the rows of the tree; all of it if there is no tree.
 QRect messageArea(const QWidget& owner)
 {
     const auto* tree = owner.findChild<QTreeWidget*>();
@@ -113,8 +113,8 @@ void WaitBox::showMessage()
 
 void WaitBox::repaintUncovered()
 {
-    // A dialog that has just closed leaves its picture behind until the window system has asked for what was
-    // under it, and the sleep that follows answers nothing.
+    // A dialog that has just closed stays visible until the window system requests a repaint of the area
+    // below it, and no request is answered during the sleep that follows.
     QEventLoop loop;
     QTimer::singleShot(repaintTime, &loop, &QEventLoop::quit);
     loop.exec(QEventLoop::ExcludeUserInputEvents);

@@ -8,7 +8,7 @@
 
 #include <chrono>
 
-/// Sets the wait cursor for as long as it lives.
+/// Sets the wait cursor during its lifetime.
 class WaitCursor
 {
 public:
@@ -18,14 +18,13 @@ public:
     ~WaitCursor();
 };
 
-/// Whether a command is waiting for a camera, or asking the user. Commands ask this before they begin: those
-/// that come from a screen reader or a desktop's global menu get through where the user's own keys and clicks
-/// are held back.
+/// Whether a command is waiting for a camera or for the user. Every command checks this first: commands from
+/// a screen reader or a desktop's global menu arrive even while keys and clicks are held back.
 [[nodiscard]] bool isBusy();
 
-/// Holds the wait cursor for one long operation that may have to give it back in between, and shows the
-/// operation's message over the owner's tree while it does. The destructor restores exactly the cursors that
-/// are still set, so boxes can nest. Lives on the stack of the operation.
+/// Holds the wait cursor for one long operation, which may restore it in between, and shows the operation's
+/// message over the owner's tree as long as the cursor is set. The destructor restores exactly the cursors
+/// that are still set, so boxes can nest. Lives on the stack of the operation.
 class WaitBox : public QObject
 {
 public:
@@ -35,14 +34,14 @@ public:
     WaitBox& operator=(const WaitBox&) = delete;
     ~WaitBox() override;
 
-    /// Sets the cursor once more and paints the message before it returns, since what follows blocks.
+    /// Sets the cursor once more and paints the message before it returns, because the operation blocks.
     void showWaitCursor();
     /// Lets the window system repaint what a closed dialog covered, without user input.
     static void repaintUncovered();
-    /// Says below the message how long the wait has taken and how long it takes at most, and paints that.
-    /// `done` of `total` steps are over; `expectedStep` is what one takes as long as none is.
+    /// Shows below the message how long the wait has taken and how long it takes at most. `done` of `total`
+    /// steps are complete; `expectedStep` is the estimate for one step until the first is.
     void showProgress(int done, int total, std::chrono::milliseconds expectedStep);
-    /// Takes back one cursor that this box has set, and with the last one the message.
+    /// Restores one cursor that this box has set; the last one also hides the message.
     void restoreCursor();
 
 private:
@@ -50,8 +49,8 @@ private:
     void placeMessage();
 
     QString m_text;
-    int m_cursorCount = 0; // set and not yet restored
+    int m_cursorCount = 0; // Set and not yet restored.
     QWidget* m_pOwner;
-    QPointer<QLabel> m_label; // child of the owner
-    QElapsedTimer m_elapsed;  // since the message was shown
+    QPointer<QLabel> m_label; // Child of the owner.
+    QElapsedTimer m_elapsed;  // Since the message was shown.
 };

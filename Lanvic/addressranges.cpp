@@ -2,9 +2,9 @@
 
 namespace {
 
-constexpr quint32 linkLocalNetwork = 0xA9FE0000; // 169.254.0.0
-constexpr quint32 firstLinkLocal = 0xA9FE0100;   // 169.254.1.0; 256 addresses at either end are reserved
-constexpr quint32 lastLinkLocal = 0xA9FEFEFF;    // 169.254.254.255
+constexpr quint32 linkLocalNetwork = 0xA9FE0000; // 169.254.0.0.
+constexpr quint32 firstLinkLocal = 0xA9FE0100;   // 169.254.1.0; 256 addresses at either end are reserved.
+constexpr quint32 lastLinkLocal = 0xA9FEFEFF;    // 169.254.254.255.
 
 } // namespace
 

@@ -14,8 +14,8 @@ namespace {
 
 int runEventLoop(int argc, char** argv)
 {
-    // Qt takes every slot that is named on_object_signal for one to connect by name and would complain on
-    // each start of the one that is connected by hand.
+    // Qt connects slots named on_<object>_<signal> by name and would warn at every start about the one that
+    // is connected explicitly.
     QLoggingCategory::setFilterRules(QStringLiteral("qt.core.qmetaobject.connectslotsbyname.warning=false"));
     QApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("Tessal Lanvic"));
@@ -40,7 +40,7 @@ int runEventLoop(int argc, char** argv)
 int runApplication(int argc, char** argv)
 {
     Tessal::TessalInitialize();
-    // The SDK outlives the application object and every window, because they hold what it made.
+    // The SDK outlives the application object and every window, because they hold objects of the SDK.
     const int exitCode = runEventLoop(argc, argv);
     Tessal::TessalTerminate(true);
     return exitCode;

@@ -54,7 +54,7 @@ QString deviationsFrom(const SentConfiguration& sent, const Tessal::COrvikGigEDe
     if (sent.settings && isStatic) {
         const auto compare = [&](const QString& what, const QByteArray& asked,
                                  const GenICam::gcstring& seen) {
-            // As addresses, since what was typed may have leading zeros.
+            // Compared as addresses, because the user may have typed leading zeros.
             if (addressFromText(QString::fromLatin1(asked)) != addressFromText(fromAscii(seen))) {
                 deviations.compare(what, QString::fromLatin1(asked), fromAscii(seen));
             }

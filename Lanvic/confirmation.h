@@ -8,15 +8,15 @@
 
 #include <optional>
 
-/// What a save has sent to a camera, as far as it sent it.
+/// What a save has sent to a camera; empty where it sent nothing.
 struct SentConfiguration
 {
     std::optional<AddressingMode> mode;
-    std::optional<IpSettings> settings; // take effect in static mode
+    std::optional<IpSettings> settings; // Take effect in static mode.
     std::optional<QString> name;
 };
 
-/// What the camera reports otherwise than it was sent, a translated line for each value; empty if it reports
-/// all of it. Only discovery tells whether a camera obeyed: an acknowledged write may be forgotten.
+/// The values that the camera does not report as they were sent, a translated line for each; empty if there
+/// are none. Only a discovery shows what a camera has stored: an acknowledged write may be lost.
 [[nodiscard]] QString deviationsFrom(const SentConfiguration& sent,
                                      const Tessal::COrvikGigEDeviceInfo& reported);

@@ -4,14 +4,14 @@
 
 #include <QByteArray>
 
-/// The addressing mode that the editor asks for. None is set when no mode button is usable.
+/// The addressing mode that is selected in the editor. None is set while the mode buttons are disabled.
 struct AddressingMode
 {
     bool persistentIp = false;
     bool dhcp = false;
     bool autoIp = false;
 
-    /// The mode as IpConfig bits for a record. `linkLocal` tells whether Auto IP is to be among them.
+    /// The mode as IpConfig bits for a record. `linkLocal` says whether they include Auto IP.
     [[nodiscard]] QByteArray asIpConfig(bool linkLocal) const
     {
         return QByteArray::number((persistentIp ? Tessal::IpConfig::Persistent : 0U) |
@@ -20,8 +20,8 @@ struct AddressingMode
     }
 };
 
-/// What the editor, or the dialog for a temporary address, holds: three addresses in the form that the camera
-/// libraries take: ASCII, an empty one as 0.0.0.0.
+/// The addresses in the editor or in the dialog for a temporary address, in the form that the camera SDK
+/// takes: ASCII, and 0.0.0.0 for an empty field.
 struct IpSettings
 {
     QByteArray ipAddress;

@@ -13,7 +13,7 @@ bool ElidedTextDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view,
     if (event->type() != QEvent::ToolTip || sizeHint(option, index).width() <= cell.width()) {
         return QStyledItemDelegate::helpEvent(event, view, option, index);
     }
-    // Tool tips take a text that looks so for markup.
+    // A tool tip would take a text that looks like markup for markup.
     QString text = index.data(Qt::DisplayRole).toString().toHtmlEscaped();
     if (const QString explanation = index.data(Qt::ToolTipRole).toString(); !explanation.isEmpty()) {
         text += QStringLiteral("<br>%1").arg(explanation);
@@ -41,6 +41,6 @@ void ElidedTextDelegate::initStyleOption(QStyleOptionViewItem* option, const QMo
 {
     QStyledItemDelegate::initStyleOption(option, index);
     if (index.column() == 0) {
-        option->features |= QStyleOptionViewItem::HasDecoration; // as wide as the view's icons
+        option->features |= QStyleOptionViewItem::HasDecoration; // As wide as the view's icons.
     }
 }

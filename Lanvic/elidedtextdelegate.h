@@ -2,10 +2,9 @@
 
 #include <QStyledItemDelegate>
 
-/// Draws the cells of the tree. Tells in a tool tip what a cell has no room for, above what the item itself
-/// has to explain. Leaves the place of the picture free in a first column without one, so that its text
-/// stands below those that have one, and puts a sign behind the text of an adapter that has something to
-/// explain.
+/// Draws the cells of the tree. The tool tip of a cell shows the text that is too long for it, above the
+/// item's own explanation. A first column without an icon keeps the space for one, so that the texts line up,
+/// and an adapter that has an explanation gets a warning sign after its name.
 class ElidedTextDelegate : public QStyledItemDelegate
 {
     Q_OBJECT

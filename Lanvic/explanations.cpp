@@ -18,7 +18,7 @@ struct Texts
     Q_DECLARE_TR_FUNCTIONS(Explanations)
 };
 
-/// Empty if the record lacks the property.
+/// Returns an empty text if the record lacks the property.
 QString property(const Tessal::COrvikGigEDeviceInfo& record, const char* key)
 {
     GenICam::gcstring value;
@@ -88,7 +88,7 @@ QString explainCode(const Tessal::COrvikGigEDeviceInfo& record, const CNetworkAd
 
 QString explainObstacle(const Tessal::AdapterObstacle& obstacle)
 {
-    // Not QString::arg(), which warns of values that a sentence does not take.
+    // Not QString::arg(), which warns if the sentence has no place for a value.
     return QCoreApplication::translate("Obstacles", Tessal::obstacleSentence(obstacle.kind))
         .replace(QLatin1String("%1"), QString::fromLocal8Bit(obstacle.adapter.c_str()))
         .replace(QLatin1String("%2"), QString::fromLocal8Bit(obstacle.other.c_str()))

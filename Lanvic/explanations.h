@@ -7,11 +7,11 @@
 
 class CNetworkAdapter;
 
-/// Sentences that tell what a word or a missing row means here and now, in the user's language and as plain
-/// text.
+/// Sentences that explain the status of a camera or why cameras may be missing from the tree, in the user's
+/// language and as plain text.
 
 [[nodiscard]] QString explainObstacle(const Tessal::AdapterObstacle& obstacle);
 
-/// What the status of this camera means. `adapter` is the one above its row, or null.
+/// What the status of the camera means. `adapter` is the one above its row, or null.
 [[nodiscard]] QString explainStatus(const Tessal::COrvikGigEDeviceInfo& record,
                                     const CNetworkAdapter* adapter);

@@ -4,11 +4,11 @@
 
 #include <functional>
 
-/// Runs a user's operation and shows in a message box what it throws. `operation` is its name in the code;
-/// `text` is for the user, above what is known of the exception. Returns the result of the operation, false
-/// when it threw.
+/// Runs a step and shows in a message box what it throws. `operation` is the name of the operation in the
+/// code; `text` appears above the description of the exception. Returns the result of the step, or false if
+/// it threw.
 bool showFailure(const char* operation, const std::function<bool()>& step, const QString& text = {});
 
-/// Runs a step of cleaning up, whose failure must not end the operation: the headline and what happened go to
-/// the debug output as warnings.
+/// Runs a clean-up step, whose failure must not end the operation: the headline and the exception go to the
+/// debug output as warnings.
 void logFailure(const char* headline, const char* operation, const std::function<void()>& step);

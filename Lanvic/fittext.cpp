@@ -12,13 +12,13 @@ namespace {
 constexpr qreal minScale = 0.6;
 constexpr qreal scaleStep = 0.95;
 
-/// Whether the label shows its text within that width and its own greatest height, each word in one piece.
+/// Whether the whole text fits within that width and the maximum height of the label, with no word broken.
 bool isFullyVisible(const QLabel& label, int width)
 {
     return label.minimumSizeHint().width() <= width && label.heightForWidth(width) <= label.maximumHeight();
 }
 
-/// Fits the text of a label, which owns it, again with each new width.
+/// Fits the text of a label again whenever its width changes. Owned by the label.
 class TextFitter : public QObject
 {
     Q_OBJECT
@@ -28,7 +28,7 @@ public:
 
     void fit()
     {
-        m_label.setFont(QFont()); // the parent's again
+        m_label.setFont(QFont()); // The parent's font again.
         m_width = m_label.width();
         const bool fits = shrinkFont(m_label, [this] { return isFullyVisible(m_label, m_width); });
         if (!fits) {
@@ -55,7 +55,7 @@ protected:
     }
 
 private:
-    /// Covers the label with the same text in a view that scrolls.
+    /// Covers the label with a scrolling view of the same text.
     void showScrollView()
     {
         if (m_scrollView == nullptr) {
@@ -75,7 +75,7 @@ private:
     }
 
     QLabel& m_label;
-    QTextBrowser* m_scrollView = nullptr; // the label's, once it was needed
+    QTextBrowser* m_scrollView = nullptr; // Created when first needed; owned by the label.
     int m_width = 0;
 };
 

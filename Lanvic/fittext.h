@@ -7,13 +7,13 @@
 class QLabel;
 class QWidget;
 
-// The window has places of fixed size for texts whose size the user's font and language decide. Where a text
-// would be cut off, its letters are made smaller instead.
+// The window has areas of fixed size for texts whose size depends on the user's font and language. A text
+// that would be cut off gets a smaller font instead.
 
-/// Makes the widget's letters smaller, down to 60 % of what they are, until `fits` is content. Whether it is
-/// in the end.
+/// Reduces the font of the widget, down to 60 % of its size, until `fits` returns true. Returns whether it
+/// did.
 bool shrinkFont(QWidget& widget, const std::function<bool()>& fits);
 
-/// Shows a text with wrapped lines so that all of it is seen within the label's greatest height, however wide
-/// the label is now or becomes. What is too much even for small letters can be scrolled.
+/// Shows a text with wrapped lines so that all of it fits within the maximum height of the label, at its
+/// present width and any later one. A text that is too long even for the smallest font can be scrolled.
 void setFittingText(QLabel& label, const QString& text);

@@ -18,14 +18,14 @@
 
 namespace {
 
-/// What frame, margins and cursor of a line edit take up, in pixels.
+/// Space that the frame, margins and cursor of a line edit take up, in pixels.
 constexpr int editFrameWidth = 12;
 constexpr int editFrameHeight = 4;
 
-/// What a camera can store as its user ID.
+/// Space that a camera has for its user ID.
 constexpr int maxCustomNameBytes = 16;
 
-/// Accepts what takes at most so many bytes in UTF-8.
+/// Accepts text of at most the given number of bytes in UTF-8.
 class QUtf8ByteSizeValidator : public QValidator
 {
 public:
@@ -40,7 +40,7 @@ private:
     quint64 m_maxBytes;
 };
 
-/// Gives the header the layout of the last run, if that was stored by a version that means the same by it.
+/// Restores the column layout of the last run if it was stored in the present format.
 void restoreHeaderState(QHeaderView* header)
 {
     QSettings settings;
@@ -85,13 +85,13 @@ IpConfigurationWidget::IpConfigurationWidget(QWidget* parent) : QWidget(parent)
 
 IpConfigurationWidget::~IpConfigurationWidget()
 {
-    // A camera that is still held is given back with the transport layer, which may go with the lister.
+    // The last lister releases the transport layer and with it a camera that is still open.
     delete m_pDeviceLister;
 }
 
 void IpConfigurationWidget::fitTextsOfFixedSize()
 {
-    // All get the size that the longest of them needs, through the frame.
+    // The frame passes one font size on to all of them: the size at which the longest text fits.
     const auto isFullyVisible = [](const QWidget* text) {
         return text->sizeHint().width() <= text->width() && text->fontMetrics().height() <= text->height();
     };
@@ -148,12 +148,12 @@ void IpConfigurationWidget::connectSignals()
             &IpConfigurationWidget::on_selectionInfo_linkActivated);
     connect(ui.treeWidget, &QWidget::customContextMenuRequested, this,
             &IpConfigurationWidget::on_showContextMenu);
-    // The button's own shortcut, Ctrl+S, has taken the place of its underlined letter.
+    // The button's shortcut, Ctrl+S, replaces the one that Qt derives from the underlined letter.
     QPushButton* const save = ui.btnWriteConfiguration;
     auto* const saveByMnemonic = new QShortcut(QKeySequence::mnemonic(save->text()), save);
     saveByMnemonic->setAutoRepeat(false);
     connect(saveByMnemonic, &QShortcut::activated, save, &QAbstractButton::animateClick);
-    // Qt opens a context menu by the Menu key, which many keyboards lack.
+    // Qt opens a context menu with the Menu key, which many keyboards lack.
     auto* const contextMenu = new QShortcut(QKeySequence(Qt::SHIFT | Qt::Key_F10), ui.treeWidget);
     contextMenu->setContext(Qt::WidgetShortcut);
     connect(contextMenu, &QShortcut::activated, this, [this] {
@@ -177,4 +177,5 @@ void IpConfigurationWidget::closeEvent(QCloseEvent* event)
     settings.setValue(SettingsKey::Header, ui.treeWidget->header()->saveState());
 }
 
+/// Has no effect: Linux has no common dialog for network connections.
 void IpConfigurationWidget::ShowNetworkConnections_triggered() {}

@@ -22,32 +22,32 @@ class DeviceLister;
 struct AddressingMode;
 struct IpSettings;
 
-/// What a row of the tree stands for and where its record is; all on column 0 and valid until the next
+/// What a row of the tree stands for and where its record is. Stored in column 0 and valid until the next
 /// refresh.
 enum ItemKind { AdapterItem = 1, DeviceItem = 2 };
 inline constexpr int ItemKindRole = Qt::UserRole;
-inline constexpr int DeviceIndexRole = Qt::UserRole + 1;  // position in DeviceLister::m_devices
-inline constexpr int AdapterIndexRole = Qt::UserRole + 2; // position in m_networkAdapters
+inline constexpr int DeviceIndexRole = Qt::UserRole + 1;  // Position in DeviceLister::m_devices.
+inline constexpr int AdapterIndexRole = Qt::UserRole + 2; // Position in m_networkAdapters.
 
-/// Why a camera could not be opened at its present address, for the user and for support; empty where none
-/// was.
+/// Why a camera could not be opened at its present address, for the user and for support; empty if no attempt
+/// was made.
 struct ForceIpReason
 {
     QString sentence;
     QString technicalText;
 };
 
-/// What was entered for a temporary address that could not be assigned, for the next attempt at the same.
+/// A temporary address that could not be assigned, to be offered again at the next attempt.
 struct RefusedEntry
 {
-    GenICam::gcstring camera; // the selected one's MAC address
-    bool showsMacAddress;     // in which of the two dialogs
+    GenICam::gcstring camera; // MAC address of the selected camera.
+    bool showsMacAddress;     // Which of the two dialogs it was entered in.
     advice::Entry entry;
 };
 
-/// The central widget, in which all work with cameras happens: the tree of adapters and cameras, the details
-/// of the selected row, the editor of one camera's addressing, and everything that writes to a camera. One
-/// source file for each concern: construction and closing, tree, rows, details, editing, pending changes,
+/// The central widget, which does all work with cameras: the tree of adapters and cameras, the details of the
+/// selected row, the editor for one camera's configuration, and everything that writes to a camera. It has
+/// one source file for each concern: construction and closing, tree, rows, details, editing, pending changes,
 /// addresses, advice, writing, unicast, connection, Force IP.
 class IpConfigurationWidget : public QWidget
 {
@@ -81,25 +81,25 @@ private slots:
     void closeEvent(QCloseEvent* event) override;
 
 public slots:
-    /// Rebuilds the tree from a fresh discovery; offers to save pending edits first; reports its failures
+    /// Offers to save pending changes, then rebuilds the tree from a new discovery. Reports its failures
     /// itself.
     void refresh();
 
 protected:
-    /// Enter saves while Save is the default button; Escape in the editor takes its edits back.
+    /// Enter saves while Save is the default button; Escape in the editor discards its edits.
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    // construction
+    // Construction.
     void createHiddenAction(const QString& objectName, const QString& shortcut,
                             void (IpConfigurationWidget::*slot)());
     void fitTextsOfFixedSize();
     void installValidators();
     void connectSignals();
 
-    // tree and refresh
+    // Tree and refresh.
     struct RememberedRow;
-    void doRefresh(); // throws what discovery throws
+    void doRefresh(); // Throws what discovery throws.
     [[nodiscard]] RememberedRow rememberSelectedRow() const;
     void clearTree();
     void announceSearch();
@@ -108,7 +108,7 @@ private:
     void addDeviceRows(RememberedRow& remembered);
     QTreeWidgetItem* addDeviceRow(const Tessal::COrvikGigEDeviceInfo& record, int index);
 
-    // rows and their records
+    // Rows and their records.
     bool UpdateTreeItemFromNetworkAdapter(QTreeWidgetItem* item, const CNetworkAdapter* adapter);
     bool UpdateTreeItemFromDeviceInfo(QTreeWidgetItem* item, const Tessal::COrvikGigEDeviceInfo* record);
     int updateTreeRowFromDeviceInfoByMac(const QString& mac);
@@ -125,7 +125,7 @@ private:
     [[nodiscard]] Tessal::COrvikGigEDeviceInfo* GetSelectedDeviceInfo() const;
     [[nodiscard]] const CNetworkAdapter* GetSelectedNetworkAdapter() const;
 
-    // details panel
+    // Details panel.
     void updateUiFromTreeItem(const QTreeWidgetItem* item);
     void clearDetails();
     void clearAddressFields();
@@ -134,7 +134,7 @@ private:
     void setSelectionInfoText(const QString& text);
     void setHintText(const QString& text);
 
-    // editing
+    // Editing.
     void clearDirtyFlags();
     void startEditing();
     void stopEditing();
@@ -148,15 +148,15 @@ private:
     void commitFocusedField();
     void discardEdits();
 
-    // pending changes
+    // Pending changes.
     [[nodiscard]] bool checkSaveChanges() const;
     void savePreviousRow(QTreeWidgetItem* previous);
     bool savePendingBeforeRefresh();
     bool savePendingBeforeForceIp(const Tessal::COrvikGigEDeviceInfo& record);
-    bool savePendingBeforeClosing(); // false when the user would rather stay
+    bool savePendingBeforeClosing(); // Returns false if the user stays.
     bool writeAndUpdateName(const Tessal::COrvikGigEDeviceInfo& record);
 
-    // addresses
+    // Addresses.
     static void fixupIpAddress(QString& text);
     static void fixupMacAddress(QString& text);
     static bool isIPAddressValidForDevice(const QString& text);
@@ -165,7 +165,7 @@ private:
                                                       const QNetworkInterface* adapter);
     static IpSettings fixedUpIpSettings(QString ipAddress, QString subnetMask, QString defaultGateway);
 
-    // advice
+    // Advice.
     void createAdviceSigns();
     [[nodiscard]] advice::Surroundings surroundings(const CNetworkAdapter* adapter) const;
     [[nodiscard]] std::vector<advice::Advice> adviceInUi(const Tessal::COrvikGigEDeviceInfo& record,
@@ -174,7 +174,7 @@ private:
     [[nodiscard]] QString explainSave(const Tessal::COrvikGigEDeviceInfo* record,
                                       const std::vector<advice::Advice>& all) const;
 
-    // writing
+    // Writing.
     bool saveSelectedCamera();
     void showSaveFailure();
     bool writeConfiguration(const Tessal::COrvikGigEDeviceInfo& deviceInfo);
@@ -189,19 +189,19 @@ private:
     void restartDevice(const QString& mac, ozlog::Format<QByteArray> notFoundFormat,
                        const QByteArray& device);
 
-    // unicast
+    // Unicast.
     bool unicastConfiguration(const QString& ipAddress);
     bool writeEditedSettings(const Tessal::COrvikGigEDeviceInfo& record, const QByteArray& oldIp);
     void writePersistentIp(const GenICam::gcstring& mac, const QByteArray& oldIp);
     void restartAfterUnicast(const QString& mac, const QByteArray& oldIp);
 
-    // connection
+    // Connection.
     bool openDevice(const QString& ipAddress);
     void createAndOpenDevice(const QString& address);
     void closeDevice();
     void releaseDevice();
 
-    // Force IP: temporary addresses
+    // Force IP: temporary addresses.
     bool forceIp(const QString& headerText, bool showMacAddress, QString* newIpAddress,
                  const ForceIpReason& reason = {});
     bool forceIpForConnection(QString& address, const ForceIpReason& reason);
@@ -214,21 +214,21 @@ private:
     Ui_IpConfigurationWidgetClass ui{};
     bool m_ipConfigModified = false;
     bool m_ipAddressModified = false;
-    bool m_ipAddressEditPending = false; // edited, and the mask has not been proposed yet
+    bool m_ipAddressEditPending = false; // Edited, and no mask has been suggested yet.
     bool m_netmaskModified = false;
     bool m_netmaskEditedByUser = false;
     bool m_gatewayModified = false;
     bool m_gatewayEditedByUser = false;
-    bool m_editing = false;
+    bool m_editing = false; // Between startEditing() and stopEditing(); nothing reads it.
     bool m_customNameModified = false;
-    DeviceLister* m_pDeviceLister = nullptr;        // owned
-    Tessal::ITessalGigEDevice* m_pDevice = nullptr; // made by and given back to the transport layer
+    DeviceLister* m_pDeviceLister = nullptr;        // Owned.
+    Tessal::ITessalGigEDevice* m_pDevice = nullptr; // Created and destroyed by the transport layer.
     QList<CNetworkAdapter> m_networkAdapters;
-    // Given by Force IP in this session, by MAC address, until the camera is found with another or is saved.
+    // Assigned by Force IP in this session, by MAC address, until the camera reports another one or is saved.
     QMap<QString, QString> m_temporaryAddresses;
-    SentConfiguration m_sent;         // by the latest save
-    bool m_isSaveUnconfirmed = false; // a route succeeded, and what the camera reports has not been judged
-    Tessal::COrvikGigEDeviceInfo m_rediscovered; // the latest record of the camera that was waited for last
+    SentConfiguration m_sent;                    // By the latest save.
+    bool m_isSaveUnconfirmed = false;            // Saved, but not yet compared with what the camera reports.
+    Tessal::COrvikGigEDeviceInfo m_rediscovered; // Latest record of the camera last waited for.
     std::map<advice::Field, AdviceSign*> m_adviceSigns;
-    std::optional<RefusedEntry> m_refusedEntry; // by the latest Force IP
+    std::optional<RefusedEntry> m_refusedEntry; // By the latest Force IP.
 };

@@ -12,14 +12,14 @@
 
 namespace {
 
-constexpr quint32 loopback = 0x7F000001;       // 127.0.0.1
-constexpr quint32 firstMulticast = 0xE0000000; // 224.0.0.0; from here up no address is a host's
+constexpr quint32 loopback = 0x7F000001;       // 127.0.0.1.
+constexpr quint32 firstMulticast = 0xE0000000; // 224.0.0.0; no address from here on belongs to a host.
 constexpr quint32 classAMask = 0xFF000000;
 constexpr quint32 classBMask = 0xFFFF0000;
 constexpr quint32 classCMask = 0xFFFFFF00;
 constexpr qsizetype macDigits = 12;
 
-/// How many leading octets of an address under that mask a user will hardly want to change.
+/// The number of leading octets that a suggested address has in common with its subnet.
 int octetsToKeep(quint32 mask)
 {
     if ((mask & ~classCMask) != 0 || mask == classCMask) {

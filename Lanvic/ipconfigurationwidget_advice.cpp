@@ -16,8 +16,8 @@
 namespace {
 
 /// The signs stand left of the fields' titles, where the frame is empty.
-constexpr int signX = 8;     // pixels from the left border
-constexpr int signBelow = 2; // pixels from the upper border of the field
+constexpr int signX = 8;     // Pixels from the left border.
+constexpr int signBelow = 2; // Pixels from the upper border of the field.
 
 std::optional<advice::Camera> listed(const Tessal::COrvikGigEDeviceInfo& record)
 {
@@ -42,11 +42,11 @@ advice::Adapter withSubnets(const CNetworkAdapter& adapter)
     return known;
 }
 
-/// A tool tip has to be asked for by the mouse, but a mistake is told while it is being made; right of the
-/// field, so that the others are still seen.
+/// Shows the field's tool tip without waiting for the mouse, so that a mistake is pointed out while the user
+/// types; to the right of the field, where it covers no other field.
 void showTipBeside(QWidget& field)
 {
-    const QPoint offset(4, -16); // a tool tip stands this far below its point
+    const QPoint offset(4, -16); // Qt shows a tool tip this far from its point.
     if (field.isVisible() && field.isActiveWindow()) {
         QToolTip::showText(field.mapToGlobal(field.rect().topRight() + offset), field.toolTip(), &field);
     }
@@ -87,7 +87,7 @@ std::vector<advice::Advice> IpConfigurationWidget::adviceInUi(const Tessal::COrv
 {
     const bool isStatic = ui.btnUsePersistentIp->isChecked();
     if (!isStatic && !areIpSettingsEdited()) {
-        return {}; // only the mode is written
+        return {}; // Only the mode is written.
     }
     return adviceOn({.purpose = isStatic ? advice::Purpose::Static : advice::Purpose::LeftOver,
                      .mac = fromAscii(record.GetMacAddress()),
@@ -117,7 +117,7 @@ void IpConfigurationWidget::showAdvice(const Tessal::COrvikGigEDeviceInfo* recor
     }
 }
 
-/// Why Save is grey, or what there is to consider before.
+/// Why Save is disabled, or the advice to consider before saving.
 QString IpConfigurationWidget::explainSave(const Tessal::COrvikGigEDeviceInfo* record,
                                            const std::vector<advice::Advice>& all) const
 {

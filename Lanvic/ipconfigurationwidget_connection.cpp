@@ -22,7 +22,7 @@ ForceIpReason reasonToForceIp(const std::exception& exception)
             .technicalText = technicalTextOf(exception)};
 }
 
-/// Tells which camera is meant by the address of the next device; null for any.
+/// Names the camera that is expected at the address of the next device; null for any camera.
 void expectCamera(Tessal::IGigETransportLayer& transportLayer, const Tessal::COrvikGigEDeviceInfo* camera)
 {
     if (auto* const choice = dynamic_cast<Tessal::IDeviceChoice*>(&transportLayer)) {
@@ -39,7 +39,7 @@ bool IpConfigurationWidget::openDevice(const QString& ipAddress)
     ForceIpReason reason;
     do {
         if (m_pDevice != nullptr) {
-            // Dropped even where the transport layer refuses it, as in releaseDevice().
+            // The pointer is cleared even if the transport layer throws, as in releaseDevice().
             DeviceLister::s_pTl->DestroyDevice(std::exchange(m_pDevice, nullptr));
         }
         waitBox.showWaitCursor();
@@ -98,7 +98,7 @@ void IpConfigurationWidget::closeDevice()
 
 void IpConfigurationWidget::releaseDevice()
 {
-    // Dropped even where the transport layer refuses it: it must not be handed over twice.
+    // The pointer is cleared even if the transport layer throws: a device must not be destroyed twice.
     Tessal::ITessalGigEDevice* const device = std::exchange(m_pDevice, nullptr);
     if (device == nullptr) {
         return;

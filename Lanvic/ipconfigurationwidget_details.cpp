@@ -18,7 +18,7 @@ constexpr QLatin1String paragraphEnd("</p>");
 constexpr QLatin1String boldBegin("<b>");
 constexpr QLatin1String boldEnd("</b>");
 
-/// A text from outside as rich text shows it.
+/// Text from a camera or the operating system, escaped for rich text.
 QString richText(const QString& text)
 {
     return displayText(text).toHtmlEscaped();
@@ -77,7 +77,7 @@ QString adapterDetails(const CNetworkAdapter& adapter)
 QString deviceDetails(const Tessal::COrvikGigEDeviceInfo& record)
 {
     using namespace Tessal;
-    // One arg() for all values: what looks like a place marker in a value is left alone.
+    // A single arg() call, so that a value that contains "%1" is not taken for a place marker.
     return paragraphBegin + boldBegin + richTextProperty(record, Key::FriendlyName) + boldEnd + paragraphEnd +
            IpConfigurationWidget::tr("<p><table align='left' border='0' cellpadding='1' cellspacing='1'>"
                                      "<tr><td width='8'></td><td>Vendor:</td><td>%1</td></tr>"
@@ -150,8 +150,8 @@ void IpConfigurationWidget::showDevice(const QTreeWidgetItem* item,
     setHintText(deviceHint(record, GetNetworkAdapaterFromDeviceItem(item)));
 }
 
-/// What is the matter with the camera and what to do about it; empty when all is well. The adapter is the one
-/// through which the camera was found, or null.
+/// What is wrong with the camera and what to do about it; empty if nothing is. `adapter` is the one through
+/// which the camera was found, or null.
 QString IpConfigurationWidget::deviceHint(const Tessal::COrvikGigEDeviceInfo& record,
                                           const CNetworkAdapter* adapter)
 {
@@ -176,7 +176,7 @@ QString IpConfigurationWidget::deviceHint(const Tessal::COrvikGigEDeviceInfo& re
     return hint;
 }
 
-// What the labels show is the widget's state, though only the labels hold it.
+// The texts of the labels are part of the widget's state, so the setters are not const.
 // NOLINTBEGIN(readability-make-member-function-const)
 void IpConfigurationWidget::setSelectionInfoText(const QString& text)
 {
@@ -189,4 +189,5 @@ void IpConfigurationWidget::setHintText(const QString& text)
 }
 // NOLINTEND(readability-make-member-function-const)
 
+/// Has no effect: the texts contain no links.
 void IpConfigurationWidget::on_selectionInfo_linkActivated(const QString& /*link*/) {}

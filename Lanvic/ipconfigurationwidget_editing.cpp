@@ -23,6 +23,7 @@ void IpConfigurationWidget::clearDirtyFlags()
     ui.btnWriteConfiguration->setDefault(false);
 }
 
+/// Nothing calls it: the change flags tell whether an edit is pending.
 void IpConfigurationWidget::startEditing()
 {
     m_editing = true;
@@ -58,7 +59,7 @@ bool IpConfigurationWidget::isValidConfigInUI() const
     return ui.editCustomName->hasAcceptableInput();
 }
 
-/// After an edit: Enter saves from now on, if what the editor holds can be saved.
+/// Called after each edit: makes Enter save if the contents of the editor can be saved.
 void IpConfigurationWidget::makeSaveDefault()
 {
     ui.btnWriteConfiguration->setDefault(true);
@@ -94,7 +95,7 @@ void IpConfigurationWidget::enableWidgets(bool enable)
     }
 }
 
-/// Understands "192.168.1.9/24": the length becomes the mask.
+/// Accepts "192.168.1.9/24": the prefix length becomes the mask.
 void IpConfigurationWidget::applyMaskLength(QLineEdit* edit)
 {
     if (const auto parts = splitMaskLength(edit->text())) {
@@ -143,7 +144,7 @@ void IpConfigurationWidget::on_editIpAddress_editingFinished()
         }
     }
     if (ui.editDefaultGateway->text().isEmpty()) {
-        m_gatewayModified = true; // to be written as 0.0.0.0
+        m_gatewayModified = true; // Written as 0.0.0.0.
     }
     updateUiState(nullptr);
 }
@@ -167,14 +168,14 @@ void IpConfigurationWidget::on_editNetmask_editingFinished()
     if (!isNormalised) {
         ui.editNetmask->setText(normalised);
     }
-    // Where the validator refused the text, the field has normalised it before this and told nobody.
+    // If the validator refused the text, the field has already normalised it without a signal.
     if (!isNormalised || m_netmaskEditedByUser) {
         makeSaveDefault();
     }
 }
 
-/// Does what leaving the field does, for commands that come while it is being edited: a mask given as "24" is
-/// one that can be saved, and a name that was typed back is no change.
+/// Does what leaving the field does, for a command that is given while the field has the focus: a mask typed
+/// as "24" becomes one that can be saved, and a name changed back to its old value is no longer a change.
 void IpConfigurationWidget::commitFocusedField()
 {
     if (focusWidget() == ui.editNetmask && m_netmaskModified) {
@@ -209,7 +210,7 @@ void IpConfigurationWidget::on_editCustomName_editingFinished()
     updateUiState(nullptr);
 }
 
-/// Shows the camera's own values again.
+/// Shows the camera's values again.
 void IpConfigurationWidget::discardEdits()
 {
     updateUiFromTreeItem(getSelectedTreeItem());
@@ -222,17 +223,17 @@ void IpConfigurationWidget::keyPressEvent(QKeyEvent* event)
 {
     if (event->key() == Qt::Key_Escape && event->modifiers() == Qt::NoModifier && !isBusy() &&
         ui.frameConfig->isAncestorOf(focusWidget())) {
-        if (!event->isAutoRepeat()) { // a key held down may have been pressed for a message before
+        if (!event->isAutoRepeat()) { // A held key may have been pressed to close a message.
             discardEdits();
         }
         return;
     }
-    // Qt gives Enter to a default button in dialogs only.
+    // Outside dialogs, Qt does not pass Enter on to a default button.
     const bool isEnter = (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) &&
                          (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
     if (isEnter && ui.btnWriteConfiguration->isDefault() && !ui.btnRefresh->hasFocus()) {
-        if (!event->isAutoRepeat()) { // a key held down must not save again behind a save that failed
-            ui.btnWriteConfiguration->click(); // nothing while it is disabled
+        if (!event->isAutoRepeat()) {          // A held key must not repeat a save that failed.
+            ui.btnWriteConfiguration->click(); // Has no effect while the button is disabled.
         }
         return;
     }

@@ -20,7 +20,7 @@ using ozlog::LogTrace;
 
 namespace {
 
-/// The text, followed by the addresses that a camera behind the adapter can have, when that is known.
+/// The text, followed by the addresses that a camera on the adapter can have, if the adapter is known.
 QString withValidAddresses(const QString& text, const CNetworkAdapter* adapter)
 {
     if (adapter == nullptr) {
@@ -30,7 +30,7 @@ QString withValidAddresses(const QString& text, const CNetworkAdapter* adapter)
            FormatValidAddressRanges(adapter) + "</p>";
 }
 
-/// Runs one step of a Force IP and reports what it throws. Returns whether the step went through.
+/// Runs one step of a Force IP, and shows and logs what it throws. Returns whether the step succeeded.
 bool reportForceIpFailure(const GenICam::gcstring& mac, const std::function<void()>& step)
 {
     try {
@@ -64,7 +64,7 @@ void sendForceIp(const GenICam::gcstring& mac, const IpSettings& settings)
 {
     LogTrace(GetIPConfigBaseCatID(), LogLevel::Info, "Now forcing IP for MAC=%hs. Retries remaining=%i.", mac,
              0);
-    DeviceLister::createTransportLayer(); // there is none yet when no search could run
+    DeviceLister::createTransportLayer(); // None exists yet if no search was possible.
     DeviceLister::s_pTl->ForceIp(mac, settings.ipAddress.constData(), settings.subnetMask.constData(),
                                  settings.defaultGateway.constData());
 }
@@ -187,8 +187,9 @@ std::optional<IpSettings> IpConfigurationWidget::readTemporaryAddress(const IpAd
     return entered;
 }
 
-/// The camera may have been out of sight when it was given the address, and come back with another one; an
-/// empty address makes it look for one of its own.
+/// Lists the address that the camera reports instead of the one that was sent: a camera that missed the
+/// command comes back with another one. That is a failure unless 0.0.0.0 was sent, which leaves the choice to
+/// the camera.
 void IpConfigurationWidget::showActualAddress(const GenICam::gcstring& mac, const IpSettings& given)
 {
     const GenICam::gcstring actual = m_rediscovered.GetIpAddress();

@@ -26,7 +26,7 @@ void IpConfigurationWidget::savePreviousRow(QTreeWidgetItem* previous)
         return;
     }
     const QString mac = fromAscii(record->GetMacAddress());
-    // A temporary address on the way goes to the selected camera, so that has to be the one that is saved.
+    // Saving may assign a temporary address to the selected camera, so that must be the one that is saved.
     QTreeWidgetItem* const current = ui.treeWidget->currentItem();
     ui.treeWidget->setCurrentItem(previous);
     const bool saved = writeAndUpdateName(*record);
@@ -37,7 +37,7 @@ void IpConfigurationWidget::savePreviousRow(QTreeWidgetItem* previous)
     updateTreeRowFromDeviceInfoByMac(mac);
 }
 
-/// Returns false when the user wanted the changes saved and that failed; they are still pending then.
+/// Returns false if the user wanted to save and the save failed; the changes are still pending then.
 bool IpConfigurationWidget::savePendingBeforeRefresh()
 {
     commitFocusedField();
@@ -56,8 +56,8 @@ bool IpConfigurationWidget::savePendingBeforeRefresh()
     return false;
 }
 
-/// Offers to save what is being edited, since the editor is drawn anew from the record afterwards. Returns
-/// false when the user wanted that and it failed; the edits are still there then.
+/// Offers to save, because the editor is filled from the record again afterwards. Returns false if the user
+/// wanted to save and the save failed; the changes are still pending then.
 bool IpConfigurationWidget::savePendingBeforeForceIp(const Tessal::COrvikGigEDeviceInfo& record)
 {
     commitFocusedField();
@@ -101,11 +101,11 @@ bool IpConfigurationWidget::savePendingBeforeClosing()
     return false;
 }
 
-/// For a save that no search follows which would tell the camera's new name: the next save sends the name
-/// that the editor then shows.
+/// For a save that is not followed by a search: puts the new name into the camera's records as well, so that
+/// the editor shows it and the next save does not write the old one.
 bool IpConfigurationWidget::writeAndUpdateName(const Tessal::COrvikGigEDeviceInfo& record)
 {
-    const bool renames = m_customNameModified; // which the write clears
+    const bool renames = m_customNameModified; // The write clears the flag.
     const QByteArray name = ui.editCustomName->text().trimmed().toUtf8();
     if (!writeConfiguration(record)) {
         return false;

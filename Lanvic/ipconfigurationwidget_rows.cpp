@@ -34,8 +34,8 @@ struct ModelIcon
     QIcon icon;
 };
 
-/// The picture of the camera's family, which the beginning of the model name tells; none for a camera that
-/// the SDK does not support.
+/// The icon of the camera's family, which the model name begins with; none for a camera that the SDK does not
+/// support.
 QIcon modelIcon(const Tessal::COrvikGigEDeviceInfo& record)
 {
     static const QIcon generic(":/Lanvic/Resources/Generic_Camera_16x16px.png");
@@ -105,14 +105,14 @@ void setText(QTreeWidgetItem* item, Column column, const GenICam::gcstring& text
     setText(item, column, fromAscii(text));
 }
 
-/// An explanation that a tool tip shows and a screen reader reads; none if it is empty.
+/// Sets an explanation for the tool tip and for screen readers; an empty text removes it.
 void explain(QTreeWidgetItem* item, Column column, const QString& text)
 {
     item->setToolTip(column, text.toHtmlEscaped());
     item->setData(column, Qt::AccessibleDescriptionRole, text);
 }
 
-/// Takes the picture of an earlier state away when there is none now.
+/// Sets the icon; a null icon removes the one of an earlier state.
 void setIcon(QTreeWidgetItem* item, Column column, const QIcon& icon)
 {
     item->setData(column, Qt::DecorationRole, icon.isNull() ? QVariant() : QVariant(icon));
@@ -155,7 +155,7 @@ bool IpConfigurationWidget::UpdateTreeItemFromDeviceInfo(QTreeWidgetItem* item,
     setText(item, IpColumn, record->GetIpAddress());
     setText(item, MaskColumn, record->GetSubnetMask());
     explainCells(item, *record);
-    // A screen reader that follows the rows reads the first column only.
+    // A screen reader that moves from row to row reads the first column only.
     item->setData(NameColumn, Qt::AccessibleDescriptionRole,
                   QStringList{item->text(StatusColumn), item->text(IpColumn)}.join(QLatin1String(", ")));
     return true;
@@ -170,7 +170,7 @@ void IpConfigurationWidget::explainCells(QTreeWidgetItem* item,
                                        : QString());
 }
 
-/// Tells on each adapter's row why fewer cameras than there are may be found through it.
+/// Explains on each adapter's row why a search through it may miss cameras.
 void IpConfigurationWidget::explainAdapters()
 {
     const auto* const report = dynamic_cast<const Tessal::ISearchReport*>(DeviceLister::s_pTl);
@@ -178,7 +178,7 @@ void IpConfigurationWidget::explainAdapters()
         return;
     }
     QStringList remarks;
-    QMap<QString, QStringList> sentences; // by adapter
+    QMap<QString, QStringList> sentences; // By adapter.
     for (const Tessal::AdapterObstacle& obstacle : report->GetObstacles()) {
         remarks += explainObstacle(obstacle);
         sentences[QString::fromLocal8Bit(obstacle.adapter.c_str())] += remarks.last();

@@ -18,11 +18,11 @@ namespace {
 
 struct DIPtrAndIndexPair
 {
-    const Tessal::COrvikGigEDeviceInfo* info; // in the lister's list
-    int index;                                // its position there
+    const Tessal::COrvikGigEDeviceInfo* info; // In the lister's list.
+    int index;                                // Its position there.
 };
 
-/// Orders cameras by one property and, where that is equal, by another. A missing one counts as empty.
+/// Orders cameras by one property and, if that is equal, by another. A missing property counts as empty.
 class CompareDIByProps
 {
 public:
@@ -48,7 +48,7 @@ private:
     GenICam::gcstring m_second;
 };
 
-/// Counts itself in while it lives.
+/// Counts how deeply the calls of a function are nested.
 class ReentrancyGuard
 {
 public:
@@ -75,7 +75,7 @@ GenICam::gcstring interfaceNameOf(const CNetworkAdapter& adapter)
 
 } // namespace
 
-/// The row to be selected again: a camera by MAC address and adapter, an adapter by its name alone.
+/// The row to select again after a refresh: a camera by MAC address and adapter, an adapter by its name.
 struct IpConfigurationWidget::RememberedRow
 {
     GenICam::gcstring mac;
@@ -87,7 +87,7 @@ void IpConfigurationWidget::refresh()
     if (isBusy()) {
         return;
     }
-    // The wait cursor is gone before a message appears: it goes when doRefresh is left.
+    // doRefresh() restores the cursor before a message appears.
     showFailure(
         "refresh",
         [this] {
@@ -133,7 +133,7 @@ void IpConfigurationWidget::doRefresh()
     if (ui.treeWidget->currentItem() == nullptr && ui.treeWidget->topLevelItemCount() > 0) {
         ui.treeWidget->setCurrentItem(ui.treeWidget->topLevelItem(0));
     }
-    // A field that was greyed meanwhile has lost the focus.
+    // A field that was disabled during the refresh has lost the focus.
     if (focused != nullptr && focused->isEnabled()) {
         focused->setFocus(Qt::OtherFocusReason);
     }
@@ -158,14 +158,14 @@ void IpConfigurationWidget::clearTree()
     on_treeWidget_currentItemChanged(nullptr, nullptr);
 }
 
-/// Paints the emptied tree and a message; there is no painting while the search blocks.
+/// Paints the empty tree and a message, because the search blocks all painting.
 void IpConfigurationWidget::announceSearch()
 {
-    // After clearTree(), because showing an empty selection empties this label too.
+    // Only after clearTree(), which clears this label too.
     setSelectionInfoText(tr("Searching for devices..."));
     QWidget* const tree = ui.treeWidget;
     tree->update(tree->visibleRegion());
-    ui.treeWidget->viewport()->update(); // where the rows are; the region above leaves it out
+    ui.treeWidget->viewport()->update(); // The rows, which the region above does not include.
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
 }
 
@@ -177,7 +177,7 @@ void IpConfigurationWidget::addAdapterRows(RememberedRow& remembered)
         UpdateTreeItemFromNetworkAdapter(row.get(), &adapter);
         row->setData(0, ItemKindRole, AdapterItem);
         row->setData(0, AdapterIndexRole, i);
-        QTreeWidgetItem* const item = row.release(); // the tree's from here on
+        QTreeWidgetItem* const item = row.release(); // The tree owns it from here on.
         ui.treeWidget->addTopLevelItem(item);
         item->setExpanded(true);
         item->setFirstColumnSpanned(true);
@@ -198,7 +198,7 @@ void IpConfigurationWidget::addDeviceRows(RememberedRow& remembered)
         devices.push_back({&record, static_cast<int>(devices.size())});
         if (!isRediscoveredListed && record.GetMacAddress() == m_rediscovered.GetMacAddress()) {
             m_rediscovered = record;
-            isRediscoveredListed = true; // a second one is another camera's
+            isRediscoveredListed = true; // A second record belongs to another camera.
         }
         if (!isTemporaryAddress(record)) {
             m_temporaryAddresses.remove(fromAscii(record.GetMacAddress()));
@@ -222,14 +222,14 @@ QTreeWidgetItem* IpConfigurationWidget::addDeviceRow(const Tessal::COrvikGigEDev
     UpdateTreeItemFromDeviceInfo(row.get(), &record);
     row->setData(0, ItemKindRole, DeviceItem);
     row->setData(0, DeviceIndexRole, index);
-    QTreeWidgetItem* const item = row.release(); // the tree's from here on
+    QTreeWidgetItem* const item = row.release(); // The tree owns it from here on.
     QTreeWidgetItem* const adapterRow =
         findAdapterTreeItem(QString::fromLocal8Bit(interfaceNameOf(record).c_str()));
     if (adapterRow != nullptr) {
         adapterRow->addChild(item);
         item->setChildIndicatorPolicy(QTreeWidgetItem::DontShowIndicator);
         adapterRow->setExpanded(true);
-        explainCells(item, record); // some of which depends on the adapter above
+        explainCells(item, record); // Again, because it depends on the adapter above.
     } else {
         ui.treeWidget->addTopLevelItem(item);
         item->setChildIndicatorPolicy(QTreeWidgetItem::DontShowIndicator);
@@ -248,7 +248,7 @@ void IpConfigurationWidget::on_treeWidget_currentItemChanged(QTreeWidgetItem* cu
     if (depth > 1) {
         return;
     }
-    const bool isConfirmedByRefresh = m_isSaveUnconfirmed; // a refresh confirms its save when it is over
+    const bool isConfirmedByRefresh = m_isSaveUnconfirmed; // A refresh confirms its save at its end.
     savePreviousRow(previous);
     clearDirtyFlags();
     stopEditing();
@@ -260,14 +260,14 @@ void IpConfigurationWidget::on_treeWidget_currentItemChanged(QTreeWidgetItem* cu
     }
 }
 
-/// Where another row than the current one is selected, or none, the editor would belong to no camera.
+/// Keeps the current row the only selected one: the editor edits the current row and saves the selected one.
 void IpConfigurationWidget::keepCurrentRowSelected()
 {
     QTreeWidgetItem* const current = ui.treeWidget->currentItem();
     QList<QTreeWidgetItem*> selected = ui.treeWidget->selectedItems();
-    if (current != nullptr && selected.isEmpty()) { // Ctrl+click took the selection off
+    if (current != nullptr && selected.isEmpty()) { // Ctrl+click cleared the selection.
         current->setSelected(true);
-    } else if (current != nullptr && selected.size() > 1) { // a screen reader adds the row that it means
+    } else if (current != nullptr && selected.size() > 1) { // A screen reader adds a row to the selection.
         selected.removeOne(current);
         selected.first()->setSelected(false);
         if (!isBusy()) {
@@ -283,11 +283,12 @@ void IpConfigurationWidget::on_showContextMenu(const QPoint& pos)
     if (deviceOfItem(item) == nullptr) {
         return;
     }
-    ui.treeWidget->setCurrentItem(item); // the command acts on the selected row
+    ui.treeWidget->setCurrentItem(item); // The command acts on the selected row.
     QMenu menu;
     connect(menu.addAction(tr("&Assign Temporary IP Address...")), &QAction::triggered, this,
             &IpConfigurationWidget::on_assignTemporaryIPAddress);
     menu.exec(ui.treeWidget->viewport()->mapToGlobal(pos));
 }
 
+/// Has no effect: Linux has no common dialog for the properties of an adapter.
 void IpConfigurationWidget::on_networkAdapterProperties() {}

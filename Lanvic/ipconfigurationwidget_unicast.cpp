@@ -18,8 +18,8 @@ using ozlog::LogTrace;
 
 namespace {
 
-/// Writes the name through the camera's own description; throws GenICam::RuntimeException, with the reason
-/// nested in it, when that fails.
+/// Writes the name through the camera's node map. Throws GenICam::RuntimeException, with the reason nested in
+/// it, if that fails.
 void writeDeviceUserId(const GenApi::INodeMap& nodeMap, const QByteArray& name, const QByteArray& oldIp)
 {
     try {
@@ -30,7 +30,7 @@ void writeDeviceUserId(const GenApi::INodeMap& nodeMap, const QByteArray& name, 
     } catch (const std::exception& exception) {
         LogTrace(GetIPConfigBaseCatID(), LogLevel::Error,
                  "Error setting DeviceUserID of device with old IP=%hs. Err='%hs'", oldIp, exception.what());
-        // The reason goes with it, for the user and for support.
+        // The reason stays attached, for the user and for support.
         std::throw_with_nested(Translated(
             GenICam::ExceptionReporter<GenICam::RuntimeException>(__FILE__, __LINE__, "RuntimeException")
                 .Report("Could not update DeviceUserID."),
@@ -38,7 +38,7 @@ void writeDeviceUserId(const GenApi::INodeMap& nodeMap, const QByteArray& name, 
     }
 }
 
-/// False, and nothing written, when the editor asks for no mode at all.
+/// Returns false, and writes nothing, if no mode is selected.
 bool writeAddressingMode(Tessal::ITessalGigEDevice& device, const AddressingMode& mode,
                          const QByteArray& oldIp)
 {
@@ -69,8 +69,8 @@ void logOpened(const Tessal::COrvikGigEDeviceInfo& record, const QByteArray& old
              formatIPConfiguration(record.GetIpConfigCurrent(), 0).toLocal8Bit());
 }
 
-/// Addresses change hands, and the row that is saved may be older than that. Without a MAC address on either
-/// side nobody can tell.
+/// Whether the address now belongs to another camera than when the row was listed. Unknown, and so false,
+/// unless both MAC addresses are known.
 bool isAnotherCamera(const Tessal::COrvikGigEDeviceInfo& opened, const QString& expectedMac)
 {
     const QString mac = fromAscii(opened.GetMacAddress());

@@ -24,11 +24,11 @@ using ozlog::LogTrace;
 
 namespace {
 
-constexpr unsigned int secondsBetweenSearches = 2;            // a signal may shorten one of them
-constexpr int maxSearches = 30;                               // so a camera has a good minute to come back
-constexpr std::chrono::milliseconds expectedSearchTime{2500}; // the sleep and half a second for the search
+constexpr unsigned int secondsBetweenSearches = 2;            // A signal may cut one short.
+constexpr int maxSearches = 30;                               // A camera has a good minute to come back.
+constexpr std::chrono::milliseconds expectedSearchTime{2500}; // The sleep and half a second for the search.
 
-/// Tells the log what is about to be sent; false when the editor asks for no mode at all.
+/// Logs what is about to be sent. Returns false if no mode is selected.
 bool logBroadcast(const QByteArray& mac, const AddressingMode& mode, const IpSettings& settings)
 {
     const unsigned long category = GetIPConfigBaseCatID();
@@ -57,7 +57,7 @@ bool sendBroadcast(const QByteArray& mac, const AddressingMode& mode, const IpSe
         settings.subnetMask.constData(), settings.defaultGateway.constData(), userDefinedName.constData());
 }
 
-/// Null if no record has that MAC address.
+/// Returns null if no record has that MAC address.
 const Tessal::COrvikGigEDeviceInfo* findByMac(const Tessal::DeviceInfoList& cameras, const QString& mac)
 {
     const auto found =
@@ -71,22 +71,22 @@ const Tessal::COrvikGigEDeviceInfo* findByMac(const Tessal::DeviceInfoList& came
 
 void IpConfigurationWidget::on_btnWriteConfiguration_clicked()
 {
-    // After Ctrl+S the button looks pressed for a moment before it acts. Until then the user may have moved
-    // on to another camera, which must not get what was typed for the first one.
+    // After Ctrl+S the button is shown pressed for a moment before it acts. In that time the user may have
+    // selected another camera, which must not receive the values typed for the first one.
     if (isBusy() || !ui.btnWriteConfiguration->isEnabled()) {
         return;
     }
     showFailure("on_btnWriteConfiguration_clicked", [this] { return saveSelectedCamera(); });
 }
 
-/// Returns whether the camera was saved.
+/// Returns whether the configuration was saved.
 bool IpConfigurationWidget::saveSelectedCamera()
 {
     const Tessal::COrvikGigEDeviceInfo* record = GetSelectedDeviceInfo();
     if (record == nullptr) {
         return false;
     }
-    // Qt itself moves the focus on when the refresh disables the button, so look before it does.
+    // Read before the refresh, which disables the button and so makes Qt move the focus.
     const bool buttonHadFocus = focusWidget() == ui.btnWriteConfiguration;
     const bool isSaved = writeConfiguration(*record);
     if (isSaved) {
@@ -123,7 +123,7 @@ bool IpConfigurationWidget::writeConfiguration(const Tessal::COrvikGigEDeviceInf
     }
     qDebug("Broadcast Configuration failed! Trying unicast configuration.");
     try {
-        // Read only now: an accepted broadcast has put the camera's new address into the record.
+        // The address is read here because an accepted broadcast has put the new one into the record.
         if (unicastConfiguration(fromAscii(deviceInfo.GetIpAddress()))) {
             recordSave(deviceInfo);
             return true;
@@ -138,10 +138,10 @@ bool IpConfigurationWidget::writeConfiguration(const Tessal::COrvikGigEDeviceInf
 void IpConfigurationWidget::recordSave(const Tessal::COrvikGigEDeviceInfo& deviceInfo)
 {
     m_isSaveUnconfirmed = true;
-    m_temporaryAddresses.remove(fromAscii(deviceInfo.GetMacAddress())); // the camera has restarted
+    m_temporaryAddresses.remove(fromAscii(deviceInfo.GetMacAddress())); // The camera has restarted.
 }
 
-/// Warns if the camera that was saved last reports something else than it was asked for.
+/// Warns if the camera that was saved last does not report the values that were saved.
 void IpConfigurationWidget::confirmSave()
 {
     if (!std::exchange(m_isSaveUnconfirmed, false)) {
@@ -221,8 +221,8 @@ void IpConfigurationWidget::restartAfterBroadcast(const QString& mac)
     LogTrace(GetIPConfigBaseCatID(), LogLevel::Info, "Successfully rediscovered MAC=%hs.", asciiMac);
 }
 
-/// Makes the camera take up what it has stored and waits for it. When it does not come back, writes the trace
-/// line `notFoundFormat`, with `device` in it, and throws GenICam::RuntimeException.
+/// Makes the camera adopt its stored configuration and waits until it is discovered again. If it is not, logs
+/// `notFoundFormat` with `device` in it and throws GenICam::RuntimeException.
 void IpConfigurationWidget::restartDevice(const QString& mac, ozlog::Format<QByteArray> notFoundFormat,
                                           const QByteArray& device)
 {
@@ -238,7 +238,7 @@ void IpConfigurationWidget::restartDevice(const QString& mac, ozlog::Format<QByt
 
 bool IpConfigurationWidget::waitForDevice(const QString& mac)
 {
-    DeviceLister lister; // its own, so that the rows of the tree keep their records
+    DeviceLister lister; // A separate one, so that the rows of the tree keep their records.
     WaitBox waitBox(tr("Camera restarts its IP configuration cycle.\n"
                        "Waiting until the device has been discovered again..."),
                     this);

@@ -4,7 +4,7 @@
 
 #include <QDebug>
 
-/// The trace category of everything that the program does with cameras, "Lanvic.Base".
+/// The trace category of all operations on cameras, "Lanvic.Base".
 [[nodiscard]] unsigned long GetIPConfigBaseCatID();
 
 /// Exceptions in debug output: description and origin of a GenICam exception, what() of any other.

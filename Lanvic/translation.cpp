@@ -30,7 +30,7 @@ QString selectLanguage(const QStringList& wanted)
     for (const QString& name : wanted) {
         const QLocale locale(name);
         QString language = locale.name().section(QLatin1Char('_'), 0, 0);
-        // Not left to QTranslator, which passes over English to the next language that there is a file for.
+        // Not left to QTranslator, which skips English in favour of the next language that has a file.
         if (locale.language() == QLocale::C || language == sourceLanguage) {
             break;
         }
@@ -50,5 +50,5 @@ void installTranslations(QCoreApplication& application)
     install(
         application,
         QStringLiteral("%1/qtbase_%2.qm").arg(QLibraryInfo::path(QLibraryInfo::TranslationsPath), language));
-    install(application, translationFile(language)); // searched first, being the last
+    install(application, translationFile(language)); // Installed last, so searched first.
 }

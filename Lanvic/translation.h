@@ -4,11 +4,11 @@
 
 class QCoreApplication;
 
-/// The first of the wanted languages (as QLocale::uiLanguages() names them, dearest first) that the program
-/// speaks, as its code: "en", in which the texts are written, or one that a translation is built in for. "en"
-/// when it speaks none.
+/// The code of the first wanted language that the program has: "en", the language of the source texts, or one
+/// with a built-in translation; "en" if it has none of them. `wanted` is as from QLocale::uiLanguages(), most
+/// preferred first.
 [[nodiscard]] QString selectLanguage(const QStringList& wanted);
 
-/// Lets the program, and with it Qt's own dialogs, speak the language of the session. To be called before any
-/// text is shown; the application owns the translations.
+/// Translates the program and Qt's own dialogs into the language of the session. Call it before any text is
+/// shown; the application owns the translations.
 void installTranslations(QCoreApplication& application);
