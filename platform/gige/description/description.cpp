@@ -18,7 +18,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// The user waits meanwhile, and a camera that needs minutes for its description shows it by then.
+// By then it is clear whether a camera needs minutes for its description, while the user is waiting.
 constexpr auto paceKnownAfter = 2s;
 
 std::string lowered(std::string_view text)
@@ -30,7 +30,7 @@ std::string lowered(std::string_view text)
     return lower;
 }
 
-/// The text before the next separator, which is taken off `rest` together with it.
+/// Removes the text before the next separator from `rest`, together with the separator, and returns it.
 std::string_view takeUpTo(char separator, std::string_view& rest)
 {
     const std::size_t end = std::min(rest.find(separator), rest.size());
@@ -54,7 +54,7 @@ std::uint64_t hexNumber(std::string_view text)
     return value;
 }
 
-/// The URL text in that register, once it has been read.
+/// Reads the URL text in that register.
 std::string readUrl(RegisterPort& port, std::uint32_t address)
 {
     std::vector<std::uint8_t> field(gvcp::Register::UrlSize);

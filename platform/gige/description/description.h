@@ -12,8 +12,8 @@ namespace gige {
 class RegisterPort;
 class XmlDescription;
 
-/// Bytes of a description, as the camera holds it and as XML. Those in use have up to about 1 MiB zipped and
-/// 5 MiB plain.
+/// The largest description that is accepted, in bytes, both as the camera stores it and as XML. Real ones
+/// have up to about 1 MiB zipped and 5 MiB unzipped.
 inline constexpr std::size_t MaxDescriptionSize = std::size_t{8} << 20;
 
 /// Where a camera keeps its description in its own register space.
@@ -27,14 +27,14 @@ struct DescriptionUrl
     friend bool operator==(const DescriptionUrl&, const DescriptionUrl&) = default;
 };
 
-/// Reads `Local:NAME;HEXADDRESS;HEXLENGTH`, as the URL registers hold it: up to the first NUL, in any letter
-/// case, with blanks or slashes before the name, blanks around the numbers, `0x` before them and a query
-/// behind. Throws DescriptionError for anything else, other schemes among them.
+/// Parses `Local:NAME;HEXADDRESS;HEXLENGTH`, as the URL registers hold it: up to the first NUL, in any letter
+/// case, optionally with blanks or slashes before the name, blanks around the numbers, `0x` before them and a
+/// query at the end. Throws DescriptionError for anything else, including other schemes.
 [[nodiscard]] DescriptionUrl parseDescriptionUrl(std::string_view text);
 
-/// The description at the camera's first URL or, if that is of no use, at its second. Throws DescriptionError
-/// with the reasons for both, such as silence, or when it is not there within `time`; that this computer
-/// cannot send arrives as it is.
+/// The description at the camera's first URL or, if that is unusable, at its second. Throws DescriptionError
+/// with the reasons for both, such as no answer, or if it is not loaded within `time`. A SocketException
+/// passes through.
 [[nodiscard]] std::unique_ptr<XmlDescription> loadDescription(RegisterPort& port,
                                                               std::chrono::milliseconds time);
 

@@ -4,7 +4,7 @@
 
 namespace gige {
 
-/// What the camera offers is no usable description. `what()` says why, for a trace line.
+/// The camera offers no usable description. `what()` says why, for a trace line.
 class DescriptionError : public std::runtime_error
 {
 public:

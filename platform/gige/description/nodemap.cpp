@@ -17,9 +17,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// From the first request to the last ten seconds, since the window waits meanwhile: these, the two that a
-// node may take, and one for the camera to tell whether it has a standard name register. A description of 1
-// MiB is read in a second from a camera that answers within half a millisecond.
+// Together at most ten seconds, because the window waits: these seven, two to evaluate a node, and one to ask
+// whether the camera has a standard name register. A description of 1 MiB is read in a second from a camera
+// that answers within half a millisecond.
 constexpr auto loadingTime = 7s;
 
 constexpr char userIdName[] = "DeviceUserID";
@@ -30,7 +30,7 @@ void logWarning(const std::string& text)
                     text.c_str());
 }
 
-/// A text feature of the description; where that is not understood, the stand-in serves, if there is one.
+/// A text feature of the description; if that cannot be resolved, the stand-in is used, if there is one.
 class DescribedText : public NamedNode, public GenApi::IString
 {
     template <typename Operation>
@@ -117,10 +117,10 @@ private:
     std::unique_ptr<XmlDescription> m_description;
     RegisterPort& m_port;
     mutable StandardName m_standardName;
-    mutable std::map<std::string, std::unique_ptr<GenApi::INode>> m_nodes; // made when first asked for
+    mutable std::map<std::string, std::unique_ptr<GenApi::INode>> m_nodes; // created on first request
 };
 
-/// What can be had of a camera without a description.
+/// The features of a camera without a usable description.
 class StandardNodeMap : public GenApi::INodeMap
 {
 public:
@@ -149,7 +149,7 @@ std::unique_ptr<GenApi::INodeMap> readNodeMap(RegisterPort& port)
     }
 }
 
-/// A description can be long, and a save of addresses asks for no feature.
+/// Loads the description on first use: it can be long, and saving addresses needs no feature.
 class LazyNodeMap : public GenApi::INodeMap
 {
 public:
@@ -168,7 +168,7 @@ public:
 
 private:
     RegisterPort& m_port;
-    mutable std::unique_ptr<GenApi::INodeMap> m_map; // null until a feature is asked for
+    mutable std::unique_ptr<GenApi::INodeMap> m_map; // null until a feature is requested
 };
 
 } // namespace

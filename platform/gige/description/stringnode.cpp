@@ -19,7 +19,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto capabilityTime = 1s;
-constexpr auto evaluationTime = 2s; // for the registers on which an address or an access depends
+constexpr auto evaluationTime = 2s; // for the registers that an address or an access mode depends on
 
 [[noreturn]] void denyAccess(const std::string& name, const char* verb)
 {
@@ -77,7 +77,7 @@ void StringRegister::checkKept(std::string_view text) const
     try {
         kept = read();
     } catch (const RefusalException&) {
-        return; // a register that is only written to
+        return; // a write-only register
     } catch (const GenICam::AccessException&) {
         return;
     }
@@ -120,7 +120,7 @@ NameRegisterNode* StandardName::get()
         try {
             m_port.read(gvcp::Register::Capability, capability);
         } catch (const RefusalException&) {
-            capability = {}; // a camera that refuses to tell grants nothing
+            capability = {}; // a refusal means that there is no such register
         } catch (const GenICam::AccessException&) {
             capability = {};
         }
@@ -154,7 +154,7 @@ XmlStringNode::Resolved XmlStringNode::resolve(bool withAccess) const
     const TimeLimit limit(m_port, evaluationTime);
     XmlEvaluation evaluation(m_description, m_port);
     XmlEvaluation conditions(m_description,
-                             m_port); // one that goes round in circles costs no more than itself
+                             m_port); // separate, so that circular conditions use up only their own steps
     Resolved resolved;
     pugi::xml_node node = m_node;
     while (true) {

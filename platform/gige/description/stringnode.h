@@ -9,7 +9,7 @@
 
 namespace gige {
 
-/// The most bytes that a text feature's register may have. Real ones have 16 to 512.
+/// The largest size in bytes that is accepted for a text feature's register. Real ones have 16 to 512.
 inline constexpr std::uint32_t MaxStringLength = 64 << 10;
 
 /// A text in the camera's registers, padded with NUL.
@@ -19,10 +19,10 @@ public:
     StringRegister(RegisterPort& port, RegisterRange range) : m_port(port), m_range(range) {}
 
     [[nodiscard]] std::string read() const;
-    /// Writes all bytes of the register at once, leaving those that share its first and last word as they
-    /// are, and reads them back if the camera lets it. InvalidArgumentException when the text does not fit or
-    /// holds a NUL, as there is no way to write it; RuntimeException when the camera has acknowledged it and
-    /// holds another one. Blanks at the end do not count: some cameras pad with them.
+    /// Writes all bytes of the register at once, preserving those that share its first and last word, and
+    /// reads them back if the camera allows it. Throws InvalidArgumentException if the text does not fit or
+    /// contains a NUL, which cannot be written; RuntimeException if the camera acknowledges it but holds
+    /// another one. Trailing blanks do not count: some cameras pad with them.
     void write(std::string_view text) const;
     [[nodiscard]] std::uint32_t length() const { return m_range.length; }
 
@@ -33,7 +33,7 @@ private:
     RegisterRange m_range;
 };
 
-/// A feature by its name. One that is no text offers nothing more here.
+/// A feature with its name. One that is not a text offers nothing more here.
 class NamedNode : public GenApi::INode
 {
 public:
@@ -47,7 +47,7 @@ private:
     std::string m_name;
 };
 
-/// The standard register for the name that a user gives a camera.
+/// The standard register for the user-defined name.
 class NameRegisterNode : public NamedNode, public GenApi::IString
 {
 public:
@@ -67,8 +67,8 @@ class StandardName
 public:
     explicit StandardName(RegisterPort& port) : m_port(port) {}
 
-    /// Null if there is none. The camera is asked at the first call; throws what the port throws if the
-    /// camera does not answer.
+    /// Null if there is none. Asks the camera on the first call; throws what the port throws if the camera
+    /// does not answer.
     [[nodiscard]] NameRegisterNode* get();
 
 private:
@@ -78,8 +78,8 @@ private:
 };
 
 /// A StringReg or String node of a description. A fixed text is never writable, since the camera would not
-/// see it. A node that its description does not resolve to a register or a fixed text within two seconds
-/// throws Unresolvable when it is used.
+/// see it. A node that cannot be resolved to a register or a fixed text within two seconds throws
+/// Unresolvable when it is used.
 class XmlStringNode : public NamedNode, public GenApi::IString
 {
 public:

@@ -41,9 +41,9 @@ bool isBlank(char letter)
     return letter == ' ' || letter == '\t' || letter == '\r' || letter == '\n';
 }
 
-/// The size of the tree that the parser builds of a text at most, with our index, in bytes: a node for each
-/// tag that begins an element and for each text that is not the first thing in its element, and an attribute
-/// for each equals sign. What only looks like a tag, in comments say, is counted as well.
+/// The largest size in bytes that the parser's tree of a text can have, with our index: a node for each tag
+/// that begins an element and for each text that is not the first thing in its element, and an attribute for
+/// each equals sign. Also counts what only looks like a tag, such as in comments.
 std::size_t treeSizeOf(std::string_view text)
 {
     constexpr std::size_t nodeSize = 64; // bytes, as the parser's structures are on 64-bit systems
@@ -96,7 +96,7 @@ pugi::xml_node XmlDescription::find(std::string_view name) const
 
 void XmlDescription::index(pugi::xml_node root)
 {
-    // Groups nest as deep as the camera likes, so the way back is kept here and not on the stack.
+    // Groups may be nested to any depth, so that a recursion could overflow the stack.
     std::vector<pugi::xml_node> open{root.first_child()};
     while (!open.empty()) {
         const pugi::xml_node element = open.back();
@@ -111,7 +111,7 @@ void XmlDescription::index(pugi::xml_node root)
             m_nodes.emplace_back(name.value(), element);
         }
     }
-    // Of several nodes with one name the first counts. (clang 14 does not compile std::ranges::unique.)
+    // Of several nodes with the same name, the first counts. (clang 14 does not compile std::ranges::unique.)
     std::ranges::stable_sort(m_nodes, {}, [](const auto& node) { return node.first; });
     const auto haveOneName = [](const auto& a, const auto& b) { return a.first == b.first; };
     m_nodes.erase(std::unique(m_nodes.begin(), m_nodes.end(), haveOneName), m_nodes.end());

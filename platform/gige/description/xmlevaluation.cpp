@@ -19,7 +19,7 @@ namespace {
     throw Unresolvable("node " + excerpt(node.attribute("Name").value()) + " " + std::string(reason));
 }
 
-/// Decimal with a sign or hexadecimal after `0x`, where 64 bits may be given.
+/// Parses a signed decimal number, or up to 64 bits in hexadecimal after `0x`.
 std::int64_t number(pugi::xml_node node, std::string_view text)
 {
     const bool hex = text.starts_with("0x") || text.starts_with("0X");

@@ -11,46 +11,46 @@ namespace gige {
 class RegisterPort;
 class XmlDescription;
 
-/// A node's value cannot be had from its description; `what()` names the node and the reason.
+/// A node's value cannot be determined from its description; `what()` names the node and the reason.
 class Unresolvable : public std::runtime_error
 {
 public:
     using runtime_error::runtime_error;
 };
 
-/// A stretch of a camera's register space.
+/// A range of a camera's register space.
 struct RegisterRange
 {
     std::uint32_t address = 0;
     std::uint32_t length = 0; // bytes, at least 1; the end is within the 32-bit register space
 };
 
-/// What applies to a node at this moment.
+/// What a node grants at this moment.
 struct Access
 {
     bool readable = true;
     bool writable = true;
 };
 
-/// Works out what a description says about its nodes, reading those registers that it needs. Knows the nodes
-/// Integer, IntReg, MaskedIntReg and Boolean with what they refer to, and no formulas. One object serves one
-/// use of a node: it looks at no more than MaxSteps nodes, which ends circles.
+/// Evaluates the nodes of a description, reading the registers that this takes. Supports the nodes Integer,
+/// IntReg, MaskedIntReg and Boolean with their references, but no formulas. One object serves one use of a
+/// node: it visits at most MaxSteps nodes, which ends circular references.
 class XmlEvaluation
 {
 public:
-    static constexpr int MaxSteps = 256; // far above what descriptions in use need for one value
+    static constexpr int MaxSteps = 256; // far more than real descriptions need for one value
 
     XmlEvaluation(const XmlDescription& description, RegisterPort& port)
         : m_description(description), m_port(port)
     {}
 
-    /// The node of that name; throws Unresolvable when there is none or after MaxSteps.
+    /// The node with that name; throws Unresolvable if there is none or after MaxSteps.
     [[nodiscard]] pugi::xml_node node(pugi::xml_node from, std::string_view name);
-    /// Where the register node lies, at the sum of its addresses. Throws Unresolvable, also when it has more
-    /// than `maxLength` bytes.
+    /// The range of the register node, which begins at the sum of its addresses. Throws Unresolvable, also if
+    /// it has more than `maxLength` bytes.
     [[nodiscard]] RegisterRange range(pugi::xml_node registerNode, std::uint32_t maxLength);
-    /// The access of that node alone, not of those it refers to. A condition that cannot be evaluated counts
-    /// as one that does not restrict.
+    /// The access of that node alone, not of those it refers to. A condition that cannot be evaluated does
+    /// not restrict it.
     [[nodiscard]] Access access(pugi::xml_node of);
 
 private:

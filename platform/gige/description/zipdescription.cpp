@@ -22,8 +22,9 @@ using Entry = std::unique_ptr<zip_file_t, decltype(&zip_fclose)>;
     throw DescriptionError("the zip archive cannot be used: " + reason);
 }
 
-/// Each entry of the directory begins with this signature. The library keeps some hundred bytes of each entry
-/// in memory and finds equal names by a hash table, whose chains an archive can make long.
+/// Limits the number of entries, each of which begins with this signature in the directory. The library keeps
+/// some hundred bytes per entry in memory and their names in a hash table, whose chains an archive can make
+/// long.
 void checkDirectory(std::span<const std::uint8_t> bytes)
 {
     constexpr std::array<std::uint8_t, 4> signature{'P', 'K', 1, 2};
@@ -83,7 +84,7 @@ zip_uint64_t indexOfXml(zip_t* archive)
     return 0;
 }
 
-/// Other methods would let the archive choose how much memory its decoder takes.
+/// Other methods would let the archive decide how much memory its decoder takes.
 bool isStoredOrDeflated(zip_t* archive, zip_uint64_t index)
 {
     zip_stat_t stat;
@@ -106,7 +107,7 @@ std::string unzipDescription(std::span<const std::uint8_t> archive, std::size_t 
         fail(zip_strerror(opened.get()));
     }
     std::string xml;
-    xml.reserve(maxSize); // what is not written to takes no memory, growing would take it twice
+    xml.reserve(maxSize); // unwritten pages take no memory; growing would take twice as much
     std::array<char, std::size_t{64} << 10> chunk{};
     while (true) {
         const zip_int64_t size = zip_fread(entry.get(), chunk.data(), chunk.size());

@@ -7,19 +7,19 @@
 
 namespace gige {
 
-/// When one request is sent again and when it is given up, counted from its start.
+/// When a request is sent again and when it is given up, counted from its start.
 struct RetryPlan
 {
     std::span<const std::chrono::milliseconds> sendAt; // ascending; the first is 0
     std::chrono::milliseconds giveUpAfter;
 };
 
-/// The clock of one request: says when to send it and when to stop waiting. All times are absolute, so that
-/// no flood of other packets stretches them.
+/// The schedule of one request: when to send it and when to stop waiting. All times are absolute, so that a
+/// flood of other packets cannot stretch them.
 class Attempts
 {
 public:
-    /// Never later than `limit`, whatever plan and camera say.
+    /// Ends at `limit` at the latest, whatever the plan and the camera ask for.
     Attempts(const RetryPlan& plan, Clock::time_point start,
              Clock::time_point limit = Clock::time_point::max());
 
@@ -29,9 +29,9 @@ public:
     /// When isSendDue() or isOver() next changes.
     [[nodiscard]] Clock::time_point nextEvent() const;
     [[nodiscard]] bool wasExtended() const { return m_extended; }
-    /// The camera asked for more time: waits longer, but for no request more than MaxWait, and sends no more.
+    /// For a camera that asks for more time: waits longer, up to MaxWait for the request, and stops sending.
     void extend(std::chrono::milliseconds more, Clock::time_point now);
-    /// Sends no more, and waits only so much longer.
+    /// Stops sending and waits only this much longer.
     void conclude(std::chrono::milliseconds rest, Clock::time_point now);
 
     static constexpr std::chrono::seconds MaxWait{10}; // less than MaxOperationTime, so that time is left

@@ -14,8 +14,8 @@ using namespace std::chrono_literals;
 
 constexpr std::array<std::chrono::milliseconds, 5> acknowledgedSends{0ms, 100ms, 200ms, 300ms, 400ms};
 constexpr std::array<std::chrono::milliseconds, 5> restartSends{0ms, 40ms, 80ms, 120ms, 160ms};
-constexpr auto objectionTime = 100ms; // a simple camera takes 60 ms for an answer
-constexpr std::size_t batch = 64;     // datagrams of one socket before the clock is looked at
+constexpr auto objectionTime = 100ms; // a simple camera takes 60 ms to answer
+constexpr std::size_t batch = 64;     // datagrams of one socket before the clock is checked
 
 class Conversation
 {
@@ -85,11 +85,11 @@ void Conversation::handle(const Datagram& datagram)
         m_status = reply.status;
         m_settled = true;
     } else if (isAcknowledged) {
-        return; // the second copy of the command, which was broadcast in two ways
+        return; // to the second copy of the command, which is broadcast in two ways
     } else if (reply.kind == Pending) {
         m_attempts.extend(reply.moreTime, Clock::now());
     } else if (reply.kind == Busy) {
-        m_status = reply.status; // with the first copy, perhaps, which it may yet do
+        m_status = reply.status; // perhaps with the first copy, which it may still carry out
     } else {
         m_status = gvcp::Status::Success;
         m_attempts.conclude(objectionTime, Clock::now());

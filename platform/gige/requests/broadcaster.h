@@ -18,24 +18,25 @@ struct SendFailure
     friend bool operator==(const SendFailure&, const SendFailure&) = default;
 };
 
-/// Speaks to every camera on every network of this host at once, whatever their addresses: one socket for
-/// each host address, so that the port at which an answer arrives tells which of them asked.
+/// Sends to every camera on every network of this host at once, whatever their addresses. There is one socket
+/// for each host address, so that the port at which an answer arrives tells which of them asked.
 class Broadcaster
 {
 public:
-    /// An adapter that cannot be used is traced and left out. Throws SocketException when the adapters cannot
+    /// An adapter that cannot be used is logged and left out. Throws SocketException if the adapters cannot
     /// be listed.
     Broadcaster();
 
-    /// Sends to the limited broadcast and the subnet's own, from every host address. A way that fails is
-    /// traced and not tried again, unless it was only short of memory.
+    /// Sends to the limited broadcast address and to the subnet's own, from every host address. A destination
+    /// that fails is logged and not tried again, unless the socket was only full for the moment.
     void send(gvcp::Bytes packet);
-    /// The same from the host address of one channel, to its subnet's own broadcast only if `asksSubnet`.
+    /// The same from the host address of one channel; to the subnet's own broadcast address only if
+    /// `asksSubnet`.
     void send(std::size_t channel, gvcp::Bytes packet, bool asksSubnet);
 
-    /// Whether any packet could be sent so far.
+    /// Whether any packet has been sent so far.
     [[nodiscard]] bool hasSent() const { return m_hasSent; }
-    /// Whether any way is left that has not failed for good.
+    /// Whether any destination has not failed for good.
     [[nodiscard]] bool canSend() const;
     /// What kept the adapters from sending.
     [[nodiscard]] const std::vector<SendFailure>& failures() const { return m_failures; }
@@ -49,8 +50,8 @@ public:
     /// Adds one entry for each channel, in their order.
     void appendTo(std::vector<pollfd>& sockets) const;
 
-    /// Hands on what waits at a channel, at most `limit` datagrams, so that a flood leaves time to look at
-    /// the clock. What another adapter heard is dropped: there the same packet has, or had, its own channel.
+    /// Passes on what a channel has received, at most `limit` datagrams, so that a flood leaves time to check
+    /// the clock. Packets received by another adapter are dropped: that adapter has a channel of its own.
     void receive(std::size_t channel, std::size_t limit, const std::function<void(const Datagram&)>& handle);
 
 private:

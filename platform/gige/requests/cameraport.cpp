@@ -50,7 +50,7 @@ Tessal::Setting writtenAt(std::uint32_t address)
     return isName ? Tessal::Setting::Name : Tessal::Setting::None;
 }
 
-/// What a camera refuses to be read is no new value of a setting.
+/// A failed read is never about the new value of a setting.
 Tessal::Setting readAt(std::uint32_t address)
 {
     if (address == gvcp::Register::ControlChannelPrivilege) {
@@ -59,7 +59,7 @@ Tessal::Setting readAt(std::uint32_t address)
     return address < gvcp::DiscoveryAck::Size ? Tessal::Setting::Identity : Tessal::Setting::None;
 }
 
-/// A register's value as a Failure tells it; empty for registers that are no setting of their own.
+/// A register's value as the text of a Failure; empty for registers that are not a setting of their own.
 std::string textOf(std::uint32_t value, Tessal::Setting setting)
 {
     switch (setting) {
@@ -197,8 +197,8 @@ void CameraPort::writeBlock(std::uint32_t address, std::span<const std::uint8_t>
     try {
         static_cast<void>(writing.run());
     } catch (const GenICam::TimeoutException&) {
-        // A camera that asked for time has heard the command; perhaps only its last word was lost. (The
-        // privilege may look as wanted because another application has it.)
+        // A camera that asked for more time has received the command; perhaps only its final answer was lost.
+        // (The privilege may read as wanted because another application has it.)
         if (!writing.askedForMoreTime() || address == gvcp::Register::ControlChannelPrivilege ||
             !holds(address, block)) {
             throw;

@@ -7,22 +7,21 @@
 
 namespace gige {
 
-/// How long a camera is asked: 2.5 s in seven tries, the first repeats early, so that a lost packet costs
-/// little and a slow camera is not flooded. Where every fifth packet is lost either way, one request in a
-/// thousand fails.
+/// Seven tries in 2.5 s, the first repeats early, so that a lost packet costs little and a slow camera is not
+/// flooded. If every fifth packet is lost in each direction, one request in a thousand fails.
 [[nodiscard]] RetryPlan patientPlan();
-/// For questions whose answer "not there" must not keep the user waiting: half a second.
+/// For requests that must not keep the user waiting if the camera is not there: half a second.
 [[nodiscard]] RetryPlan quickPlan();
 
-/// The registers of the camera at one address. One command is under way at a time; its answer must come from
-/// the camera's control port, carry its id and fit what was asked; everything else that arrives is dropped.
-/// While a camera takes the time that it asked for, it is sent heartbeats, so that it keeps our session open.
-/// The texts of the exceptions name the camera, what was asked of it and what came back.
+/// The registers of the camera at one address. One command is pending at a time; its answer must come from
+/// the camera's control port, carry its id and match the request; everything else that arrives is dropped.
+/// While a camera takes the time that it asked for, it is sent heartbeats so that it keeps our session open.
+/// The texts of the exceptions name the camera, the request and what came back.
 class CameraPort final : public RegisterPort
 {
 public:
-    /// Speaks to the camera through the adapter of that index, 0 for any. Sends nothing. Throws
-    /// SocketException when no network of the adapter holds the address.
+    /// Uses the adapter with that index, 0 for any. Sends nothing. Throws SocketException if the address is
+    /// in no network of the adapter.
     explicit CameraPort(net::Ipv4 address, int adapterIndex = 0);
 
     void read(std::uint32_t address, std::span<std::uint8_t> to) override;
@@ -33,7 +32,7 @@ public:
     void writeRegister(std::uint32_t address, std::uint32_t value);
 
     void setPlan(const RetryPlan& plan) { m_plan = plan; }
-    /// Whether longer writes may use WRITEMEM. Without it, and once the camera has refused it, they go
+    /// Whether longer writes may use WRITEMEM. Without it, and once the camera has refused it, they are sent
     /// register by register.
     void setWriteMemGranted(bool granted) { m_writeMemGranted = granted; }
 
@@ -52,7 +51,7 @@ private:
     void readAnyBlock(std::uint32_t address, std::span<std::uint8_t> to);
     void readMemoryBlock(std::uint32_t address, std::span<std::uint8_t> to);
     void writeBlock(std::uint32_t address, std::span<const std::uint8_t> block);
-    /// Asks the camera whether these bytes are there; false also when it does not say.
+    /// Asks the camera whether these bytes are there; false also if it does not answer.
     [[nodiscard]] bool holds(std::uint32_t address, std::span<const std::uint8_t> block);
 
     net::Ipv4 m_address;

@@ -31,7 +31,7 @@ void putMac(std::span<std::uint8_t> payload, std::size_t offset, const net::MacA
     std::ranges::copy(mac.bytes, payload.subspan(offset).begin());
 }
 
-/// `field` must lie within the payload. The text ends at NUL, and at FF, which erased memory is full of.
+/// The field must lie within the payload. The text ends at NUL, or at FF, which fills erased memory.
 std::string getText(Bytes payload, std::size_t offset, std::size_t size)
 {
     const Bytes field = payload.subspan(offset, size);
@@ -44,7 +44,7 @@ std::string getBytes(Bytes payload, std::size_t offset, std::size_t size)
     return {field.begin(), std::ranges::find(field, 0)};
 }
 
-/// How many bytes the UTF-8 character at the beginning takes (RFC 3629); 0 when there is none.
+/// The size in bytes of the UTF-8 character at the beginning of the text (RFC 3629); 0 if there is none.
 std::size_t characterSize(std::string_view text)
 {
     const auto byte = [&](std::size_t i) { return static_cast<std::uint8_t>(text[i]); };
@@ -70,8 +70,8 @@ std::size_t characterSize(std::string_view text)
     return 0;
 }
 
-/// Puts '?' in the place of every byte that is no part of a character: the text gets no longer by that, as it
-/// would by the replacement character, and so can still be stored.
+/// Replaces every byte that is not part of a character with '?'. Unlike the replacement character, this does
+/// not make the text longer, so that it can still be stored.
 std::string validUtf8(std::string text)
 {
     for (std::size_t i = 0; i < text.size();) {

@@ -10,8 +10,8 @@
 #include <string_view>
 #include <vector>
 
-/// GVCP messages to and from bytes. Pure functions: encoders give the whole datagram, decoders take what came
-/// and give nullopt for anything that is no such message. Cameras may send more than is needed; the surplus
+/// Converts GVCP messages to and from bytes. Pure functions: encoders return the whole datagram, decoders
+/// return nullopt for anything that is not such a message. Cameras may send more than is needed; the surplus
 /// is ignored.
 namespace gvcp {
 
@@ -19,7 +19,7 @@ using Packet = std::vector<std::uint8_t>;
 using Bytes = std::span<const std::uint8_t>;
 
 /// How a camera describes itself: the payload of a DISCOVERY acknowledge and the first 248 bytes of its
-/// registers. Texts are the camera's bytes up to the first NUL or FF, and at most the field.
+/// registers. Texts are the camera's bytes up to the first NUL or FF, or to the end of the field.
 struct Identity
 {
     net::MacAddress mac;
@@ -33,7 +33,7 @@ struct Identity
     std::string deviceVersion;
     std::string manufacturerInfo;
     std::string serialNumber;
-    std::string userDefinedName;       // UTF-8, with '?' for each byte that is none
+    std::string userDefinedName;       // UTF-8, with '?' for each invalid byte
     std::string storedUserDefinedName; // byte for byte, up to the first NUL
 
     friend bool operator==(const Identity&, const Identity&) = default;
@@ -56,7 +56,7 @@ struct StoredConfiguration
     net::Ipv4 ip;
     net::Ipv4 mask;
     net::Ipv4 gateway;
-    std::string_view userDefinedName; // what is beyond the field's 16 bytes is left out
+    std::string_view userDefinedName; // cut off at the field's 16 bytes
 };
 
 [[nodiscard]] Packet encodeDiscovery(std::uint16_t requestId);
@@ -69,8 +69,8 @@ struct StoredConfiguration
 [[nodiscard]] Packet encodeReadMem(std::uint16_t requestId, std::uint32_t address, std::uint16_t count);
 [[nodiscard]] Packet encodeWriteMem(std::uint16_t requestId, std::uint32_t address, Bytes data);
 
-/// An acknowledge whose header is in order and which is as long as that says; the payload points into the
-/// datagram, and what follows it is ignored.
+/// An acknowledge with a valid header and at least the length that it states. The payload points into the
+/// datagram; what follows it is ignored.
 struct Acknowledge
 {
     Status status = Status::Error;
@@ -78,7 +78,7 @@ struct Acknowledge
     std::uint16_t requestId = 0;
     Bytes payload;
 
-    /// The camera did not do what was asked. Codes without the error bit are remarks on a success.
+    /// Whether the camera did not do what was asked. Codes without the error bit only qualify a success.
     [[nodiscard]] bool isRefusal() const { return (static_cast<std::uint16_t>(status) & 0x8000) != 0; }
 };
 
@@ -88,7 +88,7 @@ struct Acknowledge
 [[nodiscard]] std::optional<std::uint32_t> decodeReadRegAck(Bytes payload);
 /// The data, `count` bytes from `address`, if the payload holds them.
 [[nodiscard]] std::optional<Bytes> decodeReadMemAck(Bytes payload, std::uint32_t address, std::size_t count);
-/// How long the camera wants to be waited for.
+/// How much more time the camera asks for.
 [[nodiscard]] std::optional<std::chrono::milliseconds> decodePendingAck(Bytes payload);
 
 } // namespace gvcp

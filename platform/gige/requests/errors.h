@@ -9,21 +9,22 @@
 
 namespace gige {
 
-/// This host could not send or listen: the adapter is down, there is no way to the address, no permission.
+/// This host cannot send or receive: the adapter is down, the address is out of reach, or permission is
+/// denied.
 class SocketException : public GenICam::RuntimeException
 {
 public:
     using RuntimeException::RuntimeException;
 };
 
-/// The camera answered, and said no for another reason than privilege.
+/// The camera refused a request for another reason than a missing privilege.
 class RefusalException : public GenICam::RuntimeException
 {
 public:
     using RuntimeException::RuntimeException;
 };
 
-/// The type name that an exception carries; null for a type that raise() is not made for.
+/// The type name that an exception carries; null for types that raise() does not support.
 template <typename E>
 inline constexpr const char* exceptionName = nullptr;
 template <>
@@ -41,7 +42,7 @@ inline constexpr const char* exceptionName<RefusalException> = "RefusalException
 template <>
 inline constexpr const char* exceptionName<SocketException> = "SocketException";
 
-/// Throws an E that says where it was thrown. Not by std::source_location, which clang 14 does not know.
+/// Throws an E that says where it was thrown. Does not use std::source_location, which clang 14 lacks.
 template <typename E>
 [[noreturn]] void raise(const std::string& text, const char* file = __builtin_FILE(),
                         unsigned int line = __builtin_LINE())
@@ -61,18 +62,18 @@ template <typename E>
         std::move(failure));
 }
 
-/// What an exception tells of its failure; null for one that tells nothing.
+/// The failure that an exception carries; null if it carries none.
 [[nodiscard]] const Tessal::Failure* failureOf(const std::exception& exception);
-/// Whether the camera refused what was asked, for another reason than that it was busy.
+/// Whether the camera refused the request for another reason than being busy.
 [[nodiscard]] bool isRefusal(const std::exception& exception);
 
-/// What a camera means by the status, with its hexadecimal code: "the register is write protected (8004)".
+/// What the status means, with its hexadecimal code: "the register is write protected (8004)".
 [[nodiscard]] std::string describeStatus(gvcp::Status status);
 
-/// The beginning of a text that came from a camera, at most 64 bytes in quotation marks, for a message.
+/// The beginning of a text from a camera, at most 64 bytes in quotation marks, for a message.
 [[nodiscard]] std::string excerpt(std::string_view text);
 
-/// "0x0A00"
+/// The value in hexadecimal: "0x0A00".
 [[nodiscard]] std::string hex(std::uint32_t value);
 
 } // namespace gige

@@ -13,12 +13,12 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// Often enough for a camera that drops an application that is silent for a second, as few do, even when some
-// are lost.
+// Often enough, even if some are lost, for the few cameras that drop an application after a second of
+// silence.
 constexpr auto heartbeatInterval = 300ms;
 
-/// Errors that another packet's fate left on the socket: while a camera restarts, its address may be refused
-/// or unreachable for a while.
+/// Whether the error on the socket is that of an earlier packet: while a camera restarts, its address may
+/// refuse packets or be unreachable for a while.
 bool isEarlierPacketsError(int error)
 {
     return error == ECONNREFUSED || error == EHOSTUNREACH || error == EHOSTDOWN;
@@ -88,7 +88,7 @@ void Exchange::send(const Request& request)
     }
 }
 
-/// Whether it answers an earlier request about registers: a camera that is slow answers every repeat.
+/// Whether the datagram answers an earlier register request: a slow camera answers every repeat.
 bool Exchange::isLate(gvcp::Bytes datagram) const
 {
     constexpr int recently = 256; // requests

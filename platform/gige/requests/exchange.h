@@ -9,30 +9,30 @@
 
 namespace gige {
 
-/// What a request is about, for the exceptions that tell of its failure.
+/// What a request is about, for the exceptions that report its failure.
 struct Subject
 {
     net::Ipv4 camera;
     std::string what; // "WRITEREG of 0x0006 to 0x0014"
     Tessal::Setting setting = Tessal::Setting::None;
-    std::string wanted; // what is to be written, where it has a text
+    std::string wanted; // the value to be written, if it has a text form
 };
 
-/// One request to one camera and all that belongs to it, from its first sending until it is answered or given
-/// up.
+/// One request to one camera, from its first packet until it is answered or given up.
 class Exchange
 {
 public:
-    /// The socket is connected to the camera's control port. Given up at `limit` at the latest.
+    /// The socket must be connected to the camera's control port. The request is given up at `limit` at the
+    /// latest.
     Exchange(const UdpSocket& socket, Request request, Subject subject, const RetryPlan& plan,
              Clock::time_point limit);
 
-    /// Gives the payload of the success. Throws AccessException when the camera refuses for want of
-    /// privilege, RefusalException for any other refusal and when it stays busy, TimeoutException when it
-    /// does not answer, SocketException when this host cannot send.
+    /// Returns the payload of the answer. Throws AccessException if the camera refuses for lack of privilege,
+    /// RefusalException for any other refusal and if it stays busy, TimeoutException if it does not answer,
+    /// SocketException if this host cannot send.
     [[nodiscard]] gvcp::Packet run();
 
-    /// Whether the camera said that it has heard the request and needs time.
+    /// Whether the camera confirmed that it has received the request and asked for time.
     [[nodiscard]] bool askedForMoreTime() const { return m_attempts.wasExtended(); }
 
 private:
@@ -55,9 +55,9 @@ private:
     Attempts m_attempts;
     Clock::time_point m_heartbeatAt;
     gvcp::Packet m_answer;
-    bool m_isBusy = false; // as the latest answer said
+    bool m_isBusy = false; // according to the latest answer
     int m_pendingAnswers = 0;
-    std::chrono::milliseconds m_latestPending{}; // what it asked for
+    std::chrono::milliseconds m_latestPending{}; // the time it asked for
     int m_unmatchedPackets = 0;
 };
 

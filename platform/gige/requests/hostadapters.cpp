@@ -25,7 +25,7 @@ net::Ipv4 addressOf(const sockaddr* generic)
     return {ntohl(address.sin_addr.s_addr)};
 }
 
-/// Without a label such as the ":1" of eth0:1.
+/// The adapter's name without a label such as the ":1" of eth0:1.
 std::string adapterName(const ifaddrs& entry)
 {
     const std::string name(entry.ifa_name);

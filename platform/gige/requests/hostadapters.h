@@ -19,12 +19,12 @@ struct HostAddress
 };
 
 /// Every IPv4 address of the adapters that can carry a broadcast: up, running, neither loopback nor point to
-/// point. An adapter with several addresses comes several times. Throws SocketException when the operating
-/// system cannot tell.
+/// point. An adapter with several addresses appears several times. Throws SocketException if the operating
+/// system cannot list them.
 [[nodiscard]] std::vector<HostAddress> hostAddresses();
 
-/// The adapters that could carry a broadcast and have no IPv4 address to ask from; a lease that did not come
-/// is the usual reason. Throws as hostAddresses().
+/// The adapters that could carry a broadcast but have no IPv4 address to send from, usually because no DHCP
+/// server answered. Throws like hostAddresses().
 [[nodiscard]] std::vector<std::string> adaptersWithoutIpv4();
 
 } // namespace gige

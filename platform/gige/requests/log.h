@@ -2,8 +2,8 @@
 
 #include "ozlog/ozlog.h"
 
-/// The trace log of the camera layer: "Lanvic.Camera.Search" tells how cameras were found,
-/// "Lanvic.Camera.Requests" what was asked of a single one.
+/// The trace log of the camera layer: "Lanvic.Camera.Search" reports how cameras are found,
+/// "Lanvic.Camera.Requests" the requests to single cameras.
 namespace gige {
 
 template <typename... Args>

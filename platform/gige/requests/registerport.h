@@ -9,12 +9,12 @@
 
 namespace gige {
 
-/// No camera holds the window longer by one operation, such as being opened or taking an address.
+/// The longest time that one operation on a camera, such as opening it, may block the window.
 inline constexpr std::chrono::seconds MaxOperationTime{15};
 
-/// Access to the register space of one camera. Failures arrive as GenICam exceptions: AccessException when
-/// the camera refuses for want of privilege, RefusalException for any other refusal, TimeoutException when it
-/// does not answer, another RuntimeException when this host cannot send.
+/// Access to the register space of one camera. Failures arrive as GenICam exceptions: AccessException if the
+/// camera refuses for lack of privilege, RefusalException for any other refusal, TimeoutException if it does
+/// not answer, another RuntimeException if this host cannot send.
 class RegisterPort
 {
 public:
@@ -25,20 +25,21 @@ public:
 
     using TimePoint = std::chrono::steady_clock::time_point;
 
-    /// Fills `to` with the bytes from `address` on. Any address and any length; the port aligns and splits.
+    /// Fills `to` with the bytes from `address` on. Any address and any length are allowed: the port aligns
+    /// and splits.
     virtual void read(std::uint32_t address, std::span<std::uint8_t> to) = 0;
-    /// The same for what is memory and no register: a single word is asked for as memory, too. Cameras refuse
-    /// to read such a word as a register, or turn its bytes round.
+    /// The same for memory other than registers: even a single word is read as memory. Read as a register,
+    /// cameras refuse such a word or swap its bytes.
     virtual void readMemory(std::uint32_t address, std::span<std::uint8_t> to) = 0;
-    /// Writes `from` at `address`; both must be multiples of 4, else InvalidArgumentException.
+    /// Writes `from` at `address`. Throws InvalidArgumentException unless address and length are multiples of
+    /// 4.
     virtual void write(std::uint32_t address, std::span<const std::uint8_t> from) = 0;
 
-    /// From then on a request counts as not answered.
+    /// The time at which any request counts as unanswered.
     [[nodiscard]] TimePoint deadline() const { return m_deadline; }
     void setDeadline(TimePoint deadline) { m_deadline = deadline; }
 
-    /// What is left of MaxOperationTime for the use of a feature: to find out where it is may have taken
-    /// long.
+    /// What is left of MaxOperationTime for using a feature, after the time that it took to find it.
     [[nodiscard]] std::chrono::milliseconds featureTime() const
     {
         return MaxOperationTime - m_spentOnFeatures;
@@ -53,7 +54,7 @@ private:
     TimePoint m_deadline = TimePoint::max();
 };
 
-/// Limits the time of all requests through a port together, while it lives.
+/// While it exists, limits the total time of all requests through a port.
 class TimeLimit
 {
 public:

@@ -9,10 +9,10 @@ namespace gige {
 
 namespace {
 
-/// Never 0, and none that was used lately.
+/// Never 0, and never an id that was used recently.
 std::uint16_t nextRequestId()
 {
-    // A random start keeps a late answer to an earlier run of the program from fitting.
+    // A random start keeps late answers to an earlier run of the program from matching.
     static std::uint16_t last = static_cast<std::uint16_t>(std::random_device{}());
     ++last;
     if (last == 0) {
@@ -120,8 +120,8 @@ bool Request::suffices(gvcp::Bytes payload) const
             .has_value();
     }
     default:
-        // Cameras differ in what they say about a success beyond its status, and some say nothing. What was
-        // written is read back.
+        // Cameras differ in what they report beyond the status of a success, and some report nothing. What
+        // was written is read back.
         return true;
     }
 }

@@ -7,12 +7,12 @@
 
 namespace gige {
 
-/// What a packet is to a request that is under way.
+/// What a received packet means to a pending request.
 struct Reply
 {
     enum class Kind {
-        NotOurs, // another request's, or no answer that this one can have
-        Pending, // the camera has heard the command and asks for `moreTime`
+        NotOurs, // another request's, or not a valid answer to this one
+        Pending, // the camera has received the command and asks for `moreTime`
         Busy,    // the camera has no time for it; a repeat may find it idle
         Refused, // `status` says why
         Done,    // `payload` holds at least what the command asked for
@@ -25,9 +25,8 @@ struct Reply
     bool namesCamera = false; // the answer carries the MAC address of the camera that was meant
 };
 
-/// One command with an id of its own, and the judgement of the packets that come while it is under way: the
-/// only place that decides what an answer is. From where it may come is for those who send it to say. Repeats
-/// are sent with the same bytes.
+/// One command with its own id. judge() is the only place that decides what is an answer to it; the sender
+/// decides where an answer may come from. Repeats are sent with the same bytes.
 class Request
 {
 public:
@@ -36,7 +35,7 @@ public:
     [[nodiscard]] static Request broadcastIpConfig(const gvcp::StoredConfiguration& configuration);
     [[nodiscard]] static Request readRegister(std::uint32_t address);
     [[nodiscard]] static Request writeRegister(std::uint32_t address, std::uint32_t value);
-    /// `count` in bytes, a multiple of 4 and at most gvcp::MaxDataSize, as the size of `data` below.
+    /// `count` in bytes, a multiple of 4 and at most gvcp::MaxDataSize, as is the size of `data` below.
     [[nodiscard]] static Request readMemory(std::uint32_t address, std::uint16_t count);
     [[nodiscard]] static Request writeMemory(std::uint32_t address, gvcp::Bytes data);
 
@@ -60,7 +59,7 @@ private:
     gvcp::Ack m_expected;
 };
 
-/// The id of the request that a packet may be an answer to; nullopt for what is no acknowledge.
+/// The id of the request that a packet may answer; nullopt if it is not an acknowledge.
 [[nodiscard]] std::optional<std::uint16_t> requestIdOf(gvcp::Bytes datagram);
 
 } // namespace gige

@@ -34,7 +34,7 @@ Endpoint fromSockaddr(const sockaddr_in& address)
     return {.address = {ntohl(address.sin_addr.s_addr)}, .port = ntohs(address.sin_port)};
 }
 
-/// `peer` is the camera's address, if it is about one.
+/// `peer` is the camera's address, if the failure is about a camera.
 [[noreturn]] void failWithErrno(const std::string& what, const std::string& peer = {})
 {
     const std::string reason = net::describeErrno(errno);
@@ -50,7 +50,7 @@ void switchOn(int descriptor, int level, int option, const char* name)
     }
 }
 
-/// Control messages of one IP_PKTINFO, aligned as the kernel wants them.
+/// A buffer for one IP_PKTINFO control message, aligned as the kernel requires.
 union PacketInfoBuffer {
     cmsghdr alignment;
     std::array<char, CMSG_SPACE(sizeof(in_pktinfo))> bytes;
@@ -83,8 +83,8 @@ int adapterIndexOf(msghdr& message)
     return 0;
 }
 
-/// The kernel would take any address for one on the link of the adapter that it is told to send through.
-/// Sets errno when not.
+/// Checked here because the kernel treats any address as on the link of an adapter that it is told to use.
+/// Sets errno if it is not.
 bool isWithinReach(net::Ipv4 address, int adapterIndex)
 {
     try {
@@ -96,7 +96,7 @@ bool isWithinReach(net::Ipv4 address, int adapterIndex)
     }
 }
 
-/// The system's structure knows no const, but sending only reads.
+/// The system's structure has no const pointer, but sending only reads.
 iovec readOnly(gvcp::Bytes bytes)
 {
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast)
@@ -236,7 +236,7 @@ void waitReadable(std::span<pollfd> sockets, Clock::time_point until)
     const auto wholeSeconds = duration_cast<seconds>(left);
     const timespec timeout{.tv_sec = wholeSeconds.count(),
                            .tv_nsec = duration_cast<nanoseconds>(left - wholeSeconds).count()};
-    // An interruption only means that the caller looks at the clock and comes back.
+    // After an interruption, the caller checks the clock and waits again.
     ::ppoll(sockets.data(), sockets.size(), &timeout, nullptr);
 }
 

@@ -16,11 +16,11 @@ using Clock = std::chrono::steady_clock;
 
 using net::Endpoint;
 
-/// For one datagram, the largest there is. The longest answer that is needed has 524 bytes, but what a camera
-/// adds to it may come in several fragments, and one that is cut off contradicts its own length.
+/// Holds the largest possible datagram. The longest answer that is needed has 524 bytes, but a camera may add
+/// to it, and a truncated datagram contradicts its own length.
 using ReceiveBuffer = std::array<std::uint8_t, 65536>;
 
-/// The adapter to leave by and the host address to name as the source.
+/// The adapter to send through and the host address to use as the source.
 struct Origin
 {
     int adapterIndex = 0;
@@ -31,11 +31,11 @@ struct Datagram
 {
     gvcp::Bytes bytes; // in the caller's buffer
     Endpoint source;
-    int adapterIndex = 0; // of the adapter that heard it
+    int adapterIndex = 0; // of the adapter that received it
 };
 
-/// A UDP socket on an ephemeral port of every address of this host, so that it hears broadcast answers too.
-/// Never blocks, and never hands a packet to a gateway: cameras are on the link or out of reach.
+/// A UDP socket on an ephemeral port of every address of this host, so that it receives broadcast answers
+/// too. Never blocks, and never sends through a gateway: cameras are on the link or out of reach.
 class UdpSocket
 {
 public:
@@ -49,8 +49,8 @@ public:
 
     /// Throws SocketException.
     void allowBroadcast() const;
-    /// From here on hears only this peer, and only through the adapter of that index unless it is 0. Throws
-    /// SocketException when no network of the adapter, or of any, holds it.
+    /// From then on receives only from this peer, and only through the adapter with that index unless it is
+    /// 0. Throws SocketException if the peer is in no network of the adapter, or of any.
     void connect(const Endpoint& peer, int adapterIndex = 0) const;
     /// The host address that a connected peer sees.
     [[nodiscard]] net::Ipv4 localAddress() const;
@@ -61,18 +61,18 @@ public:
     [[nodiscard]] int sendTo(gvcp::Bytes bytes, const Endpoint& to,
                              std::optional<Origin> from = std::nullopt) const;
 
-    /// The next datagram, or nullopt when none waits or the socket reports an error of an earlier packet. One
-    /// that is longer than the buffer is cut off.
+    /// The next datagram, or nullopt if none is waiting or the socket reports the error of an earlier packet.
+    /// A datagram longer than the buffer is truncated.
     [[nodiscard]] std::optional<Datagram> receive(ReceiveBuffer& buffer) const;
 
 private:
     int m_descriptor = -1;
 };
 
-/// Waits until one of the sockets can be read or the time has come.
+/// Waits until one of the sockets can be read, at most until the given time.
 void waitReadable(std::span<pollfd> sockets, Clock::time_point until);
 
-/// Whether the packet found no room for the moment, so that sending it again later may do.
+/// Whether there was only no room for the packet at the moment, so that sending it again later may succeed.
 [[nodiscard]] bool isTransientSendError(int error);
 
 } // namespace gige

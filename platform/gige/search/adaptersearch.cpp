@@ -12,16 +12,17 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::size_t maxCameras = 4096; // a flood of invented cameras must not eat the memory
+constexpr std::size_t maxCameras = 4096; // a flood of invented cameras must not exhaust the memory
 
-// An answer is missing when it takes as many times as long as others of the camera, and this long beyond.
+// An answer counts as missing after this many times the longest that the camera has taken so far, plus a
+// margin.
 constexpr int overdueFactor = 3;
 constexpr auto overdueMargin = 20ms;
 
 static_assert(std::max(Pace::Quick.maxRounds, Pace::Slow.maxRounds) <= 32, "a bit for each round");
 
-/// Takes up how a camera describes itself now. It may change its address while it is searched for; one that
-/// has its former address again is two.
+/// Stores how a camera describes itself now. It may change its address during a search; but a camera that has
+/// its former address again, or another serial number, is in fact two.
 void update(AdapterSearch::Camera& camera, gvcp::Identity identity)
 {
     const bool isBack = camera.former && *camera.former == identity;
@@ -104,7 +105,7 @@ bool AdapterSearch::missesAnswers(const Camera& camera, std::uint32_t answered, 
 {
     const auto answeredTo = static_cast<std::size_t>(std::bit_width(answered));
     if (static_cast<std::size_t>(std::popcount(answered)) < answeredTo) {
-        return true; // cameras answer in the order in which they are asked
+        return true; // cameras answer rounds in their order
     }
     return answeredTo < m_rounds.size() &&
            m_rounds[answeredTo].sentAt + overdueFactor * camera.lateness + overdueMargin < now;

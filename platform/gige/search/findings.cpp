@@ -16,7 +16,7 @@ using gvcp::Identity;
 
 constexpr std::size_t maxTracedTwins = 10; // a flood of invented cameras must not fill the trace
 
-/// A camera that is listed, and those that it is easily taken for.
+/// A camera that is listed, and those that may be mistaken for it.
 struct Finding
 {
     const Identity* camera = nullptr;
@@ -26,7 +26,7 @@ struct Finding
 
 using Findings = std::map<std::pair<int, net::MacAddress>, Finding>; // by adapter index and MAC address
 
-/// Of two that answer by turns always the same one is listed.
+/// Of two cameras with one MAC address, always lists the same one.
 Finding findingOf(const AdapterSearch::Camera& camera)
 {
     Finding finding{.camera = &camera.identity};
@@ -42,7 +42,8 @@ Finding findingOf(const AdapterSearch::Camera& camera)
     return finding;
 }
 
-/// One camera may be plugged into several networks; with another serial number or address it is another one.
+/// One camera may be connected to several networks; with another serial number or address, it is another
+/// camera.
 void compareAdapters(Findings& findings)
 {
     std::map<net::MacAddress, Finding*> firsts;
@@ -56,14 +57,13 @@ void compareAdapters(Findings& findings)
     }
 }
 
-/// Notes which cameras behind the adapter claim an address that another one there claims too. Returns these
-/// addresses.
+/// Marks the cameras behind the adapter whose address another one there has too. Returns these addresses.
 std::set<net::Ipv4> compareAddresses(Findings& findings, int adapterIndex)
 {
     std::map<net::Ipv4, std::vector<Finding*>> claims;
     std::set<net::Ipv4> contested;
     for (auto& [key, finding] : findings) {
-        if (key.first != adapterIndex || finding.camera->ip == net::Ipv4{}) { // still without an address
+        if (key.first != adapterIndex || finding.camera->ip == net::Ipv4{}) { // has no address yet
             continue;
         }
         auto& claimants = claims[finding.camera->ip];
@@ -84,7 +84,7 @@ std::set<net::Ipv4> compareAddresses(Findings& findings, int adapterIndex)
     return contested;
 }
 
-/// Control characters of a camera must not make lines of their own.
+/// Control characters in a camera's texts must not start lines of their own.
 std::string printable(std::string text)
 {
     std::ranges::replace_if(

@@ -9,8 +9,8 @@
 
 namespace gige {
 
-/// What a search has found, camera by camera for each host address: tells apart the cameras that share an
-/// address behind one adapter, or a MAC address anywhere, and says so in the trace.
+/// What a search has found, camera by camera for each host address. Marks cameras that share an address
+/// behind one adapter, or a MAC address anywhere, and logs them.
 [[nodiscard]] std::vector<FoundCamera> summarize(const std::vector<AdapterSearch>& adapters,
                                                  const Broadcaster& broadcaster, const UnicastProbe& probe);
 

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t reserve = 64;          // entries for the rest of the system
 constexpr std::size_t usualTableSize = 1024; // entries
-constexpr std::size_t reserveOfAdapter = 32; // entries, while there are as many
+constexpr std::size_t reserveOfAdapter = 32; // entries, as long as there are that many
 
 } // namespace
 

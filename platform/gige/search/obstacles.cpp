@@ -20,7 +20,7 @@ int readFilter(const std::string& adapter)
     return value;
 }
 
-/// The host addresses that a search asks from, each adapter's first.
+/// Of the host addresses that a search sends from, the first of each adapter.
 std::vector<HostAddress> firstAddresses(const Broadcaster& asked)
 {
     std::vector<HostAddress> first;

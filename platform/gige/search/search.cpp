@@ -13,10 +13,10 @@ namespace gige {
 
 namespace {
 
-constexpr std::size_t batch = 64;            // datagrams of one socket before the clock is looked at
+constexpr std::size_t batch = 64;            // datagrams of one socket before the clock is checked
 constexpr std::size_t maxLateAnswers = 4096; // of one socket
 
-/// Whether a camera has answered since the search was over that it had not heard.
+/// Whether a camera that the latest search did not hear has answered since.
 bool hasLateAnswers(const SearchHistory& history)
 {
     bool late = false;
@@ -51,7 +51,7 @@ private:
 
     Clock::time_point m_start = Clock::now();
     SearchPace m_pace = Pace::Quick;
-    // Before the broadcaster, which needs as many sockets as there are addresses and does with fewer.
+    // Constructed before the broadcaster, which opens one socket per host address but can do with fewer.
     UnicastProbe m_probe{m_pace, m_start};
     std::unique_ptr<Broadcaster> m_broadcaster = std::make_unique<Broadcaster>();
     std::vector<AdapterSearch> m_adapters;
@@ -85,7 +85,7 @@ std::vector<FoundCamera> Search::run(SearchHistory& history)
         adapter.expect(history.heard);
     }
     for (auto now = m_start; now < m_probe.end(now); now = Clock::now()) {
-        if (now >= m_start + Pace::SlowAfter && !hasHeardAny()) { // those that are slow may be all there are
+        if (now >= m_start + Pace::SlowAfter && !hasHeardAny()) { // all cameras may be slow
             switchToSlowPace();
         }
         sendRounds(now);
@@ -156,7 +156,7 @@ void Search::listen(Clock::time_point now)
 {
     std::vector<pollfd> sockets{{.fd = m_probe.descriptor(), .events = POLLIN, .revents = 0}};
     const auto windowEnd = m_start + m_pace.window;
-    if (now < windowEnd) { // what is only heard later is not taken up
+    if (now < windowEnd) { // later answers are ignored
         m_broadcaster->appendTo(sockets);
     }
     const auto nextRound = now < m_start + m_pace.lastRound ? m_nextRound : Clock::time_point::max();
@@ -196,7 +196,7 @@ std::vector<FoundCamera> searchCameras(SearchHistory& history)
     if (hasLateAnswers(history)) {
         history.slowSearches = Pace::SlowSearches;
     }
-    history.asked.reset(); // before the search needs as many sockets
+    history.asked.reset(); // frees its sockets before the search opens as many
     return Search().run(history);
 }
 

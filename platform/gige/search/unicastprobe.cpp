@@ -14,15 +14,15 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// A camera that is slow with other answers is not asked again before it had the time for this one.
+// A camera that was slow with other answers gets the same time for this one before it is asked again.
 constexpr auto shortestRepeat = 50ms;
 constexpr auto longestRepeat = 200ms;
 constexpr int repeatAfterLatenesses = 3;
 
 constexpr auto fullSocketPause = 5ms;
 // A thousand questions at once, with an address resolution before each, would overrun the queues on their
-// way; and the kernel repeats a lost resolution only after a second.
-constexpr std::size_t maxUnderWay = 128; // through one adapter, as the next
+// way, and the kernel repeats a lost address resolution only after a second.
+constexpr std::size_t maxUnderWay = 128; // through one adapter, as is the next
 constexpr std::size_t maxQuestions = 4096;
 
 constexpr UnicastProbe::Answer notReachable{
@@ -206,7 +206,7 @@ bool UnicastProbe::send(Queue& queue, std::size_t index, Clock::time_point now)
     return true;
 }
 
-/// After the adapter whose turn it is could not send. What the camera has said before stands, and what was
+/// For an adapter that could not send when it was its turn. Earlier answers of the camera stand, and what was
 /// sent through another adapter may still be answered.
 void UnicastProbe::tryNextAdapter(Question& question, std::size_t index, Clock::time_point now)
 {
@@ -279,7 +279,7 @@ void UnicastProbe::handle(std::size_t index, const Reply& reply, Clock::time_poi
         [[fallthrough]];
     case Reply::Kind::Busy:
         if (isFirstStep) {
-            // It can be reached. Whether it can be opened it has not said.
+            // The camera can be reached, but has not said whether it can be opened.
             question.answer = heardWith(Tessal::Accessibility::Unknown);
         }
         break;
@@ -327,8 +327,8 @@ void UnicastProbe::take(std::size_t index, std::uint32_t value, Clock::time_poin
     }
 }
 
-/// The device at the camera's address has answered; if the kernel does not know it for the camera, it has to
-/// prove that it is.
+/// The device at the camera's address has answered. If the kernel does not know it to be the camera, it is
+/// asked for its MAC address.
 void UnicastProbe::proveOrAsk(std::size_t index, const Answer& answer, Clock::time_point now)
 {
     Question& question = m_questions[index];
@@ -352,7 +352,7 @@ bool UnicastProbe::isKnownToBe(const Question& question) const
     }
 }
 
-/// It is the camera that has answered.
+/// The answer is known to be the camera's own.
 void UnicastProbe::conclude(std::size_t index, Clock::time_point now)
 {
     Question& question = m_questions[index];

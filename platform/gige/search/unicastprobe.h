@@ -15,11 +15,11 @@
 
 namespace gige {
 
-/// The part of a search that finds out which cameras can be talked to and who controls them: reads the
-/// control channel privilege of all of them at the same time, through one socket, and each through the
-/// adapter that heard it. Only what the camera itself answers counts, not what another device at its address
-/// does: which hardware address answered the kernel knows, and where that is not the camera's the device is
-/// asked for its MAC address.
+/// The part of a search that finds out which cameras can be reached over unicast and which application
+/// controls them. Reads the control channel privilege of all cameras at the same time, through one socket,
+/// each through the adapter that heard it. Only the camera's own answer counts, not that of another device at
+/// its address: the kernel knows which hardware address answered, and if that is not the camera's, the device
+/// is asked for its MAC address.
 class UnicastProbe
 {
 public:
@@ -27,7 +27,7 @@ public:
     {
         bool heard = false;
         int accessibility = 0;  // Tessal::Accessibility
-        net::Ipv4 controlledBy; // of the application that has control, where the camera tells
+        net::Ipv4 controlledBy; // of the application that has control, if the camera tells
     };
     struct Camera
     {
@@ -41,26 +41,26 @@ public:
     /// Throws SocketException.
     UnicastProbe(const SearchPace& pace, Clock::time_point start);
 
-    /// Gives every question, asked or yet to come, more time. The window of the new pace is no shorter than
-    /// the former deadline.
+    /// Gives every question, pending or future, more time. The window of the new pace is no shorter than the
+    /// former deadline.
     void switchTo(const SearchPace& pace);
-    /// Keeps room for questions through this adapter, however many there are through others.
+    /// Reserves room for questions through this adapter, however many there are through others.
     void addAdapter(int adapterIndex);
 
-    /// Asks the camera, if the adapter that heard it reaches its address without a gateway; once only, but
-    /// through several adapters by turns. `lateness` is what the camera took for other answers: it is given
-    /// as long for this one.
+    /// Asks the camera, if the adapter that heard it reaches its address without a gateway; only once, but
+    /// through several adapters in turn. `lateness` is the time that the camera took for other answers: it
+    /// gets as long for this one.
     void ask(const Camera& camera, int adapterIndex, Clock::duration lateness, Clock::time_point now);
 
-    /// Repeats what is unanswered.
+    /// Sends what is waiting, and repeats what is unanswered.
     void sendDue(Clock::time_point now);
-    /// Takes in at most `limit` datagrams.
+    /// Handles at most `limit` datagrams.
     void receive(std::size_t limit, Clock::time_point now);
 
     [[nodiscard]] int descriptor() const { return m_socket.descriptor(); }
-    /// When sendDue() is next of use.
+    /// When sendDue() next has something to do.
     [[nodiscard]] Clock::time_point nextSend() const;
-    /// When nothing is left to wait for: the end of the window, or later.
+    /// When there is nothing left to wait for: the end of the window, or later.
     [[nodiscard]] Clock::time_point end(Clock::time_point now) const;
 
     [[nodiscard]] Answer answerOf(const Camera& camera) const;
@@ -77,18 +77,18 @@ private:
         Clock::time_point openUntil;
         Step step = Step::Privilege;
         Request request = Request::readRegister(gvcp::Register::ControlChannelPrivilege);
-        std::size_t sent = 0;     // also in vain; the adapters take turns
-        std::size_t failures = 0; // to send, one after the other
+        std::size_t sent = 0;     // attempts, also failed ones; the adapters take turns
+        std::size_t failures = 0; // to send, in succession
         bool wasSent = false;     // in this step
         bool hasNoWay = false;    // settled because no adapter could send it
-        int sentThrough = 0;      // adapter indices
+        int sentThrough = 0;      // adapter index, as is the next
         int heardThrough = 0;
         bool underWay = false; // sent, and neither answered nor due for its repeat
-        bool settled = false;  // answered, or there is no way to the camera
-        bool repeating = true; // until the camera says that it has heard and needs time
+        bool settled = false;  // answered, or no adapter leads to the camera
+        bool repeating = true; // until the camera asks for more time
         std::uint32_t macHigh = 0;
         Answer answer;
-        Answer unproven; // becomes the answer once the device has proved to be the camera
+        Answer unproven; // becomes the answer once the device is known to be the camera
     };
     struct Repeat
     {
@@ -108,7 +108,7 @@ private:
     void add(const Camera& camera, int adapterIndex, Clock::duration lateness, Clock::time_point now);
     void giveTime(Question& question, Clock::duration lateness);
     [[nodiscard]] Queue& queueOf(const Question& question);
-    /// Whether the next of the queue may be sent too.
+    /// Whether the next question of the queue may be sent too.
     [[nodiscard]] bool send(Queue& queue, std::size_t index, Clock::time_point now);
     void tryNextAdapter(Question& question, std::size_t index, Clock::time_point now);
     void land(Question& question);
@@ -127,7 +127,7 @@ private:
     bool m_neighboursEnded = false;
     Clock::time_point m_start;
     SearchPace m_pace;
-    Clock::time_point m_pausedUntil; // the socket took no more
+    Clock::time_point m_pausedUntil; // because the socket was full
     std::vector<Question> m_questions;
     std::map<int, Queue> m_queues; // by adapter
     std::priority_queue<Repeat, std::vector<Repeat>, std::greater<>> m_repeats;
@@ -135,7 +135,7 @@ private:
     std::unordered_map<std::uint16_t, std::size_t> m_byRequestId;
 };
 
-/// The accessibility code that a value of the control channel privilege register means.
+/// The accessibility code for a value of the control channel privilege register.
 [[nodiscard]] int accessibilityOf(std::uint32_t privilege);
 
 } // namespace gige

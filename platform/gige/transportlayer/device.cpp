@@ -17,13 +17,13 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto openingTime = 14s;
-constexpr auto releasingTime = 1s; // what is left to give control back when opening failed
+constexpr auto releasingTime = 1s; // left for giving control back if opening fails
 static_assert(openingTime + releasingTime <= MaxOperationTime);
 
 gvcp::Identity readIdentity(CameraPort& port)
 {
     using namespace gvcp::Register;
-    static_assert(Version == 0); // so that each address is an offset as well
+    static_assert(Version == 0); // so that each address is also an offset
     std::array<std::uint8_t, gvcp::DiscoveryAck::Size> registers{};
     try {
         port.read(Version, registers);
@@ -31,8 +31,8 @@ gvcp::Identity readIdentity(CameraPort& port)
         if (!isRefusal(failure)) {
             throw;
         }
-        // Most of what lies between is reserved, and a camera need not let it be read. Texts can be done
-        // without.
+        // Most of the space between the registers is reserved, and a camera need not let it be read. The
+        // texts can be left out.
         for (const std::uint32_t address :
              {MacHigh, MacLow, IpConfigSupported, IpConfigCurrent, CurrentIp, CurrentMask, CurrentGateway}) {
             port.read(address, std::span(registers).subspan(address, 4));
@@ -49,11 +49,11 @@ bool grantsWriteMem(CameraPort& port)
         if (!isRefusal(failure)) {
             throw;
         }
-        return false; // an early camera without the register
+        return false; // an older camera without the register
     }
 }
 
-/// The computer that holds the camera, as far as the camera tells; otherwise 0.0.0.0.
+/// The computer whose application has control, if the camera tells; otherwise 0.0.0.0.
 net::Ipv4 holderOf(CameraPort& port)
 {
     try {
@@ -88,7 +88,7 @@ void giveBackControl(CameraPort& port, std::chrono::seconds time)
                                         (other.empty() ? "" : " (on " + other + ")"));
 }
 
-/// For an opening that failed, also one that has used up its time.
+/// For use after a failed opening, even one that has used up its time.
 void tryToGiveBackControl(CameraPort& port)
 {
     const RegisterPort::TimePoint deadline = port.deadline();
@@ -102,27 +102,28 @@ void tryToGiveBackControl(CameraPort& port)
     port.setDeadline(deadline);
 }
 
-/// Leaves the camera free when it fails.
+/// Leaves the camera free if it fails.
 void takeControl(CameraPort& port)
 {
     try {
         port.writeRegister(gvcp::Register::ControlChannelPrivilege, gvcp::Privilege::Control);
     } catch (const GenICam::AccessException&) {
-        // A camera that grants control and loses the answer may refuse the repeat. Another program of this
-        // computer does not lose its control by that: it is not ours to give back.
+        // If the answer that grants control was lost, the camera may refuse the repeat. Giving control back
+        // does not take it from another program on this computer: the camera accepts that only from its
+        // owner.
         if (holderOf(port) == port.hostAddress()) {
             tryToGiveBackControl(port);
         }
         raiseControlledElsewhere(port);
     } catch (const GenICam::GenericException&) {
-        // The camera may have granted it all the same: the answer was lost, or said something else.
+        // The camera may have granted control nevertheless: its answer may have been lost or unusable.
         tryToGiveBackControl(port);
         throw;
     }
 }
 
-/// Whether the failure of an opening shows that there is a camera at the address, so that another address
-/// would not help.
+/// Whether a failed opening shows that there is a camera at the address, so that another address would not
+/// help.
 bool wasReached(const Tessal::Failure& failure, bool isIdentified)
 {
     switch (failure.kind) {
@@ -152,7 +153,7 @@ const char* nameOf(Tessal::Setting setting)
     }
 }
 
-/// Raises an E with what the camera has taken before the failure.
+/// Throws an E that adds the settings that the camera stored before the failure.
 template <typename E>
 [[noreturn]] void raiseWithKept(const E& exception, const std::vector<Tessal::Setting>& kept)
 {
@@ -194,7 +195,7 @@ void Device::Open(const Tessal::AccessModeSet&)
         return;
     }
     const net::Ipv4 address = addressOf(m_info);
-    if (address == net::Ipv4{}) { // for the kernel this computer itself
+    if (address == net::Ipv4{}) { // which the kernel takes for this computer
         raise<GenICam::RuntimeException>({.kind = Tessal::FailureKind::NoAddress},
                                          "The camera has no IP address yet");
     }
@@ -208,7 +209,7 @@ void Device::Open(const Tessal::AccessModeSet&)
         isIdentified = true;
         opened->setWriteMemGranted(grantsWriteMem(*opened));
         Tessal::CDeviceInfo info = makeRecord(identity, opened->hostAddress());
-        takeControl(*opened); // last, so that no failure leaves the camera ours
+        takeControl(*opened); // last, so that no failure leaves the camera controlled
         m_info = std::move(info);
         m_port = std::move(opened);
         m_kept.clear();

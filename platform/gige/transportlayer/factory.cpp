@@ -46,7 +46,7 @@ void CTlFactory::ReleaseTl(const ITransportLayer* transportLayer)
 
 void TessalInitialize()
 {
-    // A host that grants no sockets is told so at once, not at the first search.
+    // A host that grants no sockets makes this fail at once, rather than the first search.
     const gige::UdpSocket socket;
 }
 

@@ -18,9 +18,9 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto cachedFor = 1s;
-constexpr std::size_t maxRemembered = 8192; // cameras; a flood of invented ones must not eat the memory
+constexpr std::size_t maxRemembered = 8192; // cameras; a flood of invented ones must not exhaust the memory
 
-/// Empty when the record has none.
+/// The value of the property; empty if the record has none.
 GenICam::gcstring property(const Tessal::CDeviceInfo& info, const char* name)
 {
     GenICam::gcstring value;
@@ -38,12 +38,12 @@ net::MacAddress readMac(CameraPort& port)
     return mac;
 }
 
-/// Asks the camera itself who controls it, through the adapter with that index, 0 for any. A camera with
-/// another MAC address than `mac` is not the one that is meant; one that does not let its MAC address be read
-/// is taken for it only as not being free.
+/// Asks the camera itself whether it is controlled, through the adapter with that index, 0 for any. A camera
+/// with another MAC address than `mac` is not the one that is meant; one that does not let its MAC address be
+/// read may be, but never counts as free.
 int askAccessibility(net::Ipv4 address, int adapterIndex, const std::optional<net::MacAddress>& mac)
 {
-    if (address == net::Ipv4{}) { // for the kernel this computer itself
+    if (address == net::Ipv4{}) { // which the kernel takes for this computer
         return Tessal::Accessibility::NotReachable;
     }
     try {
@@ -170,7 +170,7 @@ const FoundCamera* GigETransportLayer::findCached(const Tessal::CDeviceInfo& inf
 {
     const auto mac = net::parseMac(property(info, Tessal::Key::MacAddress).view());
     const auto address = net::parseIpv4(property(info, Tessal::Key::IpAddress).view());
-    // Records that callers have joined name several host addresses; each knows the answer.
+    // Records that callers have merged name several host addresses; any of them leads to the answer.
     const GenICam::gcstring hosts = property(info, Tessal::Key::Interface);
     const auto host = net::parseIpv4(hosts.view().substr(0, hosts.view().find(';')));
     if (!mac || !address || !host || !renewCache()) {

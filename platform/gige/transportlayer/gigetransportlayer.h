@@ -16,9 +16,9 @@
 
 namespace gige {
 
-/// GigE Vision on this host's networks. Remembers what the latest search learned: the enumerations and
-/// queries of one refresh, each made within a second of the one before, share one search, and commands by MAC
-/// know which camera they go to.
+/// GigE Vision on this host's networks. Remembers the results of the latest search: the enumerations and
+/// queries of one refresh, each within a second of the one before, share one search, and commands by MAC
+/// address know which camera they go to.
 class GigETransportLayer final : public Tessal::IGigETransportLayer,
                                  public Tessal::ISearchReport,
                                  public Tessal::IDeviceChoice
@@ -26,7 +26,7 @@ class GigETransportLayer final : public Tessal::IGigETransportLayer,
 public:
     int EnumerateDevices(Tessal::DeviceInfoList& list, bool append) override;
     Tessal::ITessalDevice* CreateDevice(const Tessal::CDeviceInfo& info) override;
-    /// Throws LogicalErrorException for a device that this layer did not make or has destroyed; null is
+    /// Throws LogicalErrorException for a device that this layer did not create or has destroyed; null is
     /// allowed.
     void DestroyDevice(Tessal::ITessalDevice* device) override;
     bool QueryDeviceAccessibility(const Tessal::CDeviceInfo& info, const Tessal::AccessModeSet& modes,
@@ -49,24 +49,26 @@ public:
 
 private:
     void search();
-    /// Whether what the latest search learned still holds; if so, it does for another second from now.
+    /// Whether the results of the latest search are still valid; if so, they are for another second from now.
     [[nodiscard]] bool renewCache();
-    /// What is known of the cameras' state is about to change.
+    /// For commands that are about to change the state of cameras.
     void invalidateCache() { m_cachedUntil = {}; }
-    /// Lists what the latest search found, all of it or what answers over unicast. Returns how many.
+    /// Lists the cameras that the latest search found, all or only those that answer over unicast. Returns
+    /// how many.
     int list(Tessal::DeviceInfoList& list, bool append, bool onlyUnicast) const;
     [[nodiscard]] const FoundCamera* findCached(const Tessal::CDeviceInfo& info);
     [[nodiscard]] ExpectedSources expectedSources(const net::MacAddress& mac) const;
-    /// For a camera of the maker: its own bytes where `name` is how its present name is shown; a name that is
-    /// no UTF-8 is not to be changed by a save of an address.
+    /// For the maker's cameras: the stored bytes of the name if `name` is how they are shown, so that saving
+    /// an address does not change a name that is not valid UTF-8.
     [[nodiscard]] std::string_view nameToStore(const net::MacAddress& mac, std::string_view name) const;
     void assign(const gvcp::AddressAssignment& assignment, const char* operation, const RetryPlan& plan);
-    /// Searches for the camera. Throws RuntimeException when it is seen with another address, or beside
-    /// another camera with the same one. One that is not seen is content: it may still be at it.
+    /// Searches for the camera. Throws RuntimeException if it is found with another address, or together with
+    /// another camera that has the same one. Not finding it is no failure: it may still be changing its
+    /// address.
     void checkAssigned(const gvcp::AddressAssignment& assignment);
 
     using HeardAs =
-        std::tuple<net::MacAddress, net::Ipv4, net::Ipv4>; // MAC, address, host address that heard it
+        std::tuple<net::MacAddress, net::Ipv4, net::Ipv4>; // MAC address, address, host address that heard it
 
     SearchHistory m_searches;
     std::vector<FoundCamera> m_found;            // by the latest search

@@ -14,8 +14,8 @@ using Tessal::Failure;
 using Tessal::FailureKind;
 using Tessal::Setting;
 
-// Some cameras acknowledge a temporary address first and take it later; only a camera that is still seen with
-// another one after this time has not obeyed.
+// Some cameras acknowledge a temporary address first and apply it later; only a camera that still has another
+// address after this time has ignored the command.
 constexpr auto takesAddressWithin = 2s;
 
 std::string nameOf(const net::MacAddress& mac)
@@ -35,8 +35,8 @@ FailureKind kindOf(gvcp::Status refusal)
     }
 }
 
-/// Where the camera was heard instead of at the address that it was given; nullopt if it was heard there, or
-/// nowhere.
+/// The address that the camera was heard with instead of the one that it was given; nullopt if it has that
+/// one or was not heard.
 std::optional<net::Ipv4> addressInstead(const std::vector<FoundCamera>& found,
                                         const gvcp::AddressAssignment& assignment)
 {
@@ -53,7 +53,7 @@ std::optional<net::Ipv4> addressInstead(const std::vector<FoundCamera>& found,
     return instead;
 }
 
-/// The camera that was heard with the same address through the same adapter as the camera it was given to.
+/// Another camera that has the assigned address and was heard by the same adapter.
 std::optional<net::MacAddress> rival(const std::vector<FoundCamera>& found,
                                      const gvcp::AddressAssignment& assignment)
 {
@@ -73,7 +73,7 @@ std::optional<net::MacAddress> rival(const std::vector<FoundCamera>& found,
     return std::nullopt;
 }
 
-/// Not 127.0.0.1, and none that is multicast or reserved.
+/// Whether cameras accept the address: it is not 127.0.0.1, multicast or reserved.
 bool isForCameras(net::Ipv4 address)
 {
     constexpr net::Ipv4 loopback{0x7F000001};
@@ -161,7 +161,7 @@ void GigETransportLayer::ForceIp(const GenICam::gcstring& mac, const GenICam::gc
                                              .gateway =
                                                  addressArgument(defaultGateway, Setting::DefaultGateway)};
     assign(assignment, "assigning a temporary address", acknowledgedPlan());
-    if (assignment.ip != net::Ipv4{}) { // which makes the camera look for an address of its own
+    if (assignment.ip != net::Ipv4{}) { // 0.0.0.0 makes the camera look for an address of its own
         checkAssigned(assignment);
     }
 }
@@ -203,7 +203,7 @@ bool GigETransportLayer::BroadcastIpConfig(const GenICam::gcstring& mac, bool en
                        nameOf(camera).c_str(), net::formatIpv4(configuration.ip).c_str());
             return false;
         }
-        configuration.ip = {}; // nothing that a later switch to the static mode would bring into force
+        configuration.ip = {}; // so that a later switch to static mode does not apply it
     }
     invalidateCache();
     const auto status = broadcastCommand(Request::broadcastIpConfig(configuration), expectedSources(camera),

@@ -22,7 +22,7 @@ Candidates camerasAt(std::span<const FoundCamera> found, net::Ipv4 address)
     return candidates;
 }
 
-/// Leaves those of which the condition is true, if it is true of any.
+/// Keeps only the candidates that meet the condition, if there are any.
 template <typename Condition>
 void prefer(Candidates& candidates, const Condition& condition)
 {

@@ -7,10 +7,10 @@
 
 namespace gige {
 
-/// The index of the adapter through which a camera is opened: the one that heard it, of several one that
+/// The index of the adapter through which a camera is opened: the one that heard it or, of several, one that
 /// reaches it. 0, for any, if the latest search heard no camera at this address. Cameras behind different
-/// adapters may have the same address; then `expected` says which is meant. Throws RuntimeException if the
-/// address is that of two cameras all the same.
+/// adapters may have the same address; `expected` then says which is meant. Throws RuntimeException if the
+/// address is still that of two cameras.
 [[nodiscard]] int adapterForOpening(std::span<const FoundCamera> found, net::Ipv4 address,
                                     const std::optional<net::MacAddress>& expected);
 
@@ -20,8 +20,8 @@ namespace gige {
                                    const std::optional<net::MacAddress>& mac);
 
 /// Throws RuntimeException if the camera that answers at the address is not the expected one. If none is
-/// expected, it must be one that the latest search heard there through this adapter, unless it heard none:
-/// leases may have changed hands.
+/// expected, it must be one that the latest search heard there through this adapter, unless it heard none
+/// there: leases may have changed hands.
 void checkAnswered(std::span<const FoundCamera> found, net::Ipv4 address, int adapterIndex,
                    const std::optional<net::MacAddress>& expected, const net::MacAddress& answered);
 

@@ -10,7 +10,7 @@ std::string friendlyName(const gvcp::Identity& camera)
     return camera.serialNumber.empty() ? name : name + " (" + camera.serialNumber + ")";
 }
 
-/// The bits that name a mode; registers carry others of the camera's own.
+/// Only the bits that name a mode; the registers have other bits of the camera's own.
 std::string modes(std::uint32_t ipConfig)
 {
     using namespace gvcp::IpConfig;
