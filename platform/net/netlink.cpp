@@ -28,7 +28,7 @@ std::size_t aligned(std::size_t size)
     throw std::system_error(error, errnoCategory(), what);
 }
 
-/// Hands on the messages in what was received. Gives the kernel's error number, 0 for success, once the
+/// Visits the messages in the received bytes. Returns the kernel's error number, 0 for success, once the
 /// answer is complete.
 std::optional<int> visitMessages(std::span<const std::uint8_t> bytes, std::uint32_t sequence,
                                  const NetlinkSocket::Visit& visit)

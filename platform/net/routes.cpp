@@ -26,7 +26,8 @@ Ipv4 maskOf(unsigned prefixLength)
     return {prefixLength == 0 ? 0 : ~std::uint32_t{0} << (addressBits - prefixLength)};
 }
 
-/// Nothing for a route through a gateway, to this host itself, or out of use.
+/// The link route in a message; nullopt for a route that uses a gateway, leads to this host itself or is
+/// down.
 std::optional<LinkRoute> linkRouteOf(std::span<const std::uint8_t> body)
 {
     const auto info = take<rtmsg>(body);
@@ -55,7 +56,7 @@ std::string defaultRouteAdapter(const std::string& routes)
 {
     std::istringstream lines(routes);
     std::string line;
-    std::getline(lines, line); // the titles
+    std::getline(lines, line); // the column titles
     std::string preferred;
     auto lowest = std::numeric_limits<unsigned>::max();
     while (std::getline(lines, line)) {

@@ -50,8 +50,8 @@ QtMsgType messageTypeOf(LogLevel level)
     return level >= LogLevel::Warning ? QtWarningMsg : QtInfoMsg;
 }
 
-/// How many bytes at the beginning are one character that steers a terminal or the direction of writing: a
-/// control character, C1 controls included, or a mark, embedding, override or isolate of direction.
+/// The length in bytes of the character at the beginning if it controls a terminal or the writing direction,
+/// otherwise 0: a control character, including C1, or a directional mark, embedding, override or isolate.
 std::size_t steeringBytes(std::string_view text)
 {
     const auto byte = [text](std::size_t at) {

@@ -4,7 +4,7 @@ namespace Tessal {
 
 namespace {
 
-/// Marks a sentence for the translators, as the macro of that name does in Qt.
+/// Marks a sentence for translation, like the macro of that name in Qt.
 constexpr const char* QT_TRANSLATE_NOOP(const char* /*context*/, const char* sentence)
 {
     return sentence;
@@ -22,7 +22,7 @@ void replaceAll(std::string& text, const std::string& placeholder, const std::st
 
 const char* obstacleSentence(Obstacle kind)
 {
-    // In the commands with slashes, since sysctl takes names of adapters that hold a dot only so.
+    // The commands use slashes because sysctl accepts adapter names with a dot only in that form.
     switch (kind) {
     case Obstacle::ReversePathStrict:
         return QT_TRANSLATE_NOOP(

@@ -6,8 +6,8 @@
 
 namespace GenICam {
 
-/// Root of every failure that the camera libraries report. Carries the description for people, where it
-/// arose, and its type name; `what()` joins them in one line.
+/// Base of all exceptions of the camera libraries. Carries a description for people, the place where it was
+/// thrown, and its type name; `what()` joins them in one line.
 class GenericException : public std::exception
 {
 public:
@@ -47,7 +47,7 @@ public:
     using GenericException::GenericException;
 };
 
-/// Another application holds the camera, or a node or register does not grant the access asked for.
+/// Another application has control, or a node or register does not grant the requested access.
 class AccessException : public GenericException
 {
 public:
@@ -61,7 +61,7 @@ public:
     using GenericException::GenericException;
 };
 
-/// Formats like `vsnprintf` into a string of the length needed.
+/// Formats like `vsnprintf` into a string of the required length.
 [[nodiscard]] std::string formatMessage(const char* format, va_list arguments);
 
 /// Builds an exception of type E that knows its origin: `throw ExceptionReporter<E>(file, line,

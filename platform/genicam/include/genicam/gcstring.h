@@ -8,7 +8,7 @@
 
 namespace GenICam {
 
-/// The 8-bit string of the camera libraries: ASCII or UTF-8, compared byte by byte as unsigned values with a
+/// The 8-bit string of the camera libraries: ASCII or UTF-8, compared byte by byte as unsigned values, a
 /// proper prefix first. May hold NUL bytes; the conversion to `const char*` ends at the first.
 class gcstring
 {

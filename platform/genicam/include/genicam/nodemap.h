@@ -7,7 +7,7 @@
 
 namespace GenApi {
 
-/// Root of the node interfaces, so that a node can be asked for another of its interfaces.
+/// Base of the node interfaces, so that a node can be cast to another of its interfaces.
 class IBase
 {
 public:
@@ -29,8 +29,7 @@ class IString : virtual public IBase
 {
 public:
     /// Writes the text to the camera. With `verify`, first checks that the feature can be written
-    /// (AccessException) and that the text fits (InvalidArgumentException). Failures of the transport arrive
-    /// as they are.
+    /// (AccessException) and that the text fits (InvalidArgumentException). Transport failures pass through.
     virtual void SetValue(const GenICam::gcstring& value, bool verify = true) = 0;
     [[nodiscard]] virtual GenICam::gcstring GetValue(bool verify = false) = 0;
     [[nodiscard]] virtual std::int64_t GetMaxLength() = 0;
@@ -49,7 +48,7 @@ public:
     [[nodiscard]] virtual INode* GetNode(const GenICam::gcstring& name) const = 0;
 };
 
-/// Refers to a node through interface T; empty when the node is missing or does not offer T. Does not own.
+/// Refers to a node through interface T; empty if the node is missing or does not offer T. Does not own it.
 template <typename T, typename B = IBase>
 class CPointer
 {
@@ -60,7 +59,7 @@ public:
     [[nodiscard]] bool IsValid() const noexcept { return m_pointer != nullptr; }
     explicit operator bool() const noexcept { return IsValid(); }
 
-    /// Throws GenICam::LogicalErrorException "NULL pointer dereferenced" when empty.
+    /// Throws GenICam::LogicalErrorException "NULL pointer dereferenced" if empty.
     T* operator->() const
     {
         if (m_pointer == nullptr) {

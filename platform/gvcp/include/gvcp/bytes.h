@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <span>
 
-/// Big-endian numbers in byte buffers: the one place where byte order is dealt with. The caller has checked
-/// that the bytes are there; an offset beyond the span is a bug.
+/// Big-endian numbers in byte buffers: the only place that deals with byte order. The caller checks that the
+/// bytes are there; an offset beyond the span is a bug.
 namespace bytes {
 
 [[nodiscard]] constexpr std::uint16_t get16(std::span<const std::uint8_t> from, std::size_t offset)

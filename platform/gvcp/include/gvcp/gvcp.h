@@ -3,14 +3,14 @@
 #include <cstddef>
 #include <cstdint>
 
-/// The GigE Vision control protocol: everything that is a number on the wire. Both ends use these, the camera
-/// layer and the simulated cameras. All fields are big-endian.
+/// All numbers of the GigE Vision control protocol, for both ends: the camera layer and the simulated
+/// cameras. All fields are big-endian.
 namespace gvcp {
 
 inline constexpr std::uint16_t Port = 3956;      // UDP port on which a camera listens
 inline constexpr std::uint8_t Key = 0x42;        // first byte of every command
-inline constexpr std::size_t HeaderSize = 8;     // bytes, of commands and acknowledges alike
-inline constexpr std::uint32_t RegisterSize = 4; // bytes; also what addresses and lengths are multiples of
+inline constexpr std::size_t HeaderSize = 8;     // bytes, in commands and acknowledges alike
+inline constexpr std::uint32_t RegisterSize = 4; // bytes; addresses and lengths are multiples of it
 inline constexpr std::size_t MaxDataSize = 512;  // bytes of memory in one READMEM or WRITEMEM
 inline constexpr std::size_t MaxPacketSize =
     HeaderSize + 4 + MaxDataSize + 12; // bytes; the longest message, an acknowledge of READMEM, has 524
@@ -66,8 +66,8 @@ enum class Status : std::uint16_t {
     Error = 0x8FFF,
 };
 
-/// Bytes and offsets of the DISCOVERY acknowledge's payload, which is also the start of a camera's register
-/// space.
+/// Offsets and sizes in the payload of a DISCOVERY acknowledge, which is also the beginning of a camera's
+/// register space.
 namespace DiscoveryAck {
 inline constexpr std::size_t Size = 248;
 inline constexpr std::size_t Version = 0;
@@ -100,7 +100,8 @@ inline constexpr std::size_t Mask = 36;
 inline constexpr std::size_t Gateway = 52;
 } // namespace ForceIp
 
-/// READMEM. READREG, WRITEREG and WRITEMEM, and what READMEM reads, are addresses followed by values.
+/// The payload of READMEM. Those of READREG, WRITEREG, WRITEMEM and of the READMEM acknowledge are plain
+/// addresses and values.
 namespace ReadMem {
 inline constexpr std::size_t Size = 8;
 inline constexpr std::size_t Address = 0;
@@ -130,7 +131,7 @@ inline constexpr std::size_t UserDefinedName = 24;
 inline constexpr std::size_t UserDefinedNameSize = 16;
 } // namespace BroadcastIpConfig
 
-/// Its acknowledge, also where that is a refusal.
+/// Its acknowledge, whether a success or a refusal.
 namespace BroadcastIpConfigAck {
 inline constexpr std::size_t Size = 8;
 inline constexpr std::size_t Mac = 2; // 6 bytes, of the camera that answers

@@ -28,7 +28,7 @@ struct Endpoint
     friend bool operator==(const Endpoint&, const Endpoint&) = default;
 };
 
-/// A hardware address in the order in which it stands on the wire.
+/// A hardware address, in wire order.
 struct MacAddress
 {
     std::array<std::uint8_t, 6> bytes{};
@@ -38,7 +38,7 @@ struct MacAddress
 };
 
 /// Reads a strict dotted quad: exactly four parts of one to three decimal digits, each 0 to 255; leading
-/// zeros do not make a part octal. Blanks, signs and shorthand like "10.1" are refused with nullopt.
+/// zeros do not make a part octal. Returns nullopt for blanks, signs and shorthand such as "10.1".
 [[nodiscard]] std::optional<Ipv4> parseIpv4(std::string_view text);
 
 /// Dotted quad without leading zeros.
@@ -50,7 +50,7 @@ struct MacAddress
 /// Twelve upper-case hexadecimal digits without separators, the form in which records name a camera.
 [[nodiscard]] std::string formatMac(const MacAddress& mac);
 
-/// Whether the ones of the mask are all on its left; 0.0.0.0 and 255.255.255.255 are contiguous.
+/// Whether all one bits of the mask are leading; 0.0.0.0 and 255.255.255.255 are contiguous.
 [[nodiscard]] constexpr bool isContiguousMask(Ipv4 mask)
 {
     const std::uint32_t host = ~mask.value;

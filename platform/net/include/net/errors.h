@@ -5,11 +5,11 @@
 
 namespace net {
 
-/// The operating system's words for an errno value, in English whatever the user's language is: they go to
-/// the trace and to support.
+/// The operating system's description of an errno value, always in English because it goes to the trace and
+/// to support.
 [[nodiscard]] std::string describeErrno(int error);
 
-/// As std::generic_category(), with these words.
+/// Like std::generic_category(), with these descriptions.
 [[nodiscard]] const std::error_category& errnoCategory();
 
 } // namespace net

@@ -5,7 +5,7 @@
 
 namespace net {
 
-/// A network adapter of this namespace as the kernel lists it.
+/// A network adapter of this network namespace, as listed by the kernel.
 struct Link
 {
     int index = 0;
@@ -15,12 +15,12 @@ struct Link
     unsigned flags = 0; // IFF_…
 };
 
-/// All of them. Throws std::system_error when the kernel refuses.
+/// All adapters. Throws std::system_error if the kernel refuses.
 [[nodiscard]] std::vector<Link> links();
 
-/// Whether packets through the adapter could reach a real camera: any but the loopback, the TAP devices that
-/// programs have made, and the tunnel ends that some kernels put into every new namespace, while those are
-/// down. Where this is true of any adapter, simulator, tests and benchmarks do not start.
+/// Whether packets sent through the adapter could reach a real camera. Only false for the loopback, for TAP
+/// devices, which programs create, and for the tunnel devices that some kernels put into every new namespace,
+/// as long as those are down. Simulator, tests and benchmarks refuse to start if it is true of any adapter.
 [[nodiscard]] bool mayLeadToRealCamera(const Link& link);
 
 } // namespace net

@@ -8,7 +8,7 @@
 
 namespace net {
 
-/// A host on the link of an adapter, as the kernel's table of them names it.
+/// A host on the link of an adapter, as listed in the kernel's neighbour table.
 struct Neighbour
 {
     int adapterIndex = 0;
@@ -18,13 +18,13 @@ struct Neighbour
     friend constexpr auto operator<=>(const Neighbour&, const Neighbour&) = default;
 };
 
-/// All that are in the table. This and the next two throw std::system_error when the kernel refuses.
+/// All entries of the table. This function and the next two throw std::system_error if the kernel refuses.
 [[nodiscard]] std::set<Neighbour> neighbours();
 
-/// The hardware address to which packets for the neighbour leave; nullopt while the kernel knows none.
+/// The hardware address to which packets for the neighbour are sent; nullopt while the kernel knows none.
 [[nodiscard]] std::optional<MacAddress> hardwareAddressOf(const Neighbour& neighbour);
 
-/// How many entries all network namespaces together can add; nullopt when the kernel does not say.
+/// How many entries all network namespaces together can still add; nullopt if the kernel does not say.
 [[nodiscard]] std::optional<std::size_t> freeNeighbourEntries();
 
 } // namespace net

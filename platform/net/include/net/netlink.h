@@ -10,7 +10,7 @@
 
 namespace net {
 
-/// A value at the beginning of the bytes; nullopt when they are too few.
+/// Reads a value from the beginning of the bytes; nullopt if there are too few.
 template <typename T>
 [[nodiscard]] std::optional<T> take(std::span<const std::uint8_t> bytes)
 {
@@ -22,7 +22,7 @@ template <typename T>
     return value;
 }
 
-/// A request to the kernel's routing socket: a header, a fixed part, attributes (rtnetlink(7)).
+/// A request to the kernel's routing socket: a header, a fixed part and attributes (rtnetlink(7)).
 class NetlinkMessage
 {
 public:
@@ -43,21 +43,21 @@ private:
     std::vector<std::uint8_t> m_bytes;
 };
 
-/// The routing socket of the network namespace that this process is in.
+/// The routing socket of this process's network namespace.
 class NetlinkSocket
 {
 public:
-    /// Throws std::system_error when the kernel has none.
+    /// Throws std::system_error if the kernel has none.
     NetlinkSocket();
     NetlinkSocket(const NetlinkSocket&) = delete;
     NetlinkSocket& operator=(const NetlinkSocket&) = delete;
     ~NetlinkSocket();
 
-    /// Called with what follows the header of a message of the answer.
+    /// Called for each message of the answer with the bytes after its header.
     using Visit = std::function<void(std::span<const std::uint8_t> body)>;
 
-    /// Sends the request, which must ask for a dump or an acknowledge, and hands on the answer. Throws
-    /// std::system_error that says `what` failed when the kernel refuses.
+    /// Sends the request, which must ask for a dump or an acknowledgement, and visits the messages of the
+    /// answer. If the kernel refuses, throws a std::system_error with the text `what`.
     void exchange(NetlinkMessage message, const std::string& what, const Visit& visit = {});
 
 private:
@@ -67,13 +67,13 @@ private:
 
 using VisitAttribute = std::function<void(std::uint16_t type, std::span<const std::uint8_t> value)>;
 
-/// Visits the attributes in the bytes, as far as they are whole.
+/// Visits the attributes in the bytes, up to the first incomplete one.
 void forEachAttribute(std::span<const std::uint8_t> bytes, const VisitAttribute& visit);
 
-/// Visits the attributes behind the fixed part of a message, which is `fixedSize` bytes long.
+/// Visits the attributes after the fixed part of a message, which is `fixedSize` bytes long.
 void forEachAttribute(std::span<const std::uint8_t> body, std::size_t fixedSize, const VisitAttribute& visit);
 
-/// A text attribute without its NUL.
+/// The value of a text attribute, without its NUL.
 [[nodiscard]] std::string textOf(std::span<const std::uint8_t> value);
 
 } // namespace net

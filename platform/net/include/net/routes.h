@@ -7,8 +7,8 @@
 
 namespace net {
 
-/// The adapter through which packets to unknown networks leave: that of the preferred default route in the
-/// text of /proc/net/route. Empty when there is no such route.
+/// The adapter of the preferred default route in the text of /proc/net/route; empty if there is no default
+/// route.
 [[nodiscard]] std::string defaultRouteAdapter(const std::string& routes);
 
 /// The same for this host.
@@ -22,10 +22,10 @@ struct LinkRoute
     Ipv4 mask;
 };
 
-/// All of them. Throws std::system_error when the kernel refuses.
+/// All link routes. Throws std::system_error if the kernel refuses.
 [[nodiscard]] std::vector<LinkRoute> linkRoutes();
 
-/// Whether packets to the address leave through the adapter without a gateway.
+/// Whether the adapter reaches the address without a gateway.
 [[nodiscard]] bool isOnLink(const std::vector<LinkRoute>& routes, Ipv4 address, int adapterIndex);
 
 } // namespace net

@@ -6,16 +6,16 @@
 
 namespace ozlog {
 
-/// Weight of a trace line. Any value may come; what lies between two of these counts as the lower one.
+/// Severity of a trace line. Any value is allowed; one between two of these counts as the lower one.
 enum class LogLevel : int {
     Info = 64,
     Warning = 128,
     Error = 256,
 };
 
-/// The id of a category, made on the first call with that name. The category is a Qt logging category of the
-/// same name, so QT_LOGGING_RULES switches it. "Lanvic.Base" is on from information up, every other one from
-/// warning up.
+/// The id of a category, created on the first call with that name. The category is a Qt logging category of
+/// the same name, so that QT_LOGGING_RULES applies to it. "Lanvic.Base" is enabled from Info up, every other
+/// category from Warning up.
 [[nodiscard]] unsigned long LogGetCatID(const char* name);
 
 namespace detail {
@@ -58,14 +58,13 @@ Argument argument(const T& value)
 
 void write(unsigned long catId, LogLevel level, const char* format, const std::vector<Argument>& arguments);
 
-/// Reached, and so reported by the compiler, only when a format does not match its arguments.
+/// Called, and so reported by the compiler, only if a format does not match its arguments.
 void formatDoesNotMatchArguments();
 
 } // namespace detail
 
-/// A printf-like format that the compiler has checked against its arguments: "%hs" and "%s" take an 8-bit
-/// string, "%i" and "%d" a signed and "%u" an unsigned integer, "%%" is a percent sign; nothing else is
-/// accepted.
+/// A printf-like format that the compiler checks against its arguments: "%hs" and "%s" take an 8-bit string,
+/// "%i" and "%d" a signed and "%u" an unsigned integer, "%%" is a percent sign; nothing else is accepted.
 template <typename... Args>
 class Format
 {
@@ -108,9 +107,9 @@ private:
     const char* m_text;
 };
 
-/// Writes one trace line. Null strings show as "(null)". Control characters in the arguments,
-/// and those that turn the direction of writing, are written byte by byte as \xNN, so that a text that came
-/// from a camera cannot forge lines or drive a terminal.
+/// Writes one trace line. Null strings show as "(null)". Control characters in the arguments, including those
+/// that change the writing direction, are written byte by byte as \xNN, so that a text from a camera cannot
+/// forge lines or control a terminal.
 template <typename... Args>
 void LogTrace(unsigned long catId, LogLevel level, Format<std::type_identity_t<Args>...> format,
               const Args&... arguments)

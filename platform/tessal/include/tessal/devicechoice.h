@@ -4,8 +4,8 @@
 
 namespace Tessal {
 
-/// What a transport layer may be told beside the address of a device that is opened; asked for by
-/// dynamic_cast.
+/// An optional interface of a transport layer, obtained by dynamic_cast: says which camera is meant by the
+/// address of a device.
 class IDeviceChoice
 {
 public:
@@ -14,8 +14,8 @@ public:
     IDeviceChoice& operator=(const IDeviceChoice&) = delete;
     virtual ~IDeviceChoice() = default;
 
-    /// The camera that is meant by the address of devices opened from here on, as twelve hexadecimal digits:
-    /// cameras behind different adapters may have the same address. An empty text means any.
+    /// The MAC address, as twelve hexadecimal digits, of the camera that is meant by devices created from
+    /// then on: cameras behind different adapters may have the same IP address. An empty text means any.
     virtual void SetExpectedMac(const GenICam::gcstring& mac) = 0;
 };
 

@@ -11,7 +11,7 @@ namespace Tessal {
 /// The device class of every record, and of the transport layer that makes it.
 inline constexpr char GigEDeviceClass[] = "OrvikGigE";
 
-/// Names of the properties that the SDK gives a record. All values are text.
+/// Names of the properties that the SDK sets in a record. All values are text.
 namespace Key {
 inline constexpr char DeviceClass[] = "DeviceClass";           // always GigEDeviceClass
 inline constexpr char VendorName[] = "VendorName";             // at most 32 bytes
@@ -47,16 +47,17 @@ inline constexpr char SameMacIp[] = "SameMacIp";
 class IProperties
 {
 public:
-    /// Replaces `names` by the names of all properties, in byte order.
+    /// Replaces `names` with the names of all properties, in byte order.
     virtual void GetPropertyNames(GenICam::gcstring_vector& names) const = 0;
     [[nodiscard]] virtual bool GetPropertyAvailable(const GenICam::gcstring& name) const = 0;
-    /// Fills `value` and returns true when the property exists; otherwise leaves it alone and returns false.
+    /// Fills `value` and returns true if the property exists; otherwise leaves it unchanged and returns
+    /// false.
     virtual bool GetPropertyValue(const GenICam::gcstring& name, GenICam::gcstring& value) const = 0;
     /// Creates or replaces the property.
     virtual void SetPropertyValue(const GenICam::gcstring& name, const GenICam::gcstring& value) = 0;
     /// Whether every property of `subset` exists here with the same value.
     [[nodiscard]] virtual bool IsSubset(const IProperties& subset) const = 0;
-    /// Whether no enumeration made this record: it has no device class.
+    /// Whether the record does not come from an enumeration: it has no device class.
     [[nodiscard]] virtual bool IsUserProvided() const = 0;
     virtual ~IProperties() = default;
 
@@ -85,7 +86,7 @@ public:
     }
 
 protected:
-    /// The value, or the empty text when the property is missing.
+    /// The value, or the empty text if the property is missing.
     [[nodiscard]] GenICam::gcstring valueOf(const char* name) const;
 
 private:
@@ -115,7 +116,7 @@ public:
     [[nodiscard]] GenICam::gcstring GetIpConfigCurrent() const { return valueOf(Key::IpConfigCurrent); }
     [[nodiscard]] GenICam::gcstring GetPortNr() const { return valueOf(Key::PortNr); }
 
-    /// The three bits of GetIpConfigCurrent(), each on its own; a text that is no number has none set.
+    /// The three bits of GetIpConfigCurrent(), each on its own; none is set if the text is not a number.
     [[nodiscard]] bool IsPersistentIpActive() const;
     [[nodiscard]] bool IsDhcpActive() const;
     [[nodiscard]] bool IsAutoIpActive() const;
@@ -127,14 +128,14 @@ public:
     void SetAddress(const GenICam::gcstring& value) { SetPropertyValue(Key::Address, value); }
 };
 
-/// Bits of the IP configuration, as they stand in registers, in discovery records and, in decimal, in
+/// Bits of the IP configuration, as used in registers, in discovery records and, in decimal, in
 /// IpConfigCurrent.
 namespace IpConfig {
 inline constexpr unsigned int Persistent = 1;
 inline constexpr unsigned int Dhcp = 2;
 inline constexpr unsigned int LinkLocal = 4;
 
-/// The bit set from its decimal text; 0, which is no mode, for a text that is no number.
+/// The bit set from its decimal text; 0, which is no mode, if the text is not a number.
 [[nodiscard]] unsigned int fromText(std::string_view decimal);
 } // namespace IpConfig
 
@@ -186,10 +187,10 @@ private:
 
 using DeviceInfoList = TList<CDeviceInfo>;
 
-/// Whether the maker of this SDK is the vendor that a camera names.
+/// Whether the vendor name of a camera is that of this SDK's maker.
 [[nodiscard]] bool IsSupportedVendor(std::string_view vendorName);
 
-/// Whether the camera belongs to a family that the SDK supports: its vendor is. The flag is not used.
+/// Whether the SDK supports the camera, which is so if it supports the vendor. The flag is not used.
 [[nodiscard]] bool IsSupportedDevice(const CDeviceInfo& info, bool);
 
 } // namespace Tessal

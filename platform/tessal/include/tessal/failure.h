@@ -7,26 +7,25 @@
 namespace Tessal {
 
 /// What went wrong between this computer and a camera. An exception's description stays English and
-/// technical, for support; the sentence for the user is made from these values where it is shown, in the
+/// technical, for support; the sentence for the user is composed from these values where it is shown, in the
 /// user's language.
 enum class FailureKind {
     NoAnswer,            // the camera did not answer
-    UnusableAnswers,     // what came from the camera was no answer to what it was asked
+    UnusableAnswers,     // the camera sent only packets that do not answer the request
     AskedForMoreTime,    // the camera answered only that it needs more time, until the limit of one request
-    Refused,             // the camera refused; `status` says with what words
+    Refused,             // the camera refused; `status` says why
     Busy,                // the camera answered every repeat with "busy"
-    ControlledElsewhere, // another application controls the camera; `other` is its address, if the camera
-                         // tells
+    ControlledElsewhere, // another application controls the camera; `other` is its address, if known
     NotKept,             // the camera acknowledged `wanted` and reports `actual`
-    CannotSend,       // this computer could not send; `reason` holds the operating system's words; without a
-                      // setting it has no way to `address`
-    AddressContested, // two cameras have `address`; `mac` and `other` are their MAC addresses
+    CannotSend, // this computer could not send; `reason` is the operating system's; without a setting, no
+                // adapter leads to `address`
+    AddressContested,     // two cameras have `address`; `mac` and `other` are their MAC addresses
     AnotherCameraAnswers, // the camera `mac` was expected at `address`, and the camera `other` answers there
     AddressOfAnotherCamera, // the address `wanted` was given to `mac`, but the camera `other` has it too
     AddressNotTaken,        // the address `wanted` was given to `mac`, and the camera has `actual`
     NoAddress,              // the camera has no IP address yet
     FeatureUnusable,        // the camera offers no usable feature or register for `setting`
-    InvalidValue,           // `wanted` is no value for `setting`
+    InvalidValue,           // `wanted` is not a value for `setting`
 };
 
 /// What was to be read or written.
@@ -55,12 +54,12 @@ struct Failure
     std::string other{};   // of another camera or computer
     std::string wanted{};  // empty if the setting was to be read
     std::string actual{};
-    std::string status{};        // a camera's refusal in words with its code, English
-    std::string reason{};        // the operating system's, English
-    std::vector<Setting> kept{}; // what the camera took before the failure, in the order of writing
+    std::string status{};        // a camera's refusal in words with its code, in English
+    std::string reason{};        // the operating system's description, in English
+    std::vector<Setting> kept{}; // what the camera stored before the failure, in order
 };
 
-/// What an exception of the GenICam family offers beside its description if it has a Failure.
+/// Implemented by the exceptions of the GenICam family that carry a Failure in addition to their description.
 class IFailure
 {
 public:
@@ -74,7 +73,7 @@ public:
     [[nodiscard]] virtual const Failure& failure() const noexcept = 0;
 };
 
-/// An exception of type E that says what kind of failure it is: caught as an E by those who do not ask.
+/// An exception of type E that carries a Failure; handlers that do not need it catch an E.
 template <typename E>
 class FailureOf : public E, public IFailure
 {

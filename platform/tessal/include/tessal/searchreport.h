@@ -11,14 +11,14 @@ enum class Obstacle {
     ReversePathNoRoute, // the filter drops them because no route leads back: there is no default route
     NoIpv4Address,      // the adapter is up and has no IPv4 address to ask from
     SharedSubnet, // the adapter `other` has an address in the same subnet, and takes some of the answers
-    CannotSend,   // the system did not send; `reason` holds its words, English
+    CannotSend,   // the system did not send; `reason` is its description, in English
 };
 
 /// One obstacle on one adapter.
 struct AdapterObstacle
 {
     Obstacle kind = Obstacle::NoIpv4Address;
-    std::string adapter; // as the operating system names it, "eth0"
+    std::string adapter; // the operating system's name, "eth0"
     std::string other{};
     std::string reason{};
 
@@ -31,7 +31,8 @@ struct AdapterObstacle
 /// The same with the values filled in, for the trace.
 [[nodiscard]] std::string describeObstacle(const AdapterObstacle& obstacle);
 
-/// What a transport layer tells of its searches beside what they find; asked for by dynamic_cast.
+/// An optional interface of a transport layer, obtained by dynamic_cast: reports what kept its searches from
+/// finding cameras.
 class ISearchReport
 {
 public:
@@ -40,7 +41,7 @@ public:
     ISearchReport& operator=(const ISearchReport&) = delete;
     virtual ~ISearchReport() = default;
 
-    /// As they were at the latest search; an adapter may have several.
+    /// Those of the latest search; an adapter may have several.
     [[nodiscard]] virtual std::vector<AdapterObstacle> GetObstacles() const = 0;
 };
 

@@ -7,14 +7,14 @@
 
 namespace Tessal {
 
-/// What an application wants of a camera.
+/// What an application wants from a camera.
 enum class EDeviceAccessMode : int {
     Control = 1,
     Stream = 3,
     Event = 4,
 };
 
-/// All that one application wants of a camera at the same time.
+/// Everything that one application wants from a camera at the same time.
 class AccessModeSet
 {
 public:
@@ -48,9 +48,9 @@ inline constexpr int ControlledExclusively = 3;
 inline constexpr int NotReachable = 4;
 } // namespace Accessibility
 
-/// One camera, open or not. Failures of any operation are GenICam exceptions: AccessException when another
-/// application holds the camera, TimeoutException when it does not answer, RuntimeException when it refuses
-/// or when this host cannot send.
+/// One camera, open or not. Failures of any operation are GenICam exceptions: AccessException if another
+/// application has control, TimeoutException if the camera does not answer, RuntimeException if it refuses or
+/// if this host cannot send.
 class IDevice
 {
 public:
@@ -58,12 +58,13 @@ public:
     IDevice(const IDevice&) = delete;
     IDevice& operator=(const IDevice&) = delete;
 
-    /// Takes control of the camera. Does nothing when it is open already.
+    /// Takes control of the camera. Does nothing if it is already open.
     virtual void Open(const AccessModeSet& modes) = 0;
-    /// Gives control back. Does nothing when it is not open; closed afterwards even when it throws.
+    /// Gives control back. Does nothing if it is not open; it is closed afterwards even if this throws.
     virtual void Close() = 0;
     [[nodiscard]] virtual bool IsOpen() const = 0;
-    /// Once opened, the record that the camera itself gives; before, the one that the device was made from.
+    /// Once opened, the record that the camera itself gives; before, the one that the device was created
+    /// from.
     [[nodiscard]] virtual const CDeviceInfo& GetDeviceInfo() const = 0;
     virtual ~IDevice() = default;
 };
@@ -78,16 +79,15 @@ public:
 class ITessalGigEDevice : public ITessalDevice
 {
 public:
-    /// Stores which modes the camera tries at its next IP configuration cycle. Link-local is always on.
+    /// Stores which modes the camera tries in its next IP configuration cycle. Link-local is always on.
     virtual void SetIpConfigMode(bool enablePersistentIp, bool enableDhcp) = 0;
     /// Stores the address of the static mode, three dotted quads, and reads them back. While the mode is not
-    /// static, a mask or gateway that is no dotted quad counts as 0.0.0.0, since an editor may hold half of
-    /// one.
+    /// static, a mask or gateway that is not a dotted quad counts as 0.0.0.0, because it may be half typed.
     virtual void SetPersistentIp(const GenICam::gcstring& ipAddress, const GenICam::gcstring& subnetMask,
                                  const GenICam::gcstring& defaultGateway) = 0;
 };
 
-/// Finds cameras and makes devices for them.
+/// Finds cameras and creates devices for them.
 class IDeviceFactory
 {
 public:
@@ -96,18 +96,18 @@ public:
     IDeviceFactory& operator=(const IDeviceFactory&) = delete;
 
     /// Fills `list` with the cameras that this host can reach at their present address; with `append`, adds
-    /// them. Returns how many were added. Raises RuntimeException when the host's adapters cannot be listed
-    /// or no socket is to be had.
+    /// them. Returns how many were added. Throws RuntimeException if the host's adapters cannot be listed or
+    /// no socket can be opened.
     virtual int EnumerateDevices(DeviceInfoList& list, bool append) = 0;
-    /// A device for the described camera, which needs no more than an IP address, or null. Sends nothing;
-    /// what is no address is found out by opening it.
+    /// Creates a device for the described camera, or returns null if the record has no IP address. Sends
+    /// nothing; an invalid address makes Open() fail.
     virtual ITessalDevice* CreateDevice(const CDeviceInfo& info) = 0;
-    /// Destroys a device that CreateDevice made, giving back control if it is open. Null is allowed; a device
-    /// that was not made here raises LogicalErrorException.
+    /// Destroys a device made by CreateDevice, giving control back if it is open. Null is allowed. Throws
+    /// LogicalErrorException for any other device.
     virtual void DestroyDevice(ITessalDevice* device) = 0;
     /// Writes an Accessibility code to `*accessibility` if that is not null; returns whether the camera can
-    /// be opened. For any `modes`, since each needs control. Of a record that names a MAC address only the
-    /// camera with that one is meant: another one at its address does not count.
+    /// be opened. The same for all `modes`, since each needs control. A record with a MAC address means only
+    /// the camera that has it: another camera at its IP address does not count.
     virtual bool QueryDeviceAccessibility(const CDeviceInfo& info, const AccessModeSet& modes,
                                           int* accessibility) = 0;
     virtual ~IDeviceFactory() = default;
@@ -120,56 +120,55 @@ public:
     [[nodiscard]] virtual CDeviceInfo CreateDeviceInfo() = 0;
 };
 
-/// GigE Vision. The MAC address of a camera is given as twelve hexadecimal digits; a text that is none, or an
-/// address that is no dotted quad, raises InvalidArgumentException. When no adapter of the host can send, the
-/// commands to a camera raise RuntimeException.
+/// GigE Vision. The MAC address of a camera is given as twelve hexadecimal digits; any other text, or an
+/// address that is not a dotted quad, causes an InvalidArgumentException. If no adapter of the host can send,
+/// the commands to a camera throw RuntimeException.
 class IGigETransportLayer : public ITransportLayer
 {
 public:
     /// Fills `list` with every camera that answers discovery on any adapter, whatever its address; one record
-    /// for each host address that asked. With `append`, adds to it. Returns how many were added; raises as
+    /// for each host address that asked. With `append`, adds to it. Returns how many were added; throws like
     /// EnumerateDevices().
     virtual int EnumerateDevicesAnySubnet(DeviceInfoList& list, bool append) = 0;
-    /// Gives the camera an address until its next restart, and searches for it. Raises RuntimeException when
-    /// the camera refuses, is seen with another address for two seconds, or is seen beside another camera
-    /// with the same address. A camera that is not seen may still be changing its address; only later
-    /// searches tell.
+    /// Gives the camera an address until its next restart, and searches for it. Throws RuntimeException if
+    /// the camera refuses, still has another address after two seconds, or is found together with another
+    /// camera that has the same address. A camera that is not found may still be changing its address; only
+    /// later searches tell.
     virtual void ForceIp(const GenICam::gcstring& mac, const GenICam::gcstring& ipAddress,
                          const GenICam::gcstring& subnetMask, const GenICam::gcstring& defaultGateway) = 0;
     /// Makes the camera run its IP configuration cycle again.
     virtual void RestartIpConfig(const GenICam::gcstring& mac) = 0;
-    /// Stores mode, address and name on a camera that knows the manufacturer's broadcast command; true when
-    /// the camera acknowledged it. False, without a packet, for a camera whose latest record
-    /// does not name the maker; false also when the camera refused or did not answer. Without the static mode
-    /// an address that is no dotted quad counts as 0.0.0.0, since an editor may hold half of one. So does
-    /// 127.0.0.1 or one from 224.0.0.0 up, which no camera can have; in the static mode these give false,
-    /// without a packet. A name of more than 16 bytes raises InvalidArgumentException.
+    /// Stores mode, address and name on a camera that supports the manufacturer's broadcast command; true if
+    /// the camera acknowledged it. False, without sending a packet, for a camera whose latest record does not
+    /// name the maker; false also if the camera refused or did not answer. Without static mode, an address
+    /// that is not a dotted quad counts as 0.0.0.0, because it may be half typed. So does 127.0.0.1 or one
+    /// from 224.0.0.0 up, which no camera can have; in static mode these return false, without sending a
+    /// packet. Throws InvalidArgumentException for a name of more than 16 bytes.
     virtual bool BroadcastIpConfig(const GenICam::gcstring& mac, bool enablePersistentIp, bool enableDhcp,
                                    const GenICam::gcstring& ipAddress, const GenICam::gcstring& subnetMask,
                                    const GenICam::gcstring& defaultGateway,
                                    const GenICam::gcstring& userDefinedName) = 0;
 };
 
-/// Makes and takes back transport layers. What stands behind it is chosen by the library that the program
-/// links.
+/// Creates and releases transport layers. Implemented by the library that the program links.
 class CTlFactory
 {
 public:
     [[nodiscard]] static CTlFactory& GetInstance();
 
-    /// The transport layer of that device class (GigEDeviceClass), or null for another one.
+    /// A transport layer of that device class (GigEDeviceClass), or null for any other class.
     [[nodiscard]] ITransportLayer* CreateTl(const GenICam::gcstring& deviceClass);
-    /// Takes back what CreateTl made; devices that are still open are released. Null is allowed.
+    /// Destroys what CreateTl made, closing devices that are still open. Null is allowed.
     void ReleaseTl(const ITransportLayer* transportLayer);
 
 private:
     CTlFactory() = default;
 };
 
-/// Once at start, before anything else here; throws a GenICam exception when the SDK cannot work.
+/// Call once at start, before anything else here. Throws a GenICam exception if the SDK cannot work.
 void TessalInitialize();
-/// Once at the end, when no transport layer is left.
-/// The log needs no shutting down here: the argument makes no difference.
+/// Call once at the end, when no transport layer is left. The log needs no shutdown: the argument is not
+/// used.
 void TessalTerminate(bool shutDownLogging);
 
 } // namespace Tessal
