@@ -7,7 +7,7 @@ namespace advice {
 namespace {
 
 constexpr net::Ipv4 none{};
-constexpr std::uint32_t firstMulticast = 224; // first octet; from here up no address is a device's
+constexpr std::uint32_t firstMulticast = 224; // first octet; from here on no address is a device's
 constexpr std::uint32_t loopback = 127;       // first octet
 constexpr std::uint32_t exactLoopback = 0x7F000001;
 
@@ -32,7 +32,7 @@ bool isSpecial(net::Ipv4 address)
     return first == 0 || first == loopback || first >= firstMulticast;
 }
 
-/// Whether the part of the address behind the mask is all zeros or all ones and so no device's.
+/// Which reserved address it is under the mask, if its host part is all zeros or all ones.
 std::optional<Kind> reservedUnder(net::Ipv4 mask, net::Ipv4 address)
 {
     const std::uint32_t hostBits = ~mask.value;
@@ -45,7 +45,7 @@ std::optional<Kind> reservedUnder(net::Ipv4 mask, net::Ipv4 address)
     return (address.value & hostBits) == hostBits ? std::optional(Kind::BroadcastAddress) : std::nullopt;
 }
 
-/// The adapters that the camera can be reached through, as far as is known.
+/// The adapters through which the camera can be reached, as far as is known.
 std::vector<Adapter> adaptersOfCamera(const Surroundings& surroundings)
 {
     const auto own = std::ranges::find(surroundings.adapters, surroundings.cameraAdapter, &Adapter::name);
@@ -183,7 +183,8 @@ std::optional<Advice> onGateway(const Entry& entry)
     return reserved(*gateway, mask, std::nullopt);
 }
 
-/// Cameras are given what is left in the address field beside another mode, and refuse what is no address.
+/// What is left in the address field is sent to the camera along with another mode, and a camera refuses what
+/// is not an address.
 std::optional<Advice> onLeftOver(const Entry& entry)
 {
     const auto address = parse(entry.address);

@@ -62,7 +62,7 @@ bool isWritten(const Failure& failure)
             !failure.wanted.empty());
 }
 
-/// Auto IP is always on beside the others, and cannot make a difference.
+/// Leaves out Auto IP, which is always on, unless it is the only mode.
 QString formatModes(const std::string& value)
 {
     using namespace Tessal::IpConfig;
@@ -102,8 +102,7 @@ QString fill(QString text, const Failure& failure, const Values&... values)
     return text.arg(camera, values...);
 }
 
-/// The text for what was to be done: to write a setting, which stands for %2, to take control, or anything
-/// else.
+/// The text for what was attempted: to write a setting, which replaces %2, to take control, or anything else.
 QString aboutSetting(const Failure& failure, const QString& writing, const QString& controlling,
                      const QString& otherwise)
 {
@@ -123,7 +122,7 @@ QString describeNotKept(const Failure& failure)
                 formatValue(failure.setting, failure.actual));
 }
 
-/// Nothing was asked of the camera, because no adapter leads to its address.
+/// Whether nothing was sent because no adapter leads to the camera's address.
 bool hasNoWay(const Failure& failure)
 {
     return failure.kind == FailureKind::CannotSend && failure.setting == Setting::None &&
@@ -172,7 +171,7 @@ QString describeInvalidValue(const Failure& failure)
     }
 }
 
-/// A request that did not go through.
+/// The sentence for a request that failed.
 QString describeRequest(const Failure& failure)
 {
     switch (failure.kind) {
@@ -282,7 +281,7 @@ void visitNested(const std::exception& exception, const std::function<void(const
         std::rethrow_if_nested(exception);
     } catch (const std::exception& cause) {
         visitNested(cause, visit);
-    } catch (...) { // NOLINT(bugprone-empty-catch): nothing is known of it
+    } catch (...) { // NOLINT(bugprone-empty-catch): nothing is known about it
     }
 }
 

@@ -34,8 +34,8 @@ struct Texts
     Q_DECLARE_TR_FUNCTIONS(HelpAndSupport)
 };
 
-/// Whether the desktop has a program for mailto: addresses. Opening one without such a program looks like
-/// success to the caller and shows nothing to the user.
+/// Whether the desktop has a program for mailto: addresses. Without one, opening such an address reports
+/// success but shows nothing.
 bool hasMailProgram()
 {
     QProcess query;
@@ -45,7 +45,7 @@ bool hasMailProgram()
            query.exitCode() == 0 && !query.readAllStandardOutput().trimmed().isEmpty();
 }
 
-/// What the kernel says in a file of one line, or "unknown".
+/// The content of a kernel file of one line, or "unknown".
 QString kernelSetting(const QString& path)
 {
     QFile setting(path);
@@ -53,13 +53,13 @@ QString kernelSetting(const QString& path)
     return text.isEmpty() ? Texts::tr("unknown") : QString::fromLatin1(text);
 }
 
-/// Where it is not 0, the kernel may drop answers of cameras that it has no route to.
+/// If it is not 0, the kernel may drop answers of cameras that it has no route to.
 QString reversePathFilter(const QString& adapter)
 {
     return kernelSetting(QStringLiteral("/proc/sys/net/ipv4/conf/%1/rp_filter").arg(adapter));
 }
 
-/// The adapter's name; where the system named it after its hardware address, without that address.
+/// The adapter's name, without the hardware address if the system named it after that.
 QString shareableName(QString adapter)
 {
     static const QRegularExpression hardwareAddress(QStringLiteral("[0-9A-Fa-f]{12}"));
@@ -81,7 +81,7 @@ QString kindOf(const QNetworkInterface& adapter)
     case QNetworkInterface::Ethernet: {
         bool isNumber = false;
         const QString path = QStringLiteral("/sys/class/net/%1/speed").arg(adapterName(adapter));
-        const int speed = kernelSetting(path).toInt(&isNumber); // -1 when nobody knows
+        const int speed = kernelSetting(path).toInt(&isNumber); // -1 if unknown
         return isNumber && speed > 0 ? Texts::tr("Ethernet at %1 Mbit/s").arg(speed) : Texts::tr("Ethernet");
     }
     case QNetworkInterface::Wifi:

@@ -23,8 +23,8 @@ constexpr QLatin1String makerPrefix("02-5E-41-");
 constexpr qsizetype macLength = 17; // characters, with separators
 constexpr int linesOfAdvice = 3;
 
-/// Lets only texts pass that the field can hold; blanks, which come with pasted text, are dropped. The length
-/// is judged after that: the field's own limit would cut a pasted text before it, to another address.
+/// Accepts only text that the field can hold, and drops blanks, which come with pasted text. The length is
+/// checked after that: the field's own limit would cut pasted text before, to another address.
 class CharacterFilter : public QValidator
 {
 public:
@@ -55,7 +55,8 @@ void setText(QLineEdit* edit, const QString& text)
 
 constexpr int longestSubnet = 31; // bits; a host's own /32 leaves no room for a camera
 
-/// The mask of the smallest subnet of an active host adapter that holds the address; null when there is none.
+/// The mask of the smallest subnet of an active host adapter that contains the address; null if there is
+/// none.
 QHostAddress hostMaskFor(const QHostAddress& address)
 {
     int longest = 0;
@@ -113,7 +114,7 @@ void IpAddressWidget::createAdviceSigns()
         connect(edit, &QLineEdit::textChanged, this, &IpAddressWidget::showAdvice);
     }
     connect(ui->editMacAddress, &QLineEdit::textChanged, this, &IpAddressWidget::showCamera);
-    // So that nothing moves while one types.
+    // So that nothing moves while the user types.
     ui->labelAdvice->setMinimumHeight(linesOfAdvice * ui->labelAdvice->fontMetrics().lineSpacing());
 }
 
@@ -230,7 +231,7 @@ void IpAddressWidget::setVisible(bool visible)
 {
     QDialog::setVisible(visible);
     if (visible) {
-        // QDialog selects the whole field that it focuses; the first key would then wipe out the suggestion.
+        // QDialog selects the whole field that it focuses; the first key would then replace the suggestion.
         QLineEdit* const first = ui->editMacAddress->isHidden() ? ui->editIpAddress : ui->editMacAddress;
         first->setFocus(Qt::OtherFocusReason);
         first->end(false);

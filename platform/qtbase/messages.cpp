@@ -21,8 +21,8 @@ struct Message
     QString details;
 };
 
-/// Puts all paragraphs into the one label of the box whose format can be set; the box shows its informative
-/// text as markup whatever that format is.
+/// Puts all paragraphs into the one label of the box whose format can be set; its informative text may be
+/// shown as markup whatever that format is.
 void show(Message message, QWidget* parent)
 {
     message.paragraphs.removeAll(QString());

@@ -48,7 +48,7 @@ std::optional<net::Ipv4> maskFromPrefixLength(QStringView text)
     return net::Ipv4{~std::uint32_t{0} << (32 - length)};
 }
 
-/// Makes of a text what an address has in its place; the position stays between the same characters.
+/// Removes blanks and turns commas into dots; the position stays between the same characters.
 void tidy(QString& text, int& pos)
 {
     const auto isSpace = [](QChar character) { return character.isSpace(); };
@@ -57,7 +57,7 @@ void tidy(QString& text, int& pos)
     text.replace(QLatin1Char(','), QLatin1Char('.'));
 }
 
-/// Whether the text is a dotted quad, a slash, and what may become the length of a mask.
+/// Whether the text is a dotted quad, a slash, and what may become a prefix length.
 bool mayGetMaskLength(const QString& text)
 {
     const qsizetype slash = text.indexOf(QLatin1Char('/'));

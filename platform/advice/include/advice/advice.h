@@ -8,8 +8,8 @@
 #include <optional>
 #include <vector>
 
-/// What can be told of addresses before a camera gets them: pure functions that know no window and no
-/// network. Advice warns of what cannot work; what is refused is decided elsewhere.
+/// Checks addresses before a camera gets them. Pure functions, independent of windows and networks. Advice
+/// warns of what cannot work; what is rejected is decided elsewhere.
 namespace advice {
 
 Q_NAMESPACE // so that the enumerators below have names in a failing test
@@ -27,28 +27,28 @@ Q_NAMESPACE // so that the enumerators below have names in a failing test
     std::vector<Subnet> subnets;
 };
 
-/// A camera in the list. Its name and model are texts from outside, fit to be shown, and are no markup.
+/// A camera in the list. Name and model are texts from outside, made fit for display; they are not markup.
 struct Camera
 {
-    QString name; // the user's; empty where none was given
+    QString name; // the user's; empty if none was given
     QString model;
     net::MacAddress mac;
     net::Ipv4 address;
 };
 
-/// What is known of the network around a camera.
+/// What is known about the network around a camera.
 struct Surroundings
 {
     std::vector<Adapter> adapters;
     std::vector<Camera> cameras;
-    QString cameraAdapter; // name of the one that the camera is heard through; empty where that is unknown
+    QString cameraAdapter; // name of the adapter that hears the camera; empty if unknown
 };
 
-/// What becomes of the addresses.
+/// What the addresses are for.
 enum class Purpose {
     Static,    // the camera keeps them
     Temporary, // the camera gets them until it restarts
-    LeftOver,  // another mode is chosen, and what was typed before goes to the camera beside it
+    LeftOver,  // another mode is chosen, and what was typed before is sent along with it
 };
 
 /// What the fields hold, as typed.
@@ -66,16 +66,16 @@ Q_ENUM_NS(Field)
 
 enum class Kind {
     Missing,
-    Incomplete,     // or no such thing at all
-    StartsAnew,     // no temporary address makes the camera look for one again
-    SpecialAddress, // means something else than a device
+    Incomplete,     // or not an address at all
+    StartsAnew,     // without a temporary address, the camera looks for one again
+    SpecialAddress, // does not stand for a device
     NetworkAddress, // of the mask `other`, as is the next
     BroadcastAddress,
     OwnAddress,      // of this computer, on `adapter`
     AddressOfCamera, // of `camera`, another one
     OutsideAdapter,  // in no network of `adapter`
     OutsideComputer, // in no network of any adapter
-    NoMask,          // four numbers that are no mask
+    NoMask,          // four numbers that are not a mask
     OtherMask,       // `adapter` has the mask `other` in the network of the address
     GatewayOutside,  // of the camera's network
     GatewayOfCamera, // is the camera's own address
@@ -83,7 +83,7 @@ enum class Kind {
 };
 Q_ENUM_NS(Kind)
 
-/// What there is to say of one field; the values that its kind does not name are empty.
+/// Advice on one field; the values that its kind does not name are empty.
 struct Advice
 {
     Kind kind = Kind::Missing;
@@ -94,17 +94,17 @@ struct Advice
     Camera camera{};
 };
 
-/// What there is to say of the entry: at most one thing for each field, in the order of Field. The MAC
-/// address is judged only where it is an entry too, for a temporary address.
+/// The advice on an entry: at most one for each field, in the order of Field. The MAC address is checked only
+/// if it is entered as well, for a temporary address.
 [[nodiscard]] std::vector<Advice> adviceOn(const Entry& entry, const Surroundings& surroundings);
 
-/// The one on that field, if any.
+/// The advice on that field, if any.
 [[nodiscard]] std::optional<Advice> adviceFor(Field field, const std::vector<Advice>& all);
 
 /// Whether something is missing, so that the entry cannot be used at all.
 [[nodiscard]] bool isUnfinished(const Advice& advice);
 
-/// Whether it tells of a mistake, rather than of what is still to be typed or will happen.
+/// Whether it points out a mistake, rather than what is still to be typed or will happen.
 [[nodiscard]] bool isWarning(const Advice& advice);
 
 /// The advice in the user's language: a short sentence or two, plain text.

@@ -8,15 +8,15 @@
 
 class QLineEdit;
 
-/// A small sign beside a field that tells what there is to say of the field's text: the sentence is the tool
-/// tip of both, what a screen reader says of the field, and what Shift+F1 shows.
+/// A small sign beside a field that shows the advice on its text: the sentence is the tool tip of both, the
+/// description that a screen reader gives of the field, and what Shift+F1 shows.
 class AdviceSign : public QLabel
 {
 public:
     /// Shows nothing yet. The field must outlive the sign.
     AdviceSign(QLineEdit* field, QWidget* parent);
 
-    /// Takes back what was told when there is no advice. Returns whether this is news.
+    /// Shows the advice, or nothing if there is none. Returns whether that is a change.
     bool tell(const std::optional<advice::Advice>& advice);
 
     [[nodiscard]] QLineEdit& field() const { return *m_field; }
@@ -25,8 +25,8 @@ private:
     QLineEdit* m_field;
 };
 
-/// A plain text as a tool tip, which is wrapped and would else be taken for markup where it looks so.
+/// A plain text as a tool tip that is wrapped and never taken for markup.
 [[nodiscard]] QString toolTipText(const QString& text);
 
-/// Tells of a widget what its tool tip says to those who use no mouse as well.
+/// Sets the widget's tool tip, and offers the same text to users without a mouse.
 void setExplanation(QWidget& widget, const QString& text);

@@ -8,8 +8,7 @@
 #include <exception>
 #include <utility>
 
-/// What an exception says to the user if the program itself raised it: its description in the user's
-/// language.
+/// Implemented by exceptions of the program itself: their description in the user's language.
 class ITranslated
 {
 public:
@@ -23,7 +22,7 @@ public:
     [[nodiscard]] virtual const QString& sentence() const noexcept = 0;
 };
 
-/// An exception of type E whose description stays English, with the same for the user beside it.
+/// An exception of type E with an English description, and the same text in the user's language.
 template <typename E>
 class Translated : public E, public ITranslated
 {
@@ -36,13 +35,13 @@ private:
     QString m_sentence;
 };
 
-/// What happened, what the camera took before, and what to do, in plain sentences of the user's language.
-/// Plain text: what comes from a camera is made fit to be shown, and is no markup.
+/// What happened, what the camera stored before, and what to do, in the user's language. Plain text, not
+/// markup; what comes from a camera is made fit for display.
 [[nodiscard]] QString describeFailure(const Tessal::Failure& failure);
 
-/// What can be told to the user of an exception and of those nested in it, the outermost first; nothing for
-/// those that are neither a failure with values nor translated.
+/// What the user can be told about an exception and those nested in it, the outermost first; nothing about
+/// those that carry neither a Failure nor a translation.
 [[nodiscard]] QStringList sentencesOf(const std::exception& exception);
 
-/// For support: the what() of the exception and of those nested in it, a line each, English.
+/// For support: the what() of the exception and of those nested in it, one per line, in English.
 [[nodiscard]] QString technicalTextOf(const std::exception& exception);

@@ -13,9 +13,9 @@ class QLineEdit;
 class Ui_IpAddressWidget;
 
 /// Dialog that asks for an address, a mask, a gateway and, if wanted, a MAC address. It names the camera and
-/// warns of what cannot work. OK is grey until everything is complete, and that is all that is refused here;
-/// the caller does the rest and may show the dialog again with what was typed. Each time it is shown, the
-/// first field has the focus and the cursor stands at its end.
+/// warns of what cannot work. OK is disabled until everything is complete; nothing else is rejected here, so
+/// that the caller may have to show the dialog again with what was typed. Each time it is shown, the first
+/// field has the focus, with the cursor at its end.
 ///
 /// While the user types an address, the mask follows it (subnetFromAddress), until the user types a mask;
 /// emptying the mask field lets it follow again.
@@ -31,16 +31,16 @@ public:
     /// Rich text, or plain text with line breaks, at the top of the dialog.
     void setHeaderText(const QString& text);
     /// What made the dialog necessary, in a line of its own below the header, with technical details as its
-    /// tool tip; both are plain text. An empty sentence takes no place.
+    /// tool tip; both are plain text. An empty sentence hides the line.
     void setReason(const QString& sentence, const QString& technicalText);
-    /// What the camera's name and the advice come from; nothing is known at first.
+    /// What the camera's name and the advice are derived from; empty at first.
     void setSurroundings(advice::Surroundings surroundings);
     /// Off at first.
     void setShowMacAddress(bool show);
     void setIpAddress(const QString& text);
     void setSubnetMask(const QString& text);
     void setDefaultGateway(const QString& text);
-    /// Twelve hexadecimal digits are shown as pairs; a text that is no MAC address leaves the maker's prefix.
+    /// A MAC address is shown as pairs of digits; for any other text, the maker's prefix is shown.
     void setMacAddress(const QString& text);
 
     [[nodiscard]] QString ipAddress() const;
@@ -52,14 +52,14 @@ public:
     [[nodiscard]] advice::Entry entry() const;
     void setEntry(const advice::Entry& entry);
 
-    /// The mask of the host subnet that holds the address, else the classful one (169.254 is /16); null for
-    /// what is no unicast address.
+    /// The mask of the host subnet that contains the address, or else the classful one (169.254 is /16); null
+    /// if it is not a unicast address.
     [[nodiscard]] static QHostAddress subnetFromAddress(const QHostAddress& address);
 
     void setVisible(bool visible) override;
 
 protected:
-    /// Enter that is held down accepts nothing: it may have been held since before the dialog was there.
+    /// An Enter key that is held down accepts nothing: it may have been pressed before the dialog was shown.
     void keyPressEvent(QKeyEvent* event) override;
 
 private:

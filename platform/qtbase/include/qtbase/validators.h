@@ -7,22 +7,22 @@
 
 class QLineEdit;
 
-/// An address that was typed with the length of its mask behind it, "192.168.1.9/24".
+/// An address that was typed with its prefix length, "192.168.1.9/24".
 struct AddressWithMask
 {
-    QString address; // without the length
+    QString address; // without the prefix length
     QString mask;    // as four numbers
 };
 
-/// Takes such a text apart once no digit can follow: "/1" may become "/16". No camera has a mask that short.
+/// Splits such a text once no digit can follow: "/1" may become "/16", and no camera has a mask that short.
 [[nodiscard]] std::optional<AddressWithMask> splitMaskLength(const QString& text);
 
 /// Accepts a dotted quad that is a host address under the mask now in the given field: its host part is
-/// neither all zeros nor all ones, masks of 31 and 32 bits excepted. While that field holds no mask, any
-/// dotted quad but 0.0.0.0 will do. Other text of digits and dots, or with the length of a mask after a
-/// slash, is Intermediate, so that no edit on the way to an address is refused; any other character is
-/// Invalid. A comma, which many keypads have instead, becomes a dot, and blanks, which come with pasted text,
-/// go.
+/// neither all zeros nor all ones, except under masks of 31 and 32 bits. While that field holds no mask, any
+/// dotted quad but 0.0.0.0 is accepted. Other text of digits and dots, or with a prefix length after a slash,
+/// is Intermediate, so that no edit on the way to an address is rejected; any other character is Invalid. A
+/// comma, which many keypads have instead, becomes a dot, and blanks, which come with pasted text, are
+/// removed.
 class QIpAddressWithNetmaskValidator : public QValidator
 {
     Q_OBJECT
@@ -50,7 +50,7 @@ public:
     explicit QIpNetmaskValidator(QObject* parent);
 
     State validate(QString& input, int& pos) const override;
-    /// Turns "24" and "/24" into 255.255.255.0 and strips leading zeros of the parts; leaves what it cannot
-    /// read.
+    /// Turns "24" and "/24" into 255.255.255.0 and strips leading zeros of the parts; leaves any other text
+    /// unchanged.
     void fixup(QString& input) const override;
 };
