@@ -125,8 +125,8 @@ DescriptionUrl parseDescriptionUrl(std::string_view text)
     url.zipped = lowered(url.fileName).ends_with(".zip");
     const std::uint64_t first = hexNumber(address);
     const std::uint64_t bytes = hexNumber(length);
-    constexpr std::uint64_t SpaceEnd = std::uint64_t{1} << 32;
-    if (url.fileName.empty() || bytes == 0 || first >= SpaceEnd || bytes > SpaceEnd - first ||
+    constexpr std::uint64_t spaceEnd = std::uint64_t{1} << 32;
+    if (url.fileName.empty() || bytes == 0 || first >= spaceEnd || bytes > spaceEnd - first ||
         bytes > UINT32_MAX) {
         throw DescriptionError(excerpt(whole) + " names no place in the camera's registers");
     }

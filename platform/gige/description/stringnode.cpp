@@ -49,14 +49,14 @@ void StringRegister::write(std::string_view text) const
                 std::to_string(m_range.length) + " bytes other than NUL.");
     }
     const TimeLimit limit(m_port, m_port.featureTime());
-    constexpr std::size_t Word = gvcp::RegisterSize;
-    const std::size_t before = m_range.address % Word;
+    constexpr std::size_t word = gvcp::RegisterSize;
+    const std::size_t before = m_range.address % word;
     const std::size_t end = before + m_range.length;
-    const std::size_t lastWord = (end - 1) / Word * Word;
+    const std::size_t lastWord = (end - 1) / word * word;
     const auto start = static_cast<std::uint32_t>(m_range.address - before);
-    std::vector<std::uint8_t> words(lastWord + Word);
+    std::vector<std::uint8_t> words(lastWord + word);
     if (before != 0) {
-        m_port.readMemory(start, std::span(words).first(Word));
+        m_port.readMemory(start, std::span(words).first(word));
     }
     if (end != words.size() && (before == 0 || lastWord != 0)) {
         m_port.readMemory(static_cast<std::uint32_t>(start + lastWord), std::span(words).subspan(lastWord));

@@ -26,12 +26,12 @@ std::string_view textOf(pugi::xml_node element, std::string_view childName)
 
 std::string_view trimmed(std::string_view text)
 {
-    constexpr std::string_view Blanks = " \t\r\n";
-    const std::size_t first = text.find_first_not_of(Blanks);
+    constexpr std::string_view blanks = " \t\r\n";
+    const std::size_t first = text.find_first_not_of(blanks);
     if (first == std::string_view::npos) {
         return {};
     }
-    return text.substr(first, text.find_last_not_of(Blanks) - first + 1);
+    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
 namespace {
@@ -72,10 +72,10 @@ XmlDescription::XmlDescription(std::string file) : m_text(std::move(file))
     if (treeSizeOf(m_text) > MaxTreeSize) {
         throw DescriptionError("the XML has more elements than can be held");
     }
-    constexpr unsigned int Options =
+    constexpr unsigned int options =
         pugi::parse_default | pugi::parse_embed_pcdata | pugi::parse_ws_pcdata_single;
     const pugi::xml_parse_result result =
-        m_document.load_buffer_inplace(m_text.data(), m_text.size(), Options);
+        m_document.load_buffer_inplace(m_text.data(), m_text.size(), options);
     if (!result) {
         throw DescriptionError("the XML is malformed at byte " + std::to_string(result.offset) + ": " +
                                result.description());

@@ -94,8 +94,8 @@ RegisterRange XmlEvaluation::range(pugi::xml_node registerNode, std::uint32_t ma
     const pugi::xml_node reference = childOf(registerNode, "pLength");
     const std::int64_t length = reference ? value(node(registerNode, trimmed(reference.child_value())))
                                           : numberOr(0, registerNode, "Length");
-    constexpr std::int64_t SpaceEnd = std::int64_t{1} << 32;
-    if (first < 0 || first >= SpaceEnd || length < 1 || length > SpaceEnd - first) {
+    constexpr std::int64_t spaceEnd = std::int64_t{1} << 32;
+    if (first < 0 || first >= spaceEnd || length < 1 || length > spaceEnd - first) {
         fail(registerNode, "has no place in the camera's registers");
     }
     if (length > maxLength) {

@@ -63,10 +63,10 @@ Archive openArchive(std::span<const std::uint8_t> bytes)
 
 bool isXmlName(const char* name)
 {
-    constexpr std::size_t SuffixSize = 4;
+    constexpr std::size_t suffixSize = 4;
     const std::string_view text = name != nullptr ? name : "";
-    return text.size() >= SuffixSize &&
-           ::strcasecmp(text.substr(text.size() - SuffixSize).data(), ".xml") == 0;
+    return text.size() >= suffixSize &&
+           ::strcasecmp(text.substr(text.size() - suffixSize).data(), ".xml") == 0;
 }
 
 zip_uint64_t indexOfXml(zip_t* archive)
