@@ -17,12 +17,12 @@ using namespace std::chrono_literals;
 // A camera that was slow with other answers gets the same time for this one before it is asked again.
 constexpr auto shortestRepeat = 50ms;
 constexpr auto longestRepeat = 200ms;
-constexpr int repeatAfterLatenesses = 3;
+constexpr int repeatFactor = 3;
 
 constexpr auto fullSocketPause = 5ms;
 // A thousand questions at once, with an address resolution before each, would overrun the queues on their
 // way, and the kernel repeats a lost address resolution only after a second.
-constexpr std::size_t maxUnderWay = 128; // through one adapter, as is the next
+constexpr std::size_t maxInFlight = 128; // through one adapter, as is the next
 constexpr std::size_t maxQuestions = 4096;
 
 constexpr UnicastProbe::Answer notReachable{
@@ -102,7 +102,7 @@ void UnicastProbe::ask(const Camera& camera, int adapterIndex, Clock::duration l
     giveTime(question, lateness);
     if (std::ranges::find(question.adapters, adapterIndex) == question.adapters.end()) {
         question.adapters.push_back(adapterIndex);
-        if (std::exchange(question.hasNoWay, false)) {
+        if (std::exchange(question.hasNoAdapter, false)) {
             question.settled = false;
             question.failures = 0;
             question.sent = question.adapters.size() - 1;
@@ -140,7 +140,7 @@ void UnicastProbe::giveTime(Question& question, Clock::duration lateness)
         std::max(question.openUntil,
                  std::clamp(question.askedAt + patience, m_start + m_pace.window, m_start + m_pace.deadline));
     question.repeatInterval =
-        std::clamp<Clock::duration>(lateness * repeatAfterLatenesses, shortestRepeat, longestRepeat);
+        std::clamp<Clock::duration>(lateness * repeatFactor, shortestRepeat, longestRepeat);
 }
 
 UnicastProbe::Queue& UnicastProbe::queueOf(const Question& question)
@@ -154,18 +154,18 @@ void UnicastProbe::sendDue(Clock::time_point now)
         const Repeat& repeat = m_repeats.top();
         Question& question = m_questions[repeat.question];
         if (!question.settled && question.request.id() == repeat.requestId) {
-            land(question);
+            clearInFlight(question);
             queueOf(question).waiting.push_back(repeat.question);
         }
     }
     for (auto& [adapter, queue] : m_queues) {
-        bool goesOn = now >= m_pausedUntil;
-        while (goesOn && !queue.waiting.empty() && queue.underWay < maxUnderWay) {
+        bool canSendMore = now >= m_pausedUntil;
+        while (canSendMore && !queue.waiting.empty() && queue.inFlight < maxInFlight) {
             const std::size_t index = queue.waiting.front();
             queue.waiting.pop_front();
             const Question& question = m_questions[index];
             if (!question.settled && question.repeating && now < question.openUntil) {
-                goesOn = send(queue, index, now);
+                canSendMore = send(queue, index, now);
             }
         }
     }
@@ -176,7 +176,7 @@ bool UnicastProbe::send(Queue& queue, std::size_t index, Clock::time_point now)
     Question& question = m_questions[index];
     const int adapter = question.adapters[question.sent % question.adapters.size()];
     if (!m_neighbours.canAdd({adapter, question.camera.address})) {
-        if (!std::exchange(m_neighboursEnded, true)) {
+        if (!std::exchange(m_isNeighbourTableFull, true)) {
             logSearch(ozlog::LogLevel::Warning,
                       "The kernel's neighbour table (net.ipv4.neigh.default.gc_thresh3) has no room to ask "
                       "all cameras; the others count as not reachable.");
@@ -197,8 +197,8 @@ bool UnicastProbe::send(Queue& queue, std::size_t index, Clock::time_point now)
         question.failures = 0;
         m_neighbours.add({adapter, question.camera.address});
         question.sentThrough = adapter;
-        question.underWay = true;
-        ++queue.underWay;
+        question.inFlight = true;
+        ++queue.inFlight;
         m_repeats.push({now + question.repeatInterval, index, question.request.id()});
     } else {
         tryNextAdapter(question, index, now);
@@ -218,16 +218,16 @@ void UnicastProbe::tryNextAdapter(Question& question, std::size_t index, Clock::
         question.failures = 0;
         m_repeats.push({now + question.repeatInterval, index, question.request.id()});
     } else {
-        question.hasNoWay = true;
+        question.hasNoAdapter = true;
         settle(question, question.answer);
     }
 }
 
-/// The question is no longer under way.
-void UnicastProbe::land(Question& question)
+/// The question is no longer in flight.
+void UnicastProbe::clearInFlight(Question& question)
 {
-    if (std::exchange(question.underWay, false)) {
-        --m_queues[question.sentThrough].underWay;
+    if (std::exchange(question.inFlight, false)) {
+        --m_queues[question.sentThrough].inFlight;
     }
 }
 
@@ -235,7 +235,7 @@ void UnicastProbe::settle(Question& question, const Answer& answer)
 {
     question.answer = answer;
     question.settled = true;
-    land(question);
+    clearInFlight(question);
 }
 
 void UnicastProbe::receive(std::size_t limit, Clock::time_point now)
@@ -258,10 +258,10 @@ void UnicastProbe::handle(const Datagram& datagram, Clock::time_point now)
         return;
     }
     Question& question = m_questions[found->second];
-    const bool fromItsPlace =
+    const bool isFromCameraAddress =
         datagram.source == Endpoint{question.camera.address, gvcp::Port} &&
         std::ranges::find(question.adapters, datagram.adapterIndex) != question.adapters.end();
-    if (fromItsPlace && !question.settled && question.request.id() == *requestId) {
+    if (isFromCameraAddress && !question.settled && question.request.id() == *requestId) {
         question.heardThrough = datagram.adapterIndex;
         handle(found->second, question.request.judge(datagram.bytes), now);
     }
@@ -289,29 +289,29 @@ void UnicastProbe::handle(std::size_t index, const Reply& reply, Clock::time_poi
                                                                  : heardWith(Tessal::Accessibility::Unknown));
         } else {
             // A refused read means that another application has exclusive access.
-            proveOrAsk(index,
-                       heardWith(reply.status == gvcp::Status::AccessDenied
-                                     ? Tessal::Accessibility::ControlledExclusively
-                                     : Tessal::Accessibility::Unknown),
-                       now);
+            verifySender(index,
+                         heardWith(reply.status == gvcp::Status::AccessDenied
+                                       ? Tessal::Accessibility::ControlledExclusively
+                                       : Tessal::Accessibility::Unknown),
+                         now);
         }
         break;
     case Reply::Kind::Done:
-        take(index, bytes::get32(reply.payload, 0), now);
+        handleValue(index, bytes::get32(reply.payload, 0), now);
         break;
     }
 }
 
-void UnicastProbe::take(std::size_t index, std::uint32_t value, Clock::time_point now)
+void UnicastProbe::handleValue(std::size_t index, std::uint32_t value, Clock::time_point now)
 {
     Question& question = m_questions[index];
     switch (question.step) {
     case Step::Privilege:
-        proveOrAsk(index, heardWith(accessibilityOf(value)), now);
+        verifySender(index, heardWith(accessibilityOf(value)), now);
         break;
     case Step::MacHigh:
         question.macHigh = value;
-        askFurther(index, Step::MacLow, gvcp::Register::MacLow, now);
+        askNext(index, Step::MacLow, gvcp::Register::MacLow, now);
         break;
     case Step::MacLow:
         if (macFrom(question.macHigh, value) == question.camera.mac) {
@@ -329,19 +329,19 @@ void UnicastProbe::take(std::size_t index, std::uint32_t value, Clock::time_poin
 
 /// The device at the camera's address has answered. If the kernel does not know it to be the camera, it is
 /// asked for its MAC address.
-void UnicastProbe::proveOrAsk(std::size_t index, const Answer& answer, Clock::time_point now)
+void UnicastProbe::verifySender(std::size_t index, const Answer& answer, Clock::time_point now)
 {
     Question& question = m_questions[index];
-    question.unproven = answer;
+    question.unverified = answer;
     question.answer = {};
-    if (isKnownToBe(question)) {
+    if (isFromCamera(question)) {
         conclude(index, now);
     } else {
-        askFurther(index, Step::MacHigh, gvcp::Register::MacHigh, now);
+        askNext(index, Step::MacHigh, gvcp::Register::MacHigh, now);
     }
 }
 
-bool UnicastProbe::isKnownToBe(const Question& question) const
+bool UnicastProbe::isFromCamera(const Question& question) const
 {
     try {
         return net::hardwareAddressOf({question.heardThrough, question.camera.address}) ==
@@ -356,18 +356,18 @@ bool UnicastProbe::isKnownToBe(const Question& question) const
 void UnicastProbe::conclude(std::size_t index, Clock::time_point now)
 {
     Question& question = m_questions[index];
-    question.answer = question.unproven;
+    question.answer = question.unverified;
     if (question.answer.accessibility == Tessal::Accessibility::Controlled) {
-        askFurther(index, Step::ControlledBy, gvcp::Register::PrimaryApplicationIp, now);
+        askNext(index, Step::ControlledBy, gvcp::Register::PrimaryApplicationIp, now);
     } else {
         settle(question, question.answer);
     }
 }
 
-void UnicastProbe::askFurther(std::size_t index, Step step, std::uint32_t address, Clock::time_point now)
+void UnicastProbe::askNext(std::size_t index, Step step, std::uint32_t address, Clock::time_point now)
 {
     Question& question = m_questions[index];
-    land(question);
+    clearInFlight(question);
     question.step = step;
     question.request = Request::readRegister(address);
     question.repeating = true;
@@ -383,7 +383,7 @@ void UnicastProbe::askFurther(std::size_t index, Step step, std::uint32_t addres
 Clock::time_point UnicastProbe::nextSend() const
 {
     const bool canSend = std::ranges::any_of(m_queues, [](const auto& entry) {
-        return !entry.second.waiting.empty() && entry.second.underWay < maxUnderWay;
+        return !entry.second.waiting.empty() && entry.second.inFlight < maxInFlight;
     });
     const auto repeat = m_repeats.empty() ? m_start + m_pace.deadline : m_repeats.top().at;
     return canSend ? std::min(repeat, m_pausedUntil) : repeat;

@@ -77,18 +77,18 @@ private:
         Clock::time_point openUntil;
         Step step = Step::Privilege;
         Request request = Request::readRegister(gvcp::Register::ControlChannelPrivilege);
-        std::size_t sent = 0;     // attempts, also failed ones; the adapters take turns
-        std::size_t failures = 0; // to send, in succession
-        bool wasSent = false;     // in this step
-        bool hasNoWay = false;    // settled because no adapter could send it
-        int sentThrough = 0;      // adapter index, as is the next
+        std::size_t sent = 0;      // attempts, also failed ones; the adapters take turns
+        std::size_t failures = 0;  // to send, in succession
+        bool wasSent = false;      // in this step
+        bool hasNoAdapter = false; // settled because no adapter could send it
+        int sentThrough = 0;       // adapter index, as is the next
         int heardThrough = 0;
-        bool underWay = false; // sent, and neither answered nor due for its repeat
+        bool inFlight = false; // sent, and neither answered nor due for its repeat
         bool settled = false;  // answered, or no adapter leads to the camera
         bool repeating = true; // until the camera asks for more time
         std::uint32_t macHigh = 0;
         Answer answer;
-        Answer unproven; // becomes the answer once the device is known to be the camera
+        Answer unverified; // becomes the answer once the device is known to be the camera
     };
     struct Repeat
     {
@@ -101,7 +101,7 @@ private:
     struct Queue // of one adapter
     {
         std::deque<std::size_t> waiting; // indices of questions to be sent
-        std::size_t underWay = 0;
+        std::size_t inFlight = 0;
         std::size_t questions = 0;
     };
 
@@ -111,20 +111,20 @@ private:
     /// Whether the next question of the queue may be sent too.
     [[nodiscard]] bool send(Queue& queue, std::size_t index, Clock::time_point now);
     void tryNextAdapter(Question& question, std::size_t index, Clock::time_point now);
-    void land(Question& question);
+    void clearInFlight(Question& question);
     void settle(Question& question, const Answer& answer);
     void handle(const Datagram& datagram, Clock::time_point now);
     void handle(std::size_t index, const Reply& reply, Clock::time_point now);
-    void take(std::size_t index, std::uint32_t value, Clock::time_point now);
-    void proveOrAsk(std::size_t index, const Answer& answer, Clock::time_point now);
+    void handleValue(std::size_t index, std::uint32_t value, Clock::time_point now);
+    void verifySender(std::size_t index, const Answer& answer, Clock::time_point now);
     void conclude(std::size_t index, Clock::time_point now);
-    void askFurther(std::size_t index, Step step, std::uint32_t address, Clock::time_point now);
-    [[nodiscard]] bool isKnownToBe(const Question& question) const;
+    void askNext(std::size_t index, Step step, std::uint32_t address, Clock::time_point now);
+    [[nodiscard]] bool isFromCamera(const Question& question) const;
 
     UdpSocket m_socket;
     NeighbourBudget m_neighbours;
     std::vector<net::LinkRoute> m_routes;
-    bool m_neighboursEnded = false;
+    bool m_isNeighbourTableFull = false;
     Clock::time_point m_start;
     SearchPace m_pace;
     Clock::time_point m_pausedUntil; // because the socket was full
