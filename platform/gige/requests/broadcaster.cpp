@@ -47,12 +47,12 @@ void Broadcaster::send(gvcp::Bytes packet)
     }
 }
 
-void Broadcaster::send(std::size_t channel, gvcp::Bytes packet, bool asksSubnet)
+void Broadcaster::send(std::size_t channel, gvcp::Bytes packet, bool includesSubnet)
 {
     Channel& from = m_channels[channel];
     const Origin origin{.adapterIndex = from.host.adapterIndex, .address = from.host.address};
     std::erase_if(from.destinations, [&](net::Ipv4 destination) {
-        if (destination != net::limitedBroadcast && !asksSubnet) {
+        if (destination != net::limitedBroadcast && !includesSubnet) {
             return false;
         }
         const int error = from.socket.sendTo(packet, {destination, gvcp::Port}, origin);
@@ -60,9 +60,9 @@ void Broadcaster::send(std::size_t channel, gvcp::Bytes packet, bool asksSubnet)
             m_hasSent = true;
             return false;
         }
-        const bool mayPass = isTransientSendError(error);
-        fail({.host = from.host, .reason = net::describeErrno(error), .hasPassed = mayPass});
-        return !mayPass;
+        const bool isTransient = isTransientSendError(error);
+        fail({.host = from.host, .reason = net::describeErrno(error), .isTransient = isTransient});
+        return !isTransient;
     });
 }
 

@@ -12,8 +12,8 @@ namespace gige {
 struct SendFailure
 {
     HostAddress host;
-    std::string reason;     // the operating system's words
-    bool hasPassed = false; // the socket was only full for a moment
+    std::string reason;       // the operating system's words
+    bool isTransient = false; // the socket was only full for a moment
 
     friend bool operator==(const SendFailure&, const SendFailure&) = default;
 };
@@ -31,8 +31,8 @@ public:
     /// that fails is logged and not tried again, unless the socket was only full for the moment.
     void send(gvcp::Bytes packet);
     /// The same from the host address of one channel; to the subnet's own broadcast address only if
-    /// `asksSubnet`.
-    void send(std::size_t channel, gvcp::Bytes packet, bool asksSubnet);
+    /// `includesSubnet`.
+    void send(std::size_t channel, gvcp::Bytes packet, bool includesSubnet);
 
     /// Whether any packet has been sent so far.
     [[nodiscard]] bool hasSent() const { return m_hasSent; }

@@ -27,8 +27,8 @@ void update(AdapterSearch::Camera& camera, gvcp::Identity identity)
 {
     const bool isBack = camera.former && *camera.former == identity;
     const bool hasOtherSerial = camera.identity.serialNumber != identity.serialNumber;
-    camera.isTwo =
-        camera.isTwo || (areDifferentCameras(camera.identity, identity) && (isBack || hasOtherSerial));
+    camera.isTwoCameras =
+        camera.isTwoCameras || (areDifferentCameras(camera.identity, identity) && (isBack || hasOtherSerial));
     camera.former = std::exchange(camera.identity, std::move(identity));
 }
 
@@ -60,7 +60,7 @@ std::size_t AdapterSearch::usualRounds() const
     return std::max(Pace::MinRounds, (Pace::MinQuestions + channels - 1) / channels);
 }
 
-bool AdapterSearch::wantsRound(const SearchPace& pace, Clock::time_point now, Clock::duration age) const
+bool AdapterSearch::needsRound(const SearchPace& pace, Clock::time_point now, Clock::duration age) const
 {
     if (m_rounds.size() < usualRounds()) {
         return true;
@@ -70,10 +70,10 @@ bool AdapterSearch::wantsRound(const SearchPace& pace, Clock::time_point now, Cl
         age > pace.lastRound) {
         return false;
     }
-    return missesAnswers(now) || (age >= Pace::MissingAfter && missesCamera());
+    return lacksAnswers(now) || (age >= Pace::MissingAfter && lacksCamera());
 }
 
-bool AdapterSearch::asksSubnet() const
+bool AdapterSearch::includesSubnet() const
 {
     return m_rounds.size() < Pace::RoundsToSubnet || m_rounds.size() >= usualRounds();
 }
@@ -84,24 +84,24 @@ const Request& AdapterSearch::beginRound(Clock::time_point now)
     return m_rounds.back().request;
 }
 
-bool AdapterSearch::missesCamera() const
+bool AdapterSearch::lacksCamera() const
 {
     return m_cameras.empty() || std::ranges::any_of(m_expected, [this](const net::MacAddress& mac) {
                return !m_cameras.contains(mac);
            });
 }
 
-bool AdapterSearch::missesAnswers(Clock::time_point now) const
+bool AdapterSearch::lacksAnswers(Clock::time_point now) const
 {
     return std::ranges::any_of(m_cameras, [&](const auto& entry) {
         const Camera& camera = entry.second;
         return std::ranges::any_of(camera.answeredRounds, [&](const auto& channel) {
-            return missesAnswers(camera, channel.second, now);
+            return lacksAnswers(camera, channel.second, now);
         });
     });
 }
 
-bool AdapterSearch::missesAnswers(const Camera& camera, std::uint32_t answered, Clock::time_point now) const
+bool AdapterSearch::lacksAnswers(const Camera& camera, std::uint32_t answered, Clock::time_point now) const
 {
     const auto answeredTo = static_cast<std::size_t>(std::bit_width(answered));
     if (static_cast<std::size_t>(std::popcount(answered)) < answeredTo) {

@@ -28,7 +28,7 @@ public:
     {
         gvcp::Identity identity;                             // the latest one
         std::optional<gvcp::Identity> former;                // the one before that
-        bool isTwo = false;                                  // these are the identities of two cameras
+        bool isTwoCameras = false;                           // these are the identities of two cameras
         Clock::duration lateness{};                          // the longest time that an answer took
         std::map<std::size_t, std::uint32_t> answeredRounds; // by channel, a bit for each round
     };
@@ -53,10 +53,10 @@ public:
     [[nodiscard]] const std::string& adapter() const { return m_adapter; }
 
     /// Whether the cameras should be asked once more. `age` is that of the search.
-    [[nodiscard]] bool wantsRound(const SearchPace& pace, Clock::time_point now, Clock::duration age) const;
+    [[nodiscard]] bool needsRound(const SearchPace& pace, Clock::time_point now, Clock::duration age) const;
     /// Whether the next round goes to the subnet's own broadcast address as well, for cameras that receive
     /// only that.
-    [[nodiscard]] bool asksSubnet() const;
+    [[nodiscard]] bool includesSubnet() const;
     /// Starts the next round and returns its request, to be sent now; the reference is valid until the round
     /// after.
     [[nodiscard]] const Request& beginRound(Clock::time_point now);
@@ -77,10 +77,10 @@ private:
     };
 
     [[nodiscard]] std::size_t usualRounds() const;
-    [[nodiscard]] bool missesCamera() const;
-    [[nodiscard]] bool missesAnswers(Clock::time_point now) const;
-    [[nodiscard]] bool missesAnswers(const Camera& camera, std::uint32_t answered,
-                                     Clock::time_point now) const;
+    [[nodiscard]] bool lacksCamera() const;
+    [[nodiscard]] bool lacksAnswers(Clock::time_point now) const;
+    [[nodiscard]] bool lacksAnswers(const Camera& camera, std::uint32_t answered,
+                                    Clock::time_point now) const;
     /// Records how the camera describes itself now; `heard` says what is new about it.
     [[nodiscard]] Camera& note(gvcp::Identity identity, Heard& heard);
 

@@ -30,7 +30,7 @@ using Findings = std::map<std::pair<int, net::MacAddress>, Finding>; // by adapt
 Finding findingOf(const AdapterSearch::Camera& camera)
 {
     Finding finding{.camera = &camera.identity};
-    if (camera.isTwo) {
+    if (camera.isTwoCameras) {
         const auto order = [](const Identity& identity) {
             return std::tie(identity.serialNumber, identity.ip);
         };
@@ -94,9 +94,10 @@ std::string printable(std::string text)
 
 void traceSharedMacs(const Findings& findings)
 {
-    std::set<net::MacAddress> told;
+    std::set<net::MacAddress> logged;
     for (const auto& [key, finding] : findings) {
-        if (finding.sameMac == nullptr || told.size() >= maxTracedTwins || !told.insert(key.second).second) {
+        if (finding.sameMac == nullptr || logged.size() >= maxTracedTwins ||
+            !logged.insert(key.second).second) {
             continue;
         }
         logSearch(

@@ -51,9 +51,9 @@ std::string sharesSubnetWith(const Broadcaster& asked, const std::string& adapte
 
 void logOnce(const Tessal::AdapterObstacle& obstacle)
 {
-    static std::set<std::string> told;
+    static std::set<std::string> logged;
     const std::string text = describeObstacle(obstacle);
-    if (told.insert(text).second) {
+    if (logged.insert(text).second) {
         logSearch(ozlog::LogLevel::Warning, "%hs", text.c_str());
     }
 }
@@ -79,7 +79,7 @@ std::vector<Tessal::AdapterObstacle> findObstacles(const Broadcaster& asked)
         obstacles.push_back({.kind = Obstacle::NoIpv4Address, .adapter = adapter});
     }
     for (const SendFailure& failure : asked.failures()) {
-        if (!failure.hasPassed) {
+        if (!failure.isTransient) {
             obstacles.push_back(
                 {.kind = Obstacle::CannotSend, .adapter = failure.host.adapter, .reason = failure.reason});
         }

@@ -125,13 +125,13 @@ void Search::sendRounds(Clock::time_point now)
         return;
     }
     for (AdapterSearch& adapter : m_adapters) {
-        if (!adapter.wantsRound(m_pace, now, now - m_start)) {
+        if (!adapter.needsRound(m_pace, now, now - m_start)) {
             continue;
         }
-        const bool asksSubnet = adapter.asksSubnet();
+        const bool includesSubnet = adapter.includesSubnet();
         const Request& request = adapter.beginRound(now);
         for (const std::size_t channel : adapter.channels()) {
-            m_broadcaster->send(channel, request.packet(), asksSubnet);
+            m_broadcaster->send(channel, request.packet(), includesSubnet);
         }
     }
     m_nextRound = now + Pace::RoundInterval;
