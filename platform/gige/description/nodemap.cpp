@@ -30,7 +30,7 @@ void logWarning(const std::string& text)
                     text.c_str());
 }
 
-/// A text feature of the description; if that cannot be resolved, the stand-in is used, if there is one.
+/// A text feature of the description; if that cannot be resolved, the fallback is used, if there is one.
 class DescribedText : public NamedNode, public GenApi::IString
 {
     template <typename Operation>
@@ -43,24 +43,24 @@ class DescribedText : public NamedNode, public GenApi::IString
         } catch (const Unresolvable& unresolvable) {
             reason = "in the camera's description, " + std::string(unresolvable.what());
         }
-        NameRegisterNode* const standIn = m_standIn != nullptr ? m_standIn->get() : nullptr;
-        if (standIn == nullptr) {
+        NameRegisterNode* const fallback = m_fallback != nullptr ? m_fallback->get() : nullptr;
+        if (fallback == nullptr) {
             raise<GenICam::RuntimeException>(
                 {.kind = Tessal::FailureKind::FeatureUnusable, .setting = Tessal::Setting::Name},
                 "The feature " + excerpt(name()) + " cannot be used: " + reason + ".");
         }
         logWarning(name() + " is the standard name register: " + reason + ".");
-        return operation(*standIn);
+        return operation(*fallback);
     }
 
 public:
-    /// `standIn` may be null.
+    /// `fallback` may be null.
     DescribedText(pugi::xml_node element, const XmlDescription& description, RegisterPort& port,
-                  StandardName* standIn)
+                  StandardName* fallback)
         : NamedNode(element.attribute("Name").value()),
           m_port(port),
           m_described(element, description, port),
-          m_standIn(standIn)
+          m_fallback(fallback)
     {}
 
     void SetValue(const GenICam::gcstring& value, bool verify) override
@@ -79,7 +79,7 @@ public:
 private:
     RegisterPort& m_port;
     XmlStringNode m_described;
-    StandardName* m_standIn;
+    StandardName* m_fallback;
 };
 
 class XmlNodeMap : public GenApi::INodeMap

@@ -70,7 +70,7 @@ void StringRegister::write(std::string_view text) const
 
 void StringRegister::checkKept(std::string_view text) const
 {
-    const auto withoutBlanksBehind = [](std::string_view padded) {
+    const auto withoutTrailingBlanks = [](std::string_view padded) {
         return padded.substr(0, padded.find_last_not_of(' ') + 1);
     };
     std::string kept;
@@ -81,7 +81,7 @@ void StringRegister::checkKept(std::string_view text) const
     } catch (const GenICam::AccessException&) {
         return;
     }
-    if (withoutBlanksBehind(kept) != withoutBlanksBehind(text)) {
+    if (withoutTrailingBlanks(kept) != withoutTrailingBlanks(text)) {
         raise<GenICam::RuntimeException>({.kind = Tessal::FailureKind::NotKept,
                                           .setting = Tessal::Setting::Name,
                                           .wanted = std::string(text),

@@ -28,14 +28,14 @@ using Entry = std::unique_ptr<zip_file_t, decltype(&zip_fclose)>;
 void checkDirectory(std::span<const std::uint8_t> bytes)
 {
     constexpr std::array<std::uint8_t, 4> signature{'P', 'K', 1, 2};
-    constexpr int mostEntries = 16;
+    constexpr int maxEntries = 16;
     int entries = 0;
     const auto next = [&](auto from) {
         return std::search(from, bytes.end(), signature.begin(), signature.end());
     };
     for (auto found = next(bytes.begin()); found != bytes.end(); found = next(found + signature.size())) {
-        if (++entries > mostEntries) {
-            fail("it holds more than " + std::to_string(mostEntries) + " files");
+        if (++entries > maxEntries) {
+            fail("it holds more than " + std::to_string(maxEntries) + " files");
         }
     }
 }

@@ -29,7 +29,7 @@ void checkRange(std::uint32_t address, std::size_t size)
     }
 }
 
-Tessal::Setting writtenAt(std::uint32_t address)
+Tessal::Setting settingWrittenAt(std::uint32_t address)
 {
     using namespace gvcp::Register;
     switch (address) {
@@ -51,7 +51,7 @@ Tessal::Setting writtenAt(std::uint32_t address)
 }
 
 /// A failed read is never about the new value of a setting.
-Tessal::Setting readAt(std::uint32_t address)
+Tessal::Setting settingReadAt(std::uint32_t address)
 {
     if (address == gvcp::Register::ControlChannelPrivilege) {
         return Tessal::Setting::Control;
@@ -130,8 +130,9 @@ void CameraPort::readAnyBlock(std::uint32_t address, std::span<std::uint8_t> to)
 void CameraPort::readMemoryBlock(std::uint32_t address, std::span<std::uint8_t> to)
 {
     const gvcp::Packet answer =
-        exchangeOf(Request::readMemory(address, static_cast<std::uint16_t>(to.size())),
-                   "READMEM of " + std::to_string(to.size()) + " bytes at " + hex(address), readAt(address))
+        makeExchange(Request::readMemory(address, static_cast<std::uint16_t>(to.size())),
+                     "READMEM of " + std::to_string(to.size()) + " bytes at " + hex(address),
+                     settingReadAt(address))
             .run();
     std::ranges::copy(gvcp::decodeReadMemAck(answer, address, to.size()).value(), to.begin());
 }
@@ -139,7 +140,8 @@ void CameraPort::readMemoryBlock(std::uint32_t address, std::span<std::uint8_t> 
 std::uint32_t CameraPort::readRegister(std::uint32_t address)
 {
     const gvcp::Packet answer =
-        exchangeOf(Request::readRegister(address), "READREG of " + hex(address), readAt(address)).run();
+        makeExchange(Request::readRegister(address), "READREG of " + hex(address), settingReadAt(address))
+            .run();
     return gvcp::decodeReadRegAck(answer).value();
 }
 
@@ -178,22 +180,22 @@ void CameraPort::write(std::uint32_t address, std::span<const std::uint8_t> from
     }
 }
 
-Exchange CameraPort::writingOf(std::uint32_t address, std::span<const std::uint8_t> block) const
+Exchange CameraPort::makeWriteExchange(std::uint32_t address, std::span<const std::uint8_t> block) const
 {
     if (block.size() != gvcp::RegisterSize) {
-        return exchangeOf(Request::writeMemory(address, block),
-                          "WRITEMEM of " + std::to_string(block.size()) + " bytes at " + hex(address),
-                          writtenAt(address));
+        return makeExchange(Request::writeMemory(address, block),
+                            "WRITEMEM of " + std::to_string(block.size()) + " bytes at " + hex(address),
+                            settingWrittenAt(address));
     }
     const std::uint32_t value = bytes::get32(block, 0);
-    return exchangeOf(Request::writeRegister(address, value),
-                      "WRITEREG of " + hex(value) + " to " + hex(address), writtenAt(address),
-                      textOf(value, writtenAt(address)));
+    return makeExchange(Request::writeRegister(address, value),
+                        "WRITEREG of " + hex(value) + " to " + hex(address), settingWrittenAt(address),
+                        textOf(value, settingWrittenAt(address)));
 }
 
 void CameraPort::writeBlock(std::uint32_t address, std::span<const std::uint8_t> block)
 {
-    Exchange writing = writingOf(address, block);
+    Exchange writing = makeWriteExchange(address, block);
     try {
         static_cast<void>(writing.run());
     } catch (const GenICam::TimeoutException&) {
@@ -218,8 +220,8 @@ bool CameraPort::holds(std::uint32_t address, std::span<const std::uint8_t> bloc
     return std::ranges::equal(kept, block);
 }
 
-Exchange CameraPort::exchangeOf(Request request, std::string what, Tessal::Setting setting,
-                                std::string wanted) const
+Exchange CameraPort::makeExchange(Request request, std::string what, Tessal::Setting setting,
+                                  std::string wanted) const
 {
     return {m_socket,
             std::move(request),

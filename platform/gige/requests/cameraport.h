@@ -41,9 +41,10 @@ public:
     [[nodiscard]] net::Ipv4 hostAddress() const { return m_socket.localAddress(); }
 
 private:
-    [[nodiscard]] Exchange exchangeOf(Request request, std::string what, Tessal::Setting setting,
-                                      std::string wanted = {}) const;
-    [[nodiscard]] Exchange writingOf(std::uint32_t address, std::span<const std::uint8_t> block) const;
+    [[nodiscard]] Exchange makeExchange(Request request, std::string what, Tessal::Setting setting,
+                                        std::string wanted = {}) const;
+    [[nodiscard]] Exchange makeWriteExchange(std::uint32_t address,
+                                             std::span<const std::uint8_t> block) const;
     using ReadBlock = void (CameraPort::*)(std::uint32_t address, std::span<std::uint8_t> to);
 
     /// Reads in blocks whose addresses and sizes are multiples of 4.

@@ -39,8 +39,8 @@ const char* meaning(gvcp::Status status)
 
 const Tessal::Failure* failureOf(const std::exception& exception)
 {
-    const auto* const told = dynamic_cast<const Tessal::IFailure*>(&exception);
-    return told == nullptr ? nullptr : &told->failure();
+    const auto* const carrier = dynamic_cast<const Tessal::IFailure*>(&exception);
+    return carrier == nullptr ? nullptr : &carrier->failure();
 }
 
 bool isRefusal(const std::exception& exception)

@@ -46,7 +46,7 @@ gvcp::Packet Exchange::run()
         }
         ReceiveBuffer buffer{};
         const auto datagram = m_socket.receive(buffer);
-        if (datagram && take(datagram->bytes)) {
+        if (datagram && handle(datagram->bytes)) {
             logRequest(ozlog::LogLevel::Info, "%hsdone", prefix().c_str());
             return std::move(m_answer);
         }
@@ -100,7 +100,7 @@ bool Exchange::isLate(gvcp::Bytes datagram) const
     return age > 0 && age < recently;
 }
 
-bool Exchange::take(gvcp::Bytes datagram)
+bool Exchange::handle(gvcp::Bytes datagram)
 {
     const Reply reply = m_request.judge(datagram);
     switch (reply.kind) {

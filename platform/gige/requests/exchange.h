@@ -39,7 +39,7 @@ private:
     void sendDue(Clock::time_point now);
     void send(const Request& request);
     /// Whether the packet ends the exchange; if so, m_answer is set.
-    [[nodiscard]] bool take(gvcp::Bytes datagram);
+    [[nodiscard]] bool handle(gvcp::Bytes datagram);
     [[nodiscard]] bool isLate(gvcp::Bytes datagram) const;
     [[nodiscard]] Clock::time_point nextEvent() const;
     [[nodiscard]] std::string prefix() const;

@@ -92,7 +92,7 @@ Reply Request::judge(gvcp::Bytes datagram) const
                 .payload = acknowledge->payload,
                 .namesCamera = isNamed};
     }
-    if (!suffices(acknowledge->payload)) {
+    if (!isSufficient(acknowledge->payload)) {
         return {};
     }
     return {.kind = Done, .payload = acknowledge->payload, .namesCamera = isNamed};
@@ -106,7 +106,7 @@ bool Request::namesCamera(gvcp::Bytes payload) const
            std::ranges::equal(payload.subspan(gvcp::BroadcastIpConfigAck::Mac, size), meant);
 }
 
-bool Request::suffices(gvcp::Bytes payload) const
+bool Request::isSufficient(gvcp::Bytes payload) const
 {
     switch (m_expected) {
     case gvcp::Ack::Discovery:

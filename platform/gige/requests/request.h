@@ -52,7 +52,7 @@ private:
     /// Whether the payload carries the MAC address that the command does.
     [[nodiscard]] bool namesCamera(gvcp::Bytes payload) const;
     /// Whether the payload of a success holds what was asked for. Surplus is ignored.
-    [[nodiscard]] bool suffices(gvcp::Bytes payload) const;
+    [[nodiscard]] bool isSufficient(gvcp::Bytes payload) const;
 
     std::uint16_t m_id;
     gvcp::Packet m_packet;

@@ -157,8 +157,8 @@ const char* nameOf(Tessal::Setting setting)
 template <typename E>
 [[noreturn]] void raiseWithKept(const E& exception, const std::vector<Tessal::Setting>& kept)
 {
-    const Tessal::Failure* const told = failureOf(exception);
-    Tessal::Failure failure = told == nullptr ? Tessal::Failure{} : *told;
+    const Tessal::Failure* const original = failureOf(exception);
+    Tessal::Failure failure = original == nullptr ? Tessal::Failure{} : *original;
     failure.kept = kept;
     std::string text = std::string(exception.GetDescription()) + "; the camera already has the new ";
     for (std::size_t i = 0; i < kept.size(); ++i) {
@@ -252,7 +252,7 @@ void Device::writeChecked(const Write& write)
 {
     port().writeRegister(write.address, write.value);
     const std::uint32_t kept = port().readRegister(write.address);
-    if ((kept & write.judged) != (write.value & write.judged)) {
+    if ((kept & write.comparedBits) != (write.value & write.comparedBits)) {
         const auto text = [&](std::uint32_t value) {
             return write.setting == Tessal::Setting::IpConfigMode ? std::to_string(value)
                                                                   : net::formatIpv4({value});
@@ -299,10 +299,11 @@ void Device::SetIpConfigMode(bool enablePersistentIp, bool enableDhcp)
             port().readRegister(gvcp::Register::IpConfigCurrent) & ~(Persistent | Dhcp | LinkLocal);
         const std::uint32_t modes =
             LinkLocal | (enablePersistentIp ? Persistent : 0) | (enableDhcp ? Dhcp : 0);
-        writeChecked({.setting = Tessal::Setting::IpConfigMode,
-                      .address = gvcp::Register::IpConfigCurrent,
-                      .value = others | modes,
-                      .judged = Persistent | Dhcp}); // the others may be read-only or change by themselves
+        writeChecked(
+            {.setting = Tessal::Setting::IpConfigMode,
+             .address = gvcp::Register::IpConfigCurrent,
+             .value = others | modes,
+             .comparedBits = Persistent | Dhcp}); // the others may be read-only or change by themselves
     });
 }
 

@@ -51,7 +51,7 @@ private:
         Tessal::Setting setting = Tessal::Setting::None;
         std::uint32_t address = 0;
         std::uint32_t value = 0;
-        std::uint32_t judged = ~std::uint32_t{0}; // the bits that must match when it is read back
+        std::uint32_t comparedBits = ~std::uint32_t{0}; // the bits that must match when it is read back
     };
     void writeChecked(const Write& write);
     /// Limits the total time of all writes, and adds the settings already stored to their failures.

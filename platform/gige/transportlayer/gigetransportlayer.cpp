@@ -60,8 +60,8 @@ int askAccessibility(net::Ipv4 address, int adapterIndex, const std::optional<ne
         return Tessal::Accessibility::Unknown;
     } catch (const GenICam::GenericException& failure) {
         logRequest(ozlog::LogLevel::Info, "%hs", failure.GetDescription());
-        const Tessal::Failure* const told = failureOf(failure);
-        const bool hasAnswered = told != nullptr && told->kind == Tessal::FailureKind::AskedForMoreTime;
+        const Tessal::Failure* const values = failureOf(failure);
+        const bool hasAnswered = values != nullptr && values->kind == Tessal::FailureKind::AskedForMoreTime;
         return hasAnswered ? Tessal::Accessibility::Unknown : Tessal::Accessibility::NotReachable;
     }
 }

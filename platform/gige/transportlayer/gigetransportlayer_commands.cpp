@@ -16,7 +16,7 @@ using Tessal::Setting;
 
 // Some cameras acknowledge a temporary address first and apply it later; only a camera that still has another
 // address after this time has ignored the command.
-constexpr auto takesAddressWithin = 2s;
+constexpr auto addressChangeTime = 2s;
 
 std::string nameOf(const net::MacAddress& mac)
 {
@@ -127,7 +127,7 @@ void GigETransportLayer::assign(const gvcp::AddressAssignment& assignment, const
 
 void GigETransportLayer::checkAssigned(const gvcp::AddressAssignment& assignment)
 {
-    const auto lastLook = Clock::now() + takesAddressWithin;
+    const auto lastLook = Clock::now() + addressChangeTime;
     search();
     auto instead = addressInstead(m_found, assignment);
     while (instead && Clock::now() < lastLook) {
