@@ -107,7 +107,7 @@ void IpConfigurationWidget::showAdvice(const Tessal::COrvikGigEDeviceInfo* recor
     for (const auto& [field, sign] : m_adviceSigns) {
         const auto advice = adviceFor(field, all);
         QLineEdit& edit = sign->field();
-        const bool hasChanged = sign->tell(advice);
+        const bool hasChanged = sign->setAdvice(advice);
         const bool isRelevant = edit.hasFocus() || (advice && advice->kind == advice::Kind::LeftOverAddress);
         if (hasChanged && isRelevant && advice && isWarning(*advice)) {
             showTipBeside(edit);

@@ -18,7 +18,7 @@ namespace {
 Link linkOf(std::span<const std::uint8_t> body)
 {
     Link link;
-    const auto info = take<ifinfomsg>(body);
+    const auto info = readValue<ifinfomsg>(body);
     if (!info) {
         return link;
     }

@@ -30,10 +30,10 @@ std::set<Neighbour> neighbours()
     std::set<Neighbour> known;
     NetlinkSocket().exchange(
         {RTM_GETNEIGH, NLM_F_DUMP, ipv4Neighbours()}, failure, [&](std::span<const std::uint8_t> body) {
-            const int adapterIndex = take<ndmsg>(body).value_or(ndmsg{}).ndm_ifindex;
+            const int adapterIndex = readValue<ndmsg>(body).value_or(ndmsg{}).ndm_ifindex;
             forEachAttribute(body, sizeof(ndmsg),
                              [&](std::uint16_t type, std::span<const std::uint8_t> value) {
-                                 const auto address = take<std::uint32_t>(value);
+                                 const auto address = readValue<std::uint32_t>(value);
                                  if (type == NDA_DST && address) {
                                      known.insert({adapterIndex, {ntohl(*address)}});
                                  }
@@ -55,7 +55,7 @@ std::optional<MacAddress> hardwareAddressOf(const Neighbour& neighbour)
             forEachAttribute(body, sizeof(ndmsg),
                              [&](std::uint16_t type, std::span<const std::uint8_t> value) {
                                  if (type == NDA_LLADDR) {
-                                     found = take<MacAddress>(value);
+                                     found = readValue<MacAddress>(value);
                                  }
                              });
         });
@@ -81,9 +81,9 @@ std::optional<std::size_t> freeNeighbourEntries()
                                  if (type == NDTA_NAME) {
                                      isArp = textOf(value) == "arp_cache";
                                  } else if (type == NDTA_THRESH3) {
-                                     limit = take<std::uint32_t>(value);
+                                     limit = readValue<std::uint32_t>(value);
                                  } else if (type == NDTA_CONFIG) {
-                                     state = take<ndt_config>(value);
+                                     state = readValue<ndt_config>(value);
                                  }
                              });
             if (isArp && limit && state) {

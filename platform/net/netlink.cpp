@@ -33,7 +33,7 @@ std::size_t aligned(std::size_t size)
 std::optional<int> visitMessages(std::span<const std::uint8_t> bytes, std::uint32_t sequence,
                                  const NetlinkSocket::Visit& visit)
 {
-    while (const auto header = take<nlmsghdr>(bytes)) {
+    while (const auto header = readValue<nlmsghdr>(bytes)) {
         if (header->nlmsg_len < sizeof(nlmsghdr) || header->nlmsg_len > bytes.size()) {
             return EPROTO;
         }
@@ -46,7 +46,7 @@ std::optional<int> visitMessages(std::span<const std::uint8_t> bytes, std::uint3
             return 0;
         }
         if (header->nlmsg_type == NLMSG_ERROR) {
-            const auto error = take<nlmsgerr>(body);
+            const auto error = readValue<nlmsgerr>(body);
             return error ? -error->error : EPROTO;
         }
         if (visit) {
@@ -95,7 +95,7 @@ NetlinkSocket::~NetlinkSocket()
 void NetlinkSocket::exchange(NetlinkMessage message, const std::string& what, const Visit& visit)
 {
     const std::span<std::uint8_t> request = message.bytes();
-    auto header = take<nlmsghdr>(request).value();
+    auto header = readValue<nlmsghdr>(request).value();
     header.nlmsg_len = static_cast<std::uint32_t>(request.size());
     header.nlmsg_seq = ++m_sequence;
     std::memcpy(request.data(), &header, sizeof header);
@@ -123,7 +123,7 @@ void NetlinkSocket::exchange(NetlinkMessage message, const std::string& what, co
 
 void forEachAttribute(std::span<const std::uint8_t> bytes, const VisitAttribute& visit)
 {
-    while (const auto header = take<rtattr>(bytes)) {
+    while (const auto header = readValue<rtattr>(bytes)) {
         if (header->rta_len < sizeof(rtattr) || header->rta_len > bytes.size()) {
             return;
         }

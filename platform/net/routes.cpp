@@ -30,7 +30,7 @@ Ipv4 maskOf(unsigned prefixLength)
 /// down.
 std::optional<LinkRoute> linkRouteOf(std::span<const std::uint8_t> body)
 {
-    const auto info = take<rtmsg>(body);
+    const auto info = readValue<rtmsg>(body);
     if (!info || info->rtm_type != RTN_UNICAST || info->rtm_dst_len > addressBits ||
         (info->rtm_flags & (RTNH_F_DEAD | RTNH_F_LINKDOWN)) != 0) {
         return std::nullopt;
@@ -40,9 +40,9 @@ std::optional<LinkRoute> linkRouteOf(std::span<const std::uint8_t> body)
     bool hasGateway = false;
     forEachAttribute(body, sizeof(rtmsg), [&](std::uint16_t type, std::span<const std::uint8_t> value) {
         if (type == RTA_DST) {
-            route.network = {ntohl(take<std::uint32_t>(value).value_or(0))};
+            route.network = {ntohl(readValue<std::uint32_t>(value).value_or(0))};
         } else if (type == RTA_OIF) {
-            route.adapterIndex = take<int>(value).value_or(0);
+            route.adapterIndex = readValue<int>(value).value_or(0);
         } else if (type == RTA_GATEWAY || type == RTA_VIA) {
             hasGateway = true;
         }

@@ -52,7 +52,7 @@ QtMsgType messageTypeOf(LogLevel level)
 
 /// The length in bytes of the character at the beginning if it controls a terminal or the writing direction,
 /// otherwise 0: a control character, including C1, or a directional mark, embedding, override or isolate.
-std::size_t steeringBytes(std::string_view text)
+std::size_t controlSequenceLength(std::string_view text)
 {
     const auto byte = [text](std::size_t at) {
         return at < text.size() ? static_cast<unsigned char>(text[at]) : 0U;
@@ -73,15 +73,15 @@ void appendText(std::string& line, std::string_view text)
 {
     static constexpr char digits[] = "0123456789ABCDEF";
     while (!text.empty()) {
-        const std::size_t steering = steeringBytes(text);
-        for (const char character : text.substr(0, steering)) {
+        const std::size_t length = controlSequenceLength(text);
+        for (const char character : text.substr(0, length)) {
             const auto byte = static_cast<unsigned char>(character);
             line += {'\\', 'x', digits[byte >> 4], digits[byte & 0xF]};
         }
-        if (steering == 0) {
+        if (length == 0) {
             line += text.front();
         }
-        text.remove_prefix(std::max<std::size_t>(steering, 1));
+        text.remove_prefix(std::max<std::size_t>(length, 1));
     }
 }
 

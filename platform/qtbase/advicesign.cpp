@@ -15,7 +15,7 @@ AdviceSign::AdviceSign(QLineEdit* field, QWidget* parent) : QLabel(parent), m_fi
     setFixedSize(signSize, signSize);
 }
 
-bool AdviceSign::tell(const std::optional<advice::Advice>& advice)
+bool AdviceSign::setAdvice(const std::optional<advice::Advice>& advice)
 {
     const QString text = advice ? sentence(*advice) : QString();
     if (text == m_field->accessibleDescription()) {

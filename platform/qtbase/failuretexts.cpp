@@ -123,7 +123,7 @@ QString describeNotKept(const Failure& failure)
 }
 
 /// Whether nothing was sent because no adapter leads to the camera's address.
-bool hasNoWay(const Failure& failure)
+bool isOutOfReach(const Failure& failure)
 {
     return failure.kind == FailureKind::CannotSend && failure.setting == Setting::None &&
            !failure.address.empty();
@@ -131,7 +131,7 @@ bool hasNoWay(const Failure& failure)
 
 QString describeNothingSent(const Failure& failure)
 {
-    if (hasNoWay(failure)) {
+    if (isOutOfReach(failure)) {
         return Texts::tr("This computer cannot reach the address %1 through any of its network adapters.")
             .arg(valueText(failure.address));
     }
@@ -257,7 +257,7 @@ QString adviceFor(const Failure& failure)
     case FailureKind::Busy:
         return Texts::tr("Wait a moment, then try again.");
     case FailureKind::CannotSend:
-        return hasNoWay(failure) ? QString() : Texts::tr("Check the network adapter and its cable.");
+        return isOutOfReach(failure) ? QString() : Texts::tr("Check the network adapter and its cable.");
     case FailureKind::ControlledElsewhere:
         return Texts::tr("Close the connection there, then try again.");
     case FailureKind::AddressContested:

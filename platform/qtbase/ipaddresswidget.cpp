@@ -274,7 +274,7 @@ void IpAddressWidget::showAdvice()
         std::erase_if(all, [](const auto& one) { return one.field == advice::Field::MacAddress; });
     }
     for (const auto& [field, sign] : m_signs) {
-        sign->tell(adviceFor(field, all));
+        sign->setAdvice(adviceFor(field, all));
     }
     const auto missing = std::ranges::find_if(all, advice::isUnfinished);
     QPushButton& ok = *ui->buttonBox->button(QDialogButtonBox::Ok);

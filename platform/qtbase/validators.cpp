@@ -58,7 +58,7 @@ void tidy(QString& text, int& pos)
 }
 
 /// Whether the text is a dotted quad, a slash, and what may become a prefix length.
-bool mayGetMaskLength(const QString& text)
+bool mayBecomeMaskLength(const QString& text)
 {
     const qsizetype slash = text.indexOf(QLatin1Char('/'));
     const QStringView length = QStringView(text).mid(slash + 1);
@@ -72,7 +72,7 @@ std::optional<AddressWithMask> splitMaskLength(const QString& text)
 {
     constexpr int shortest = 4;
     const qsizetype slash = text.indexOf(QLatin1Char('/'));
-    if (!mayGetMaskLength(text) || QStringView(text).mid(slash + 1).toInt() < shortest) {
+    if (!mayBecomeMaskLength(text) || QStringView(text).mid(slash + 1).toInt() < shortest) {
         return std::nullopt;
     }
     const auto mask = maskFromPrefixLength(QStringView(text).mid(slash));
@@ -87,7 +87,7 @@ QIpAddressWithNetmaskValidator::QIpAddressWithNetmaskValidator(QLineEdit* netmas
 QValidator::State QIpAddressWithNetmaskValidator::validate(QString& input, int& pos) const
 {
     tidy(input, pos);
-    if (mayGetMaskLength(input)) {
+    if (mayBecomeMaskLength(input)) {
         return Intermediate;
     }
     if (!holdsOnlyDigitsAndDots(input)) {

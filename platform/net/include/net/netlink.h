@@ -12,7 +12,7 @@ namespace net {
 
 /// Reads a value from the beginning of the bytes; nullopt if there are too few.
 template <typename T>
-[[nodiscard]] std::optional<T> take(std::span<const std::uint8_t> bytes)
+[[nodiscard]] std::optional<T> readValue(std::span<const std::uint8_t> bytes)
 {
     if (bytes.size() < sizeof(T)) {
         return std::nullopt;

@@ -17,7 +17,7 @@ public:
     AdviceSign(QLineEdit* field, QWidget* parent);
 
     /// Shows the advice, or nothing if there is none. Returns whether that is a change.
-    bool tell(const std::optional<advice::Advice>& advice);
+    bool setAdvice(const std::optional<advice::Advice>& advice);
 
     [[nodiscard]] QLineEdit& field() const { return *m_field; }
 
