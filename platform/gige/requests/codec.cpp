@@ -3,6 +3,7 @@
 #include "gvcp/bytes.h"
 
 #include <algorithm>
+#include <array>
 
 namespace gvcp {
 
@@ -199,6 +200,16 @@ std::optional<Bytes> decodeReadMemAck(Bytes payload, std::uint32_t address, std:
         return std::nullopt;
     }
     return payload.subspan(RegisterSize, count);
+}
+
+net::MacAddress decodeMac(std::uint32_t high, std::uint32_t low)
+{
+    std::array<std::uint8_t, std::size_t{2} * RegisterSize> registers{};
+    bytes::put32(registers, 0, high);
+    bytes::put32(registers, RegisterSize, low);
+    net::MacAddress mac;
+    std::ranges::copy(std::span(registers).last<sizeof mac.bytes>(), mac.bytes.begin());
+    return mac;
 }
 
 std::optional<std::chrono::milliseconds> decodePendingAck(Bytes payload)

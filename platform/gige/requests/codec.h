@@ -88,6 +88,8 @@ struct Acknowledge
 [[nodiscard]] std::optional<std::uint32_t> decodeReadRegAck(Bytes payload);
 /// The data, `count` bytes from `address`, if the payload holds them.
 [[nodiscard]] std::optional<Bytes> decodeReadMemAck(Bytes payload, std::uint32_t address, std::size_t count);
+/// The MAC address in the registers MacHigh and MacLow.
+[[nodiscard]] net::MacAddress decodeMac(std::uint32_t high, std::uint32_t low);
 /// How much more time the camera asks for.
 [[nodiscard]] std::optional<std::chrono::milliseconds> decodePendingAck(Bytes payload);
 

@@ -49,16 +49,6 @@ std::vector<net::LinkRoute> readLinkRoutes()
     }
 }
 
-net::MacAddress macFrom(std::uint32_t high, std::uint32_t low)
-{
-    net::MacAddress mac;
-    for (std::size_t i = mac.bytes.size(); i-- > 0;) {
-        mac.bytes[i] =
-            static_cast<std::uint8_t>((i < 2 ? high >> (8 * (1 - i)) : low >> (8 * (5 - i))) & 0xFF);
-    }
-    return mac;
-}
-
 } // namespace
 
 int accessibilityOf(std::uint32_t privilege)
@@ -80,11 +70,6 @@ void UnicastProbe::switchTo(const SearchPace& pace)
     for (Question& question : m_questions) {
         question.openUntil = std::max(question.openUntil, m_start + m_pace.window);
     }
-}
-
-void UnicastProbe::addAdapter(int adapterIndex)
-{
-    m_neighbours.reserveFor(adapterIndex);
 }
 
 void UnicastProbe::ask(const Camera& camera, int adapterIndex, Clock::duration lateness,
@@ -314,7 +299,7 @@ void UnicastProbe::handleValue(std::size_t index, std::uint32_t value, Clock::ti
         askNext(index, Step::MacLow, gvcp::Register::MacLow, now);
         break;
     case Step::MacLow:
-        if (macFrom(question.macHigh, value) == question.camera.mac) {
+        if (gvcp::decodeMac(question.macHigh, value) == question.camera.mac) {
             conclude(index, now);
         } else {
             settle(question, notReachable);

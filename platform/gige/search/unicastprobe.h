@@ -45,7 +45,7 @@ public:
     /// former deadline.
     void switchTo(const SearchPace& pace);
     /// Reserves room for questions through this adapter, however many there are through others.
-    void addAdapter(int adapterIndex);
+    void addAdapter(int adapterIndex) { m_neighbours.reserveFor(adapterIndex); }
 
     /// Asks the camera, if the adapter that heard it reaches its address without a gateway; only once, but
     /// through several adapters in turn. `lateness` is the time that the camera took for other answers: it

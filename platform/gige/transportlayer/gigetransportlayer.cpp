@@ -1,15 +1,11 @@
 #include "gigetransportlayer.h"
 
 #include "errors.h"
-#include "gvcp/bytes.h"
 #include "log.h"
 #include "obstacles.h"
 #include "opening.h"
 #include "record.h"
 #include "unicastprobe.h"
-
-#include <algorithm>
-#include <array>
 
 namespace gige {
 
@@ -30,12 +26,8 @@ GenICam::gcstring property(const Tessal::CDeviceInfo& info, const char* name)
 
 net::MacAddress readMac(CameraPort& port)
 {
-    std::array<std::uint8_t, std::size_t{2} * gvcp::RegisterSize> registers{};
-    bytes::put32(registers, 0, port.readRegister(gvcp::Register::MacHigh));
-    bytes::put32(registers, gvcp::RegisterSize, port.readRegister(gvcp::Register::MacLow));
-    net::MacAddress mac;
-    std::ranges::copy(std::span(registers).last<sizeof mac.bytes>(), mac.bytes.begin());
-    return mac;
+    const std::uint32_t high = port.readRegister(gvcp::Register::MacHigh);
+    return gvcp::decodeMac(high, port.readRegister(gvcp::Register::MacLow));
 }
 
 /// Asks the camera itself whether it is controlled, through the adapter with that index, 0 for any. A camera
