@@ -170,8 +170,7 @@ void CameraPort::write(std::uint32_t address, std::span<const std::uint8_t> from
             if (block.size() == gvcp::RegisterSize || !isRefusal(refusal)) {
                 throw;
             }
-            logRequest(ozlog::LogLevel::Info, "%hs; it is tried register by register.",
-                       refusal.GetDescription());
+            logRequest(ozlog::LogLevel::Info, "%hs; trying register by register.", refusal.GetDescription());
             m_writeMemGranted = false;
             continue;
         }

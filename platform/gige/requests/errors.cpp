@@ -14,21 +14,21 @@ const char* meaning(gvcp::Status status)
     case gvcp::Status::Success:
         return "done";
     case gvcp::Status::NotImplemented:
-        return "the camera does not know this command";
+        return "the camera does not support this command";
     case gvcp::Status::InvalidParameter:
-        return "the camera finds a value invalid";
+        return "a value is invalid";
     case gvcp::Status::InvalidAddress:
         return "the camera has no such register";
     case gvcp::Status::WriteProtected:
         return "the register is write protected";
     case gvcp::Status::BadAlignment:
-        return "the camera finds the address or the length misaligned";
+        return "the address or the length is misaligned";
     case gvcp::Status::AccessDenied:
         return "access is denied";
     case gvcp::Status::Busy:
         return "the camera is busy";
     case gvcp::Status::InvalidHeader:
-        return "the camera finds the message malformed";
+        return "the message is malformed";
     case gvcp::Status::Error:
         break;
     }

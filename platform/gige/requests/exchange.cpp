@@ -170,7 +170,7 @@ void Exchange::raiseGivenUp() const
                 " times, the last time for " + std::to_string(m_latestPending.count()) + " ms";
     }
     if (m_unmatchedPackets > 0) {
-        text += " (" + std::to_string(m_unmatchedPackets) + " packets came that were no answer to this)";
+        text += " (" + std::to_string(m_unmatchedPackets) + " packets arrived that did not answer it)";
     }
     raise<GenICam::TimeoutException>(failure(kind), text);
 }

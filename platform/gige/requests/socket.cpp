@@ -166,7 +166,7 @@ void UdpSocket::connect(const Endpoint& peer, int adapterIndex) const
     if (!isWithinReach(peer.address, adapterIndex) ||
         ::connect(m_descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
         const std::string camera = net::formatIpv4(peer.address);
-        failWithErrno("There is no way to " + camera + " from the network adapters of this computer", camera);
+        failWithErrno(camera + " cannot be reached from the network adapters of this computer", camera);
     }
 }
 

@@ -115,8 +115,7 @@ void GigETransportLayer::assign(const gvcp::AddressAssignment& assignment, const
     if (!status) {
         logRequest(ozlog::LogLevel::Info, "%hsnot acknowledged.", prefix.c_str());
     } else if (*status == gvcp::Status::Busy && isRestart) {
-        logRequest(ozlog::LogLevel::Info, "%hsthe camera is busy, perhaps with that already.",
-                   prefix.c_str());
+        logRequest(ozlog::LogLevel::Info, "%hsthe camera is busy, perhaps already doing so.", prefix.c_str());
     } else if (*status != gvcp::Status::Success) {
         failure.kind = kindOf(*status);
         failure.status = describeStatus(*status);
