@@ -18,7 +18,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// By then it is clear whether a camera needs minutes for its description, while the user is waiting.
+// By then it is clear whether a camera would need minutes for its description while the user waits.
 constexpr auto paceKnownAfter = 2s;
 
 std::string lowered(std::string_view text)

@@ -48,13 +48,13 @@ inline constexpr std::size_t MinQuestions = 4;
 /// How many of the usual rounds also go to the subnet's own broadcast address, as do all additional ones. A
 /// camera that receives only those is asked twice, and one with a slow work queue is not kept busy by copies.
 inline constexpr std::size_t RoundsToSubnet = 2;
-/// Rounds that each of several host addresses of one adapter sends at least.
+/// The least number of rounds from each of several host addresses of one adapter.
 inline constexpr std::size_t MinRounds = 2;
 /// When additional rounds begin if no camera has answered, or one is missing that the latest search heard: a
 /// camera may need some time for each answer.
 inline constexpr milliseconds MissingAfter{120};
 
-/// More cameras than these fill the line with their answers, and are asked less often if some are lost.
+/// More cameras than this fill the line with their answers, and are asked less often if some are lost.
 inline constexpr std::size_t MaxCamerasForRepeats = 128;
 inline constexpr unsigned RoundsForManyCameras = 6;
 

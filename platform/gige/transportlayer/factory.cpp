@@ -46,7 +46,7 @@ void CTlFactory::ReleaseTl(const ITransportLayer* transportLayer)
 
 void TessalInitialize()
 {
-    // A host that grants no sockets makes this fail at once, rather than the first search.
+    // Fails at once on a host that grants no sockets, rather than at the first search.
     const gige::UdpSocket socket;
 }
 

@@ -74,7 +74,7 @@ private:
     std::vector<FoundCamera> m_found;            // by the latest search
     std::map<HeardAs, std::size_t> m_foundIndex; // into m_found
     std::map<net::MacAddress, gvcp::Identity>
-        m_orvikCameras; // the latest record of each; know the broadcast command
+        m_orvikCameras; // latest records; these know the broadcast command
     Clock::time_point m_cachedUntil;
     std::optional<net::MacAddress> m_expectedMac; // of the next device to be opened
     std::vector<std::unique_ptr<Device>> m_devices;
