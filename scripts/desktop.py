@@ -38,12 +38,12 @@ def expect(what, seen, expected):
 
 @contextlib.contextmanager
 def simulated_cameras(programs, scene):
-    """The simulator, with its cameras up, in a `with` block; `programs` is the directory where it is."""
+    """Runs the simulator in the directory `programs` for a `with` block; its cameras are up inside."""
     process = subprocess.Popen([os.path.join(programs, "gige-simulator"), scene], stdout=subprocess.PIPE, text=True)
     try:
         if not any(line.startswith("ready ") for line in iter(process.stdout.readline, "")):
             raise UnexpectedState("the simulated cameras did not start")
-        threading.Thread(target=process.stdout.read, daemon=True).start()  # a full pipe would halt them
+        threading.Thread(target=process.stdout.read, daemon=True).start()  # A full pipe would stop the cameras.
         yield process
     finally:
         process.terminate()
