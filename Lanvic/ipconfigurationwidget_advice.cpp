@@ -1,8 +1,8 @@
 #include "ipconfigurationwidget.h"
 
 #include "DeviceLister.h"
-#include "addressranges.h"
 #include "recorddisplay.h"
+#include "surroundings.h"
 
 #include "qtbase/advicesign.h"
 #include "qtbase/formatting.h"
@@ -18,29 +18,6 @@ namespace {
 /// The signs stand left of the fields' titles, where the frame is empty.
 constexpr int signX = 8;     // Pixels from the left border.
 constexpr int signBelow = 2; // Pixels from the upper border of the field.
-
-std::optional<advice::Camera> listed(const Tessal::COrvikGigEDeviceInfo& record)
-{
-    const auto mac = net::parseMac(record.GetMacAddress().view());
-    if (!mac) {
-        return std::nullopt;
-    }
-    return advice::Camera{.name =
-                              displayText(GetUtf8Property(&record, Tessal::Key::UserDefinedName)).trimmed(),
-                          .model = displayText(GetUtf8Property(&record, Tessal::Key::ModelName)).trimmed(),
-                          .mac = *mac,
-                          .address = net::parseIpv4(record.GetIpAddress().view()).value_or(net::Ipv4{})};
-}
-
-advice::Adapter withSubnets(const CNetworkAdapter& adapter)
-{
-    advice::Adapter known{.name = displayText(adapter.m_name), .subnets = {}};
-    const QList<QNetworkAddressEntry> entries = ipv4Entries(&adapter);
-    for (const QNetworkAddressEntry& entry : entries) {
-        known.subnets.push_back({{entry.ip().toIPv4Address()}, {entry.netmask().toIPv4Address()}});
-    }
-    return known;
-}
 
 /// Shows the field's tool tip without waiting for the mouse, so that a mistake is pointed out while the user
 /// types; to the right of the field, where it covers no other field.
@@ -67,15 +44,7 @@ void IpConfigurationWidget::createAdviceSigns()
 
 advice::Surroundings IpConfigurationWidget::surroundings(const CNetworkAdapter* adapter) const
 {
-    advice::Surroundings known;
-    for (const CNetworkAdapter& one : m_networkAdapters) {
-        known.adapters.push_back(withSubnets(one));
-    }
-    for (const Tessal::COrvikGigEDeviceInfo& record : m_pDeviceLister->m_devices) {
-        if (auto camera = listed(record)) {
-            known.cameras.push_back(*std::move(camera));
-        }
-    }
+    advice::Surroundings known = surroundingsOf(m_networkAdapters, m_pDeviceLister->m_devices);
     if (adapter != nullptr) {
         known.cameraAdapter = displayText(adapter->m_name);
     }
