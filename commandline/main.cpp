@@ -1,0 +1,178 @@
+#include "DeviceLister.h"
+#include "options.h"
+#include "writer.h"
+
+#include "tessal/searchreport.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QLoggingCategory>
+
+#include <algorithm>
+#include <csignal>
+
+namespace cli {
+
+namespace {
+
+volatile std::sig_atomic_t s_isInterrupted = 0;
+
+/// The first signal lets the camera that is being written be finished; the second ends the program.
+void catchInterrupts()
+{
+    struct sigaction action
+    {};
+    action.sa_handler = [](int) { s_isInterrupted = 1; };
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        ::sigaction(signal, &action, nullptr);
+    }
+    std::signal(SIGPIPE, SIG_IGN); // a reader that has gone must not end a plan in its middle
+}
+
+/// Tells what hinders searches. Returns whether there is an adapter that could be searched through.
+bool reportObstacles(const Network& network)
+{
+    using enum Tessal::Obstacle;
+    std::size_t useless = 0;
+    if (const auto* const report = dynamic_cast<const Tessal::ISearchReport*>(DeviceLister::s_pTl)) {
+        for (const Tessal::AdapterObstacle& obstacle : report->GetObstacles()) {
+            complain(QString::fromStdString(Tessal::describeObstacle(obstacle)));
+            useless += obstacle.kind == NoIpv4Address || obstacle.kind == CannotSend ? 1 : 0;
+        }
+    }
+    if (network.surroundings.adapters.empty()) {
+        complain(QStringLiteral("no network adapter is up, connected and has an address"));
+    }
+    return network.surroundings.adapters.size() > useless;
+}
+
+/// Returns whether nothing of it forbids to go on. `file` is that of the plan.
+bool reportFindings(const std::vector<Finding>& findings, const QString& file, bool isForced)
+{
+    for (const Finding& finding : findings) {
+        const auto& [line, column] = finding.place;
+        complain((line == 0 ? QString() : QStringLiteral("%1:%2:%3: ").arg(file).arg(line).arg(column)) +
+                 (finding.canBeForced && isForced ? QStringLiteral("warning: ") : QString()) + finding.text);
+    }
+    const bool canBeForced = std::ranges::all_of(findings, &Finding::canBeForced);
+    if (canBeForced && !isForced && !findings.empty()) {
+        complain(QStringLiteral("nothing was changed; --force goes on nevertheless"));
+    }
+    return findings.empty() || (canBeForced && isForced);
+}
+
+int carryOut(DeviceLister& lister, const Network& network, const std::vector<PlanRow>& rows,
+             const Options& options)
+{
+    const auto [changes, findings] = checkPlan(rows, network);
+    if (!reportFindings(findings, options.operand, options.isForced)) {
+        return Exit::WrongUsage;
+    }
+    if (options.isDryRun) {
+        for (const Change& change : changes) {
+            if (!change.isNothing()) {
+                write(text(change.camera) + QStringLiteral(": ") + text(change) + QLatin1Char('\n'));
+            }
+        }
+        return Exit::Done;
+    }
+    catchInterrupts();
+    Progress progress;
+    const ApplyHooks hooks{.finished = [&](const Camera& camera, Outcome outcome,
+                                           const QString& text) { progress.finished(camera, outcome, text); },
+                           .progressed = [&](int finished, int restarting,
+                                             int all) { progress.show(finished, restarting, all); },
+                           .isInterrupted = [] { return s_isInterrupted != 0; }};
+    Apply(lister, changes, hooks, options.patience).run();
+    const bool isAllDone = progress.close() && changes.size() == rows.size();
+    return isAllDone && s_isInterrupted == 0 ? Exit::Done : Exit::CameraFailed;
+}
+
+int set(DeviceLister& lister, const Network& network, const Options& options)
+{
+    const std::vector<Camera> meant = camerasMeantBy(options.operand, network.cameras);
+    for (const Camera& camera : meant.size() > 1 ? meant : std::vector<Camera>()) {
+        complain(QStringLiteral("\"%1\" can mean %2").arg(options.operand, text(camera)));
+    }
+    if (meant.size() > 1) {
+        return Exit::WrongUsage;
+    }
+    std::map<Column, QString> fields = options.fields;
+    fields[Column::Mac] = meant.empty() ? options.operand : text(meant.front().mac);
+    std::map<Column, Place> places;
+    for (const auto& [column, field] : fields) {
+        places[column] = {};
+    }
+    std::vector<Finding> findings;
+    PlanRow row = parseRow(fields, places, findings);
+    if (options.setsName) {
+        row.wanted.name = fields[Column::Name];
+    }
+    if (!row.mac) {
+        findings = {{{},
+                     QStringLiteral("no camera was found with the serial number, name or address \"%1\"")
+                         .arg(options.operand)}};
+    }
+    return reportFindings(findings, {}, false) ? carryOut(lister, network, {row}, options) : Exit::WrongUsage;
+}
+
+/// None if it cannot be read, or is wrong; that has been told then.
+std::optional<std::vector<PlanRow>> readPlan(const QString& name)
+{
+    QFile file(name);
+    const bool isOpen =
+        name == QLatin1String("-") ? file.open(stdin, QFile::ReadOnly) : file.open(QFile::ReadOnly);
+    if (!isOpen) {
+        complain(QStringLiteral("%1: %2").arg(name, file.errorString()));
+        return std::nullopt;
+    }
+    Plan plan = parsePlan(file.readAll());
+    return reportFindings(plan.findings, name, false) ? std::optional(std::move(plan.rows)) : std::nullopt;
+}
+
+int run(const Options& options)
+{
+    using enum Options::Command;
+    const auto rows = options.command == Apply ? readPlan(options.operand) : std::vector<PlanRow>();
+    if (!rows) {
+        return Exit::WrongUsage;
+    }
+    DeviceLister lister;
+    const Network network = searchNetwork(lister);
+    const bool isUsable = reportObstacles(network);
+    if (options.command == List) {
+        write(formatList(network, options.format, terminalWidth()));
+    }
+    if (!isUsable) {
+        return Exit::NothingAsked;
+    }
+    if (options.command == Set) {
+        return set(lister, network, options);
+    }
+    return options.command == Apply ? carryOut(lister, network, *rows, options) : Exit::Done;
+}
+
+} // namespace
+
+} // namespace cli
+
+int main(int argc, char** argv)
+{
+    const QCoreApplication application(argc, argv);
+    // What matters of the trace is said in the program's own words.
+    QLoggingCategory::setFilterRules(QStringLiteral("Lanvic.*=false"));
+    const auto options = cli::parseOptions(QCoreApplication::arguments());
+    if (const int* const status = std::get_if<int>(&options)) {
+        return *status;
+    }
+    int status = cli::Exit::NothingAsked;
+    try {
+        Tessal::TessalInitialize();
+        status = cli::run(std::get<cli::Options>(options));
+        Tessal::TessalTerminate(true);
+    } catch (const std::exception& exception) {
+        cli::complain(cli::sentenceOf(exception));
+    }
+    return status;
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "output.h"
+
+#include <chrono>
+#include <variant>
+
+namespace cli {
+
+/// As the manual page has them.
+namespace Exit {
+inline constexpr int Done = 0;
+inline constexpr int CameraFailed = 1;
+inline constexpr int WrongUsage = 2; // or a wrong plan
+inline constexpr int NothingAsked = 3;
+} // namespace Exit
+
+struct Options
+{
+    enum class Command { List, Set, Apply };
+
+    Command command = Command::List;
+    Format format = Format::Table;
+    QString operand{};                  // a camera, or the name of a plan; "-" for standard input
+    std::map<Column, QString> fields{}; // of `set`: what a plan would say
+    bool setsName = false;
+    bool isDryRun = false;
+    bool isForced = false; // also what can be forced only
+    std::chrono::seconds patience{60};
+};
+
+/// What the arguments ask for. Where that is help, or they are wrong, that is answered here, and what comes
+/// is the exit status.
+[[nodiscard]] std::variant<Options, int> parseOptions(const QStringList& arguments);
+
+} // namespace cli
