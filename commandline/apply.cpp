@@ -196,7 +196,7 @@ void Apply::finishWaiting()
     }
 }
 
-void Apply::finish(Job& job, Outcome outcome, const QString& text)
+void Apply::finish(Job& job, Outcome outcome, const QString& text) const
 {
     job.state = State::Finished;
     m_hooks.finished(job.change.camera, outcome, text);

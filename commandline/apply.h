@@ -49,7 +49,7 @@ private:
     void look();
     void judge(Job& job, const Tessal::COrvikGigEDeviceInfo* found);
     void finishWaiting();
-    void finish(Job& job, Outcome outcome, const QString& text);
+    void finish(Job& job, Outcome outcome, const QString& text) const;
     void noteAddresses();
     [[nodiscard]] int count(State state) const;
     [[nodiscard]] std::optional<net::MacAddress> holderOfDestination(const Change& change) const;

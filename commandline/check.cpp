@@ -4,6 +4,7 @@
 #include "tessal/transportlayer.h"
 
 #include <algorithm>
+#include <array>
 #include <set>
 #include <utility>
 
@@ -38,10 +39,9 @@ Change changeOf(const Camera& camera, const Wanted& wanted)
 bool canBeForced(advice::Kind kind)
 {
     using enum advice::Kind;
-    return std::ranges::count(std::initializer_list{NetworkAddress, BroadcastAddress, OutsideAdapter,
-                                                    OutsideComputer, OtherMask, GatewayOutside,
-                                                    GatewayOfCamera},
-                              kind) > 0;
+    constexpr std::array kinds{NetworkAddress, BroadcastAddress, OutsideAdapter, OutsideComputer,
+                               OtherMask,      GatewayOutside,   GatewayOfCamera};
+    return std::ranges::find(kinds, kind) != kinds.end();
 }
 
 Column columnOf(advice::Field field)

@@ -7,12 +7,13 @@
 
 #include <exception>
 #include <memory>
+#include <utility>
 
 namespace cli {
 
 namespace {
 
-using DevicePointer = std::unique_ptr<Tessal::ITessalDevice, void (*)(Tessal::ITessalDevice*)>;
+using DevicePointer = std::unique_ptr<Tessal::ITessalGigEDevice, void (*)(Tessal::ITessalDevice*)>;
 
 void destroy(Tessal::ITessalDevice* device)
 {
@@ -34,47 +35,64 @@ bool storeByBroadcast(const Change& change)
         net::formatIpv4(isGiven ? wanted.gateway : camera.gateway), name.constData());
 }
 
+Tessal::FailureOf<GenICam::RuntimeException> failure(const char* text, Tessal::Failure values)
+{
+    return {GenICam::ExceptionReporter<GenICam::RuntimeException>(__FILE__, __LINE__, "RuntimeException")
+                .Report("%s", text),
+            std::move(values)};
+}
+
+/// Addresses change hands, and cameras behind different adapters may have the same.
+void expectCamera(Tessal::IGigETransportLayer& layer, const net::MacAddress& mac)
+{
+    if (auto* const choice = dynamic_cast<Tessal::IDeviceChoice*>(&layer)) {
+        choice->SetExpectedMac(net::formatMac(mac));
+    }
+}
+
 DevicePointer open(const Camera& camera, net::Ipv4 address)
 {
     using enum Tessal::EDeviceAccessMode;
     Tessal::IGigETransportLayer& layer = *DeviceLister::s_pTl;
-    if (auto* const choice = dynamic_cast<Tessal::IDeviceChoice*>(&layer)) {
-        choice->SetExpectedMac(net::formatMac(camera.mac));
-    }
+    expectCamera(layer, camera.mac);
     Tessal::COrvikGigEDeviceInfo info(layer.CreateDeviceInfo());
     info.SetIpAddress(net::formatIpv4(address));
-    DevicePointer device(layer.CreateDevice(info), &destroy);
+    DevicePointer device(dynamic_cast<Tessal::ITessalGigEDevice*>(layer.CreateDevice(info)), &destroy);
+    if (device == nullptr) {
+        throw failure("There is no device for the camera", {.address = net::formatIpv4(address)});
+    }
     device->Open(Stream | Control | Event);
     const GenICam::gcstring opened = Tessal::COrvikGigEDeviceInfo(device->GetDeviceInfo()).GetMacAddress();
     if (net::parseMac(opened.view()) != camera.mac) {
-        throw Tessal::FailureOf<GenICam::RuntimeException>(
-            GenICam::ExceptionReporter<GenICam::RuntimeException>(__FILE__, __LINE__, "RuntimeException")
-                .Report("Another camera answers"),
-            {.kind = Tessal::FailureKind::AnotherCameraAnswers,
-             .address = net::formatIpv4(address),
-             .mac = net::formatMac(camera.mac),
-             .other = std::string(opened.view())});
+        throw failure("Another camera answers", {.kind = Tessal::FailureKind::AnotherCameraAnswers,
+                                                 .address = net::formatIpv4(address),
+                                                 .mac = net::formatMac(camera.mac),
+                                                 .other = std::string(opened.view())});
     }
     return device;
 }
 
 void storeOpened(const Change& change, net::Ipv4 address)
 {
-    const DevicePointer opened = open(change.camera, address);
-    auto& device = dynamic_cast<Tessal::ITessalGigEDevice&>(*opened);
+    const DevicePointer device = open(change.camera, address);
     if (change.writesName) {
         const GenApi::CPointer<GenApi::IString, GenApi::IBase> userId(
-            device.GetNodeMap()->GetNode("DeviceUserID"));
+            device->GetNodeMap()->GetNode("DeviceUserID"));
+        if (!userId) {
+            throw failure("The camera has no DeviceUserID", {.kind = Tessal::FailureKind::FeatureUnusable,
+                                                             .setting = Tessal::Setting::Name,
+                                                             .address = net::formatIpv4(address)});
+        }
         userId->SetValue(change.wanted.name->toUtf8().constData(), true);
     }
     if (change.writesMode) {
-        device.SetIpConfigMode(change.wanted.mode == Mode::Static, change.wanted.mode == Mode::Dhcp);
+        device->SetIpConfigMode(change.wanted.mode == Mode::Static, change.wanted.mode == Mode::Dhcp);
     }
     if (change.writesAddresses) {
-        device.SetPersistentIp(net::formatIpv4(change.wanted.address), net::formatIpv4(change.wanted.mask),
-                               net::formatIpv4(change.wanted.gateway));
+        device->SetPersistentIp(net::formatIpv4(change.wanted.address), net::formatIpv4(change.wanted.mask),
+                                net::formatIpv4(change.wanted.gateway));
     }
-    device.Close();
+    device->Close();
 }
 
 } // namespace

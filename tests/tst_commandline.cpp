@@ -1,0 +1,163 @@
+#include "options.h"
+
+#include "tessal/transportlayer.h"
+
+#include <QTest>
+
+using namespace cli;
+
+/// What the command line makes of texts: plans, options and lists. Nothing here needs a network.
+class CommandLineTest : public QObject
+{
+    Q_OBJECT
+
+    /// Cameras 1, 2, … behind lab0, with the addresses 192.168.10.21, 22, …; the fifth is in another network.
+    static Network bench()
+    {
+        Network network;
+        const net::Ipv4 mask{0xFFFFFF00};
+        network.surroundings.adapters = {{.name = "lab0", .subnets = {{{0xC0A80A01}, mask}}}};
+        for (std::uint8_t i = 1; i <= 9; ++i) {
+            const net::Ipv4 address{i == 5 ? 0xAC100409U : 0xC0A80A14U + i};
+            network.cameras.push_back(
+                {.mac = {{2, 0, 0, 0, 0, i}},
+                 .serial = QString::number(i),
+                 .name = i == 2 ? QString("gate, \"left\"\x02") : "camera " + QString::number(i),
+                 .model = "km-1300",
+                 .adapter = "lab0",
+                 .mode = Mode::Static,
+                 .address = address,
+                 .mask = mask,
+                 .accessibility = i == 5 ? Tessal::Accessibility::NotReachable : Tessal::Accessibility::Ok});
+            network.surroundings.cameras.push_back({{}, {}, {{2, 0, 0, 0, 0, i}}, address});
+        }
+        return network;
+    }
+
+    static QStringList told(const std::vector<Finding>& findings)
+    {
+        QStringList lines;
+        for (const Finding& finding : findings) {
+            lines += QString("%1:%2 ").arg(finding.place.line).arg(finding.place.column) + finding.text;
+        }
+        return lines;
+    }
+
+private slots:
+    void aWrongPlanIsToldWithItsPlace_data()
+    {
+        QTest::addColumn<QByteArray>("lines"); // below the names of the columns
+        QTest::addColumn<QStringList>("findings");
+        const auto row = [](const char* name, const char* lines, const QStringList& findings) {
+            QTest::newRow(name) << QByteArray(lines) << findings;
+        };
+        row("nothing wrong",
+            "020000000001,,,192.168.10.31,24,,\n,2,dhcp,,,,\n,5,static,192.168.10.32/24,,192.168.10.1,x", {});
+        row("lines that cannot be read",
+            "020000000001,static\n,,dhcp,,,,\n0200,,bootp,,,,\n020000000001,,,192.168.10,25.0,x,Förderband Nr. 12",
+            {"2:14 the line has 2 fields, the first line has 7",
+             "3:1 neither MAC address nor serial number says which camera is meant",
+             "4:1 \"0200\" is no MAC address", "4:7 \"bootp\" is no mode: static, dhcp, auto-ip or temporary",
+             "5:16 \"192.168.10\": an IP address is needed, such as 192.168.10.21",
+             "5:27 \"25.0\": a mask is needed, such as 255.255.255.0 or /24",
+             "5:32 \"x\": a gateway is an IP address, or left out", "5:34 the name is longer than 16 bytes"});
+        row("a quote that is never closed", "\n\n020000000001,,dhcp,,,,\n\"ä\",\"",
+            {"5:5 a quote that is never closed"});
+        row("text behind a quote", "\"ä\"b", {"2:4 text behind a closing quote"});
+        row("a quote in the middle", "a\"b\"",
+            {"2:2 a quote inside of a field that does not begin with one"});
+        row("a missing camera", "0200000000AA,,dhcp,,,,",
+            {"2:1 no camera was found that has the MAC address 02:00:00:00:00:AA"});
+        row("another serial number", "020000000001,2,dhcp,,,,",
+            {"2:14 the camera 02:00:00:00:00:01 (camera 1) has the serial number 1"});
+        row("a camera twice", "020000000001,,dhcp,,,,\n,1,auto-ip,,,,", {"3:2 line 2 means the same camera"});
+        const QString taken(
+            " is the address of another camera: MAC address 02:00:00:00:00:0%1. With the same "
+            "address, neither can be reached reliably.");
+        row("an address twice", ",1,,192.168.10.31,24,,\n,2,,192.168.10.31,24,,",
+            {"2:5 192.168.10.31" + taken.arg(2) + " (Line 3.)",
+             "3:5 192.168.10.31" + taken.arg(1) + " (Line 2.)"});
+        row("the address of a camera outside of the plan", ",1,,192.168.10.23,24,,",
+            {"2:5 192.168.10.23" + taken.arg(3)});
+        row("the address that a camera of the plan leaves", ",1,,192.168.10.22,24,,\n,2,dhcp,,,,", {});
+        row("the computer's address, a gateway outside", ",1,,192.168.10.1,24,10.0.0.1,",
+            {"2:5 192.168.10.1 is this computer's own address on lab0. A camera with it cannot be reached.",
+             "2:21 The gateway 10.0.0.1 is not in the camera's network. Leave the field empty if there is no router."});
+    }
+
+    void aWrongPlanIsToldWithItsPlace()
+    {
+        QFETCH(QByteArray, lines);
+        Plan plan = parsePlan("mac,serial,mode,address,mask,gateway,name\n" + lines);
+        if (plan.findings.empty()) {
+            plan.findings = checkPlan(plan.rows, bench()).findings;
+        }
+        QTEST(told(plan.findings), "findings");
+    }
+
+    void camerasThatWaitForEachOtherMakeRoom_data()
+    {
+        QTest::addColumn<QByteArray>("plan"); // serial number and address
+        QTest::addColumn<QStringList>("temporary");
+        QTest::newRow("a swap") << QByteArray("1,22\n2,21") << QStringList{"1 192.168.10.254"};
+        QTest::newRow("two circles") << QByteArray("1,22\n2,23\n3,21\n4,26\n6,24")
+                                     << QStringList{"2 192.168.10.254", "4 192.168.10.253"};
+        QTest::newRow("a short row") << QByteArray("1,22\n2,23\n3,24\n4,25") << QStringList{};
+        QTest::newRow("a swap beside a taken address")
+            << QByteArray("1,22\n2,21\n3,254") << QStringList{"1 192.168.10.253"};
+        QTest::newRow("out of reach") << QByteArray("5,40") << QStringList{"5 192.168.10.40"};
+    }
+
+    void camerasThatWaitForEachOtherMakeRoom()
+    {
+        QFETCH(QByteArray, plan);
+        const auto rows = parsePlan("serial,address,mask\n" +
+                                    plan.replace(",", ",192.168.10.").replace("\n", ",24\n") + ",24")
+                              .rows;
+        QStringList temporary;
+        for (const Change& change : checkPlan(rows, bench()).changes) {
+            if (change.temporary) {
+                temporary += change.camera.serial + " " + text(change.temporary->address);
+            }
+        }
+        QTEST(temporary, "temporary");
+    }
+
+    void aListIsAPlanThatChangesNothing_data()
+    {
+        const QByteArray list = formatList(bench(), Format::Csv, 0).toUtf8();
+        QTest::addColumn<QByteArray>("plan");
+        QTest::newRow("as written") << list;
+        QTest::newRow("saved by a spreadsheet") << "\xEF\xBB\xBF" + QByteArray(list).replace("\n", "\r\n");
+    }
+
+    void aListIsAPlanThatChangesNothing()
+    {
+        QFETCH(QByteArray, plan);
+        const Plan parsed = parsePlan(plan);
+        QCOMPARE(told(parsed.findings), QStringList());
+        QCOMPARE(parsed.rows.size(), bench().cameras.size());
+        for (const Change& change : checkPlan(parsed.rows, bench()).changes) {
+            QCOMPARE(text(change), QString());
+        }
+    }
+
+    void aTableFitsTheTerminal()
+    {
+        for (const QString& line : formatList(bench(), Format::Table, 80).split('\n')) {
+            QVERIFY2(line.size() <= 80, qPrintable(line));
+        }
+    }
+
+    void aCameraIsMeantByWhatItAloneHas()
+    {
+        QCOMPARE(camerasMeantBy("02-00-00-00-00-03", bench().cameras).size(), 1U);
+        QCOMPARE(camerasMeantBy("camera 3", bench().cameras).size(), 1U);
+        Network network = bench();
+        network.cameras[3].name = "3"; // which is a serial number as well
+        QCOMPARE(camerasMeantBy("3", network.cameras).size(), 2U);
+    }
+};
+
+QTEST_GUILESS_MAIN(CommandLineTest)
+#include "tst_commandline.moc"

@@ -1,0 +1,121 @@
+#include "support/simulator.h"
+
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryFile>
+#include <QTest>
+
+#include <csignal>
+#include <map>
+#include <optional>
+
+/// The installed command line on 64 cameras of two makers: two swap their addresses, one of them is in use,
+/// one in a foreign subnet, and one vanishes when it restarts.
+class CommandLineWireTest : public QObject
+{
+    Q_OBJECT
+
+    QStringList arguments() { return {"apply", m_plan.fileName(), "--timeout", "3"}; }
+
+    /// Runs the program to its end. Returns its exit status.
+    int run(const QStringList& options)
+    {
+        QProcess program;
+        program.start(LANVIC_CLI, arguments() + options);
+        const bool hasEnded = program.waitForFinished(120000);
+        m_lines = QString::fromUtf8(program.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
+        m_errors = QString::fromUtf8(program.readAllStandardError()).split('\n', Qt::SkipEmptyParts);
+        return hasEnded ? program.exitCode() : -1;
+    }
+
+    QTemporaryFile m_plan;
+    QStringList m_wanted; // "line-1 192.168.10.71"
+    QStringList m_lines;
+    QStringList m_errors;
+    std::optional<Simulator> m_simulator;
+
+    void plan(const QString& camera, int number, const QString& mac, int address)
+    {
+        m_plan.write(
+            QString("%1%2,192.168.10.%3/24\n").arg(mac).arg(number, 2, 16, QChar('0')).arg(address).toUtf8());
+        m_wanted += QString("%1 192.168.10.%2").arg(camera).arg(address);
+    }
+
+    /// Where the cameras say that they are.
+    QStringList addresses()
+    {
+        return m_simulator->states().replaceInStrings(QRegularExpression(".*camera=(\\S+) .* ip=(\\S+) .*"),
+                                                      "\\1 \\2");
+    }
+
+private slots:
+    void init()
+    {
+        m_simulator.emplace("test-commandline");
+        QVERIFY(m_plan.open());
+        m_plan.resize(0);
+        m_plan.write("mac,address\n");
+        m_wanted.clear();
+        for (int i = 1; i <= 40; ++i) {
+            plan("line-" + QString::number(i), i, "025E410000", i == 1 ? 71 : 120 + i);
+        }
+        for (int i = 1; i <= 21; ++i) {
+            plan("other-" + QString::number(i), i, "02A3170000", i == 1 ? 21 : 170 + i);
+        }
+        plan("used", 0x41, "02A3170000", 201);
+        plan("foreign", 0x42, "02A3170000", 202);
+        plan("fading", 0x43, "025E410000", 203);
+        m_plan.flush();
+        m_wanted.replaceInStrings("used 192.168.10.201", "used 192.168.10.101"); // stays where it is
+    }
+
+    void aPlanIsCarriedOutOnce()
+    {
+        QCOMPARE(run({}), 1);
+        QCOMPARE(m_lines.last(), "62 done, 0 as planned already, 2 failed, 0 not begun");
+        QCOMPARE(
+            m_errors,
+            (QStringList{"lanvic-cli: 02:A3:17:00:00:41 (BX-4): failed: It is controlled by another "
+                         "application, on the computer 192.168.10.250.",
+                         "lanvic-cli: 02:5E:41:00:00:43 (km-1): failed: It was written, and has not been "
+                         "found since."}));
+        QCOMPARE(addresses(), m_wanted);
+        // At no time two cameras had one address.
+        std::map<QString, QString> camerasAt{{"192.168.10.21", "line-1"}, {"192.168.10.71", "other-1"}};
+        const QRegularExpression taken("^(?:restarted|forced) camera=(\\S+) .*ip=(\\S+) ");
+        for (const QString& event : m_simulator->takeEvents()) {
+            if (const auto match = taken.match(event); match.hasMatch()) {
+                const QString camera = match.captured(1);
+                std::erase_if(camerasAt, [&](const auto& place) { return place.second == camera; });
+                QVERIFY2(camerasAt.emplace(match.captured(2), camera).second, qPrintable(event));
+            }
+        }
+
+        QCOMPARE(run({}), 2); // one camera is missing now
+        QCOMPARE(run({"--force"}), 1);
+        QCOMPARE(m_lines.last(), "0 done, 62 as planned already, 1 failed, 0 not begun");
+        QCOMPARE(m_simulator->takeEvents(), QStringList());
+    }
+
+    void whatWasBegunIsFinishedByAnotherRun()
+    {
+        for (const auto& [ending, camera] : {std::pair{SIGKILL, "line-9 "}, {SIGINT, "line-19 "}}) {
+            QProcess program;
+            program.start(LANVIC_CLI, arguments());
+            QVERIFY(m_simulator->await(QString("restarted camera=") + camera));
+            ::kill(static_cast<pid_t>(program.processId()), ending);
+            QVERIFY(program.waitForFinished(20000));
+            m_lines = QString::fromUtf8(program.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
+            QVERIFY(addresses() != m_wanted);
+        }
+        QVERIFY2(m_lines.join('\n').contains("02:5E:41:00:00:13 (km-1300): done"),
+                 qPrintable(m_lines.join('\n')));
+        QVERIFY2(!m_lines.last().endsWith(" 0 not begun"), qPrintable(m_lines.last()));
+        QCOMPARE(run({}), 1);
+        QCOMPARE(m_errors.size(), 2);
+        QCOMPARE(addresses(), m_wanted);
+    }
+};
+
+QTEST_GUILESS_MAIN(CommandLineWireTest)
+#include "wire_commandline.moc"
