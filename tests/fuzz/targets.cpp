@@ -1,4 +1,5 @@
 #include "codec.h"
+#include "csv.h"
 #include "description.h"
 #include "descriptionerror.h"
 #include "registerport.h"
@@ -75,6 +76,29 @@ void fuzz_gvcp(Bytes input) noexcept
     require(gvcp::decodeReadMemAck(payload, 0, count).value_or(payload.last(count)).size() == count);
     static_cast<void>(gvcp::decodeReadRegAck(payload));
     static_cast<void>(gvcp::decodePendingAck(payload));
+}
+
+/// What was read comes back when it is written and read again. The first byte chooses the separator.
+void fuzz_csv(Bytes input)
+{
+    const char separator = !input.empty() && input[0] % 2 == 1 ? ';' : ',';
+    const cli::Csv read = cli::readCsv(std::string(input.begin(), input.end()), separator);
+    std::string written = "begin\n"; // so that nothing behind it is a byte order mark
+    for (const std::vector<cli::CsvField>& row : read.rows) {
+        for (const cli::CsvField& field : row) {
+            require(field.place.line >= 1 && field.place.column >= 1);
+            written += cli::csvField(field.text) + separator;
+        }
+        written += "end\n";
+    }
+    const cli::Csv again = cli::readCsv(written, separator);
+    require(!again.error && again.rows.size() == read.rows.size() + 1);
+    for (std::size_t i = 0; i < read.rows.size(); ++i) {
+        require(again.rows[i + 1].size() == read.rows[i].size() + 1);
+        for (std::size_t j = 0; j < read.rows[i].size(); ++j) {
+            require(again.rows[i + 1][j].text == read.rows[i][j].text);
+        }
+    }
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
