@@ -144,7 +144,12 @@ void Apply::begin(Job& job)
 
 void Apply::look()
 {
-    m_lister.discoverAllDevices();
+    try {
+        m_lister.discoverAllDevices();
+    } catch (const std::exception& exception) { // as without adapters; what is under way is told nevertheless
+        m_lister.m_devices.clear();
+        m_searchFailure = sentenceOf(exception);
+    }
     noteAddresses();
     for (Job& job : m_jobs) {
         if (job.state == State::Restarting) {
@@ -162,7 +167,9 @@ void Apply::judge(Job& job, const Tessal::COrvikGigEDeviceInfo* found)
     const auto since = Clock::now() - job.restarted;
     if (found == nullptr) {
         if (since >= m_patience || (m_hooks.isInterrupted() && since >= settlesWithin)) {
-            finish(job, Outcome::Failed, QStringLiteral("It was written, and has not been found since."));
+            finish(job, Outcome::Failed,
+                   (QStringLiteral("It was written, and has not been found since. ") + m_searchFailure)
+                       .trimmed());
         }
         return;
     }

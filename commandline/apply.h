@@ -31,7 +31,7 @@ public:
     Apply(DeviceLister& lister, const std::vector<Change>& changes, ApplyHooks hooks,
           std::chrono::seconds patience);
 
-    /// Until each camera has been told as finished. Throws what the lister throws.
+    /// Until each camera has been told as finished.
     void run();
 
 private:
@@ -58,6 +58,7 @@ private:
     ApplyHooks m_hooks;
     std::chrono::seconds m_patience;
     std::vector<Job> m_jobs;
+    QString m_searchFailure;                          // of the latest search that failed
     std::map<net::MacAddress, net::Ipv4> m_addresses; // where each camera was heard last
 };
 
