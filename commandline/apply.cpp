@@ -4,6 +4,7 @@
 #include "confirmation.h"
 #include "writer.h"
 
+#include "qtbase/failuretexts.h"
 #include "tessal/transportlayer.h"
 
 #include <algorithm>
@@ -127,10 +128,10 @@ void Apply::begin(Job& job)
     const Camera& camera = job.change.camera;
     using namespace Tessal::Accessibility;
     if (camera.accessibility == Controlled || camera.accessibility == ControlledExclusively) {
-        const QString where = camera.controlledBy.isEmpty()
-                                  ? QString()
-                                  : QStringLiteral(", on the computer ") + camera.controlledBy;
-        finish(job, Outcome::Failed, QStringLiteral("It is controlled by another application%1.").arg(where));
+        finish(job, Outcome::Failed,
+               describeFailure({.kind = Tessal::FailureKind::ControlledElsewhere,
+                                .address = net::formatIpv4(camera.address),
+                                .other = camera.controlledBy.toStdString()}));
         return;
     }
     try {

@@ -103,6 +103,8 @@ private slots:
         QTest::newRow("two circles") << QByteArray("1,22\n2,23\n3,21\n4,26\n6,24")
                                      << QStringList{"2 192.168.10.254", "4 192.168.10.253"};
         QTest::newRow("a short row") << QByteArray("1,22\n2,23\n3,24\n4,25") << QStringList{};
+        QTest::newRow("a long row") << QByteArray("1,22\n2,23\n3,24\n4,26\n6,27\n7,28\n8,29\n9,30")
+                                    << QStringList{"4 192.168.10.254"};
         QTest::newRow("a swap beside a taken address")
             << QByteArray("1,22\n2,21\n3,254") << QStringList{"1 192.168.10.253"};
         QTest::newRow("out of reach") << QByteArray("5,40") << QStringList{"5 192.168.10.40"};

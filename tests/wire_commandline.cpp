@@ -83,8 +83,8 @@ private slots:
                 "lanvic-cli: 02:5E:41:00:00:43 (km-1): failed: It was written, and has not been found since.",
                 "lanvic-cli: 02:5E:41:00:00:44 (km-2): failed: IP address: 192.168.10.204 was saved; the "
                 "camera reports 192.168.10.104.",
-                "lanvic-cli: 02:A3:17:00:00:41 (BX-4): failed: It is controlled by another application, on "
-                "the computer 192.168.10.250."}));
+                "lanvic-cli: 02:A3:17:00:00:41 (BX-4): failed: The camera 192.168.10.101 is controlled by another application, on the "
+                "computer 192.168.10.250. Close the connection there, then try again."}));
         QCOMPARE(addresses(), m_wanted);
         // At no time two cameras had one address.
         std::map<QString, QString> camerasAt{{"192.168.10.21", "line-1"}, {"192.168.10.71", "other-1"}};
