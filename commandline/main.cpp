@@ -85,8 +85,7 @@ int carryOut(DeviceLister& lister, const Network& network, const std::vector<Pla
                                              int all) { progress.show(finished, restarting, all); },
                            .isInterrupted = [] { return s_isInterrupted != 0; }};
     Apply(lister, changes, hooks, options.patience).run();
-    const bool isAllDone = progress.close() && changes.size() == rows.size();
-    return isAllDone && s_isInterrupted == 0 ? Exit::Done : Exit::CameraFailed;
+    return progress.close() && changes.size() == rows.size() ? Exit::Done : Exit::CameraFailed;
 }
 
 int set(DeviceLister& lister, const Network& network, const Options& options)

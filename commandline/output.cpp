@@ -155,7 +155,7 @@ QString formatTable(const Network& network, int width)
             }
         }
     }
-    return table.join(QLatin1Char('\n')) + QLatin1Char('\n');
+    return table.isEmpty() ? QString() : table.join(QLatin1Char('\n')) + QLatin1Char('\n');
 }
 
 void writeTo(std::FILE* stream, const QString& text)
