@@ -65,7 +65,12 @@ bool reportFindings(const std::vector<Finding>& findings, const QString& file, b
 int carryOut(DeviceLister& lister, const Network& network, const std::vector<PlanRow>& rows,
              const Options& options)
 {
-    const auto [changes, findings] = checkPlan(rows, network);
+    CheckedPlan checked = checkPlan(rows, network);
+    if (checked.changes.size() <
+        rows.size()) { // a camera that is not there may be restarting, from an earlier run
+        checked = checkPlan(rows, searchNetwork(lister));
+    }
+    const auto& [changes, findings] = checked;
     if (!reportFindings(findings, options.operand, options.isForced)) {
         return Exit::WrongUsage;
     }
