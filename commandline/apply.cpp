@@ -147,7 +147,8 @@ void Apply::look()
 {
     try {
         m_lister.discoverAllDevices();
-    } catch (const std::exception& exception) { // as without adapters; what is under way is told nevertheless
+    } catch (const std::exception& exception) {
+        // As without adapters; what is under way is told nevertheless.
         m_lister.m_devices.clear();
         m_searchFailure = sentenceOf(exception);
     }

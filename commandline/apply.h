@@ -17,7 +17,7 @@ struct ApplyHooks
 {
     std::function<void(const Camera&, Outcome, const QString& text)> finished;
     std::function<void(int finished, int restarting, int all)> progressed;
-    std::function<bool()> isInterrupted; // no further camera is begun then
+    std::function<bool()> isInterrupted; // No further camera is begun then.
 };
 
 /// Carries changes out: writes those that wait for no other camera's address, has the cameras restart side by
@@ -58,8 +58,8 @@ private:
     ApplyHooks m_hooks;
     std::chrono::seconds m_patience;
     std::vector<Job> m_jobs;
-    QString m_searchFailure;                          // of the latest search that failed
-    std::map<net::MacAddress, net::Ipv4> m_addresses; // where each camera was heard last
+    QString m_searchFailure;                          // Of the latest search that failed.
+    std::map<net::MacAddress, net::Ipv4> m_addresses; // Where each camera was heard last.
 };
 
 } // namespace cli

@@ -21,17 +21,17 @@ struct Camera
     net::MacAddress mac{};
     QString serial{};
     QString name{};
-    QByteArray storedName{}; // as it came
+    QByteArray storedName{}; // As it came.
     QString vendor{};
     QString model{};
     QString adapter{};
-    Mode mode = Mode::Unknown; // in force
+    Mode mode = Mode::Unknown; // In force.
     net::Ipv4 address{};
     net::Ipv4 mask{};
     net::Ipv4 gateway{};
-    int accessibility = 0; // a Tessal::Accessibility code
+    int accessibility = 0; // A Tessal::Accessibility code.
     bool isMacShared = false;
-    QString controlledBy{}; // address of the computer whose application has control, if it is known
+    QString controlledBy{}; // Address of the computer whose application has control, if it is known.
 };
 
 [[nodiscard]] Camera cameraOf(const Tessal::COrvikGigEDeviceInfo& record);
@@ -39,7 +39,7 @@ struct Camera
 /// What a search has found.
 struct Network
 {
-    std::vector<Camera> cameras; // by adapter, model and MAC address, as in the window
+    std::vector<Camera> cameras; // By adapter, model and MAC address, as in the window.
     advice::Surroundings surroundings;
 };
 

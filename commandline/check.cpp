@@ -26,7 +26,7 @@ Change changeOf(const Camera& camera, const Wanted& wanted)
     change.writesAddresses =
         givesAddress(wanted) && (change.writesMode || wanted.address != camera.address ||
                                  wanted.mask != camera.mask || wanted.gateway != camera.gateway);
-    if (wanted.mode == Mode::AutoIp && !isLinkLocal(camera.address)) { // told so, and not restarted since
+    if (wanted.mode == Mode::AutoIp && !isLinkLocal(camera.address)) { // Told so, and not restarted since.
         change.writesMode = true;
     }
     // A list shows characters that steer the display as others.
@@ -70,7 +70,7 @@ void chooseRoomMakers(std::vector<Change>& changes)
         if (seen.contains(taker)) {
             continue;
         }
-        Change* first = taker; // of the row; in a circle, where the way back ends
+        Change* first = taker; // Of the row; in a circle, where the way back ends.
         for (auto before = holders.find(address); before != holders.end() && before->second != taker;
              before = holders.find(first->destination())) {
             first = before->second;
@@ -103,7 +103,7 @@ public:
 
     CheckedPlan check()
     {
-        for (const Change& change : m_checked.changes) { // advice is on the cameras where they will be
+        for (const Change& change : m_checked.changes) { // Advice is on the cameras where they will be.
             for (advice::Camera& camera : m_surroundings.cameras) {
                 camera.address = camera.mac == change.camera.mac ? change.destination() : camera.address;
             }
@@ -113,7 +113,7 @@ public:
                 advise(*m_rows[i], m_checked.changes[i]);
             }
         }
-        if (std::ranges::all_of(m_checked.findings, &Finding::canBeForced)) { // so no address is meant twice
+        if (std::ranges::all_of(m_checked.findings, &Finding::canBeForced)) { // So no address is meant twice.
             chooseRoomMakers(m_checked.changes);
             chooseTemporaryAddresses();
         }
@@ -143,7 +143,7 @@ private:
             found = found ? found : camera;
         }
         if (!found && row.mac && row.wanted.mode == Mode::Temporary) {
-            return Camera{.mac = *row.mac}; // which may hear this although it was not heard
+            return Camera{.mac = *row.mac}; // Which may hear this although it was not heard.
         }
         if (!found) {
             report(place, QStringLiteral("no camera was found that has ") + what, true);
@@ -230,9 +230,9 @@ private:
     const Network& m_network;
     advice::Surroundings m_surroundings;
     CheckedPlan m_checked;
-    std::vector<const PlanRow*> m_rows;             // of the changes
-    std::map<net::MacAddress, std::size_t> m_lines; // where the plan means that camera
-    std::set<net::Ipv4> m_taken;                    // some device's, now or later
+    std::vector<const PlanRow*> m_rows;             // Of the changes.
+    std::map<net::MacAddress, std::size_t> m_lines; // Where the plan means that camera.
+    std::set<net::Ipv4> m_taken;                    // Some device's, now or later.
 };
 
 QString addressing(Mode mode, net::Ipv4 address, net::Ipv4 mask, net::Ipv4 gateway)

@@ -87,11 +87,11 @@ private:
     {
         const char character = m_text[m_at++];
         if (character == '\r' && peek() == '\n') {
-            return character; // the line ends with the next
+            return character; // The line ends with the next.
         }
         if (isLineEnd(character)) {
             m_place = {m_place.line + 1, 1};
-        } else if ((static_cast<unsigned char>(character) & 0xC0) != 0x80) { // not inside of a character
+        } else if ((static_cast<unsigned char>(character) & 0xC0) != 0x80) { // Not inside of a character.
             ++m_place.column;
         }
         return character;

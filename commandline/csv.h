@@ -18,7 +18,7 @@ struct Place
 struct CsvField
 {
     std::string text;
-    Place place; // of its first character
+    Place place; // Of its first character.
 };
 
 struct CsvError
@@ -29,7 +29,7 @@ struct CsvError
 
 struct Csv
 {
-    std::vector<std::vector<CsvField>> rows; // those before the error
+    std::vector<std::vector<CsvField>> rows; // Those before the error.
     std::optional<CsvError> error;
 };
 

@@ -27,7 +27,7 @@ void catchInterrupts()
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         ::sigaction(signal, &action, nullptr);
     }
-    std::signal(SIGPIPE, SIG_IGN); // a reader that has gone must not end a plan in its middle
+    std::signal(SIGPIPE, SIG_IGN); // A reader that has gone must not end a plan in its middle.
 }
 
 /// Tells what hinders searches. Returns whether there is an adapter that could be searched through.
@@ -66,8 +66,8 @@ int carryOut(DeviceLister& lister, const Network& network, const std::vector<Pla
              const Options& options)
 {
     CheckedPlan checked = checkPlan(rows, network);
-    if (checked.changes.size() <
-        rows.size()) { // a camera that is not there may be restarting, from an earlier run
+    if (checked.changes.size() < rows.size()) {
+        // A camera that is not there may be restarting, from an earlier run.
         checked = checkPlan(rows, searchNetwork(lister));
     }
     const auto& [changes, findings] = checked;

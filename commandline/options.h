@@ -11,7 +11,7 @@ namespace cli {
 namespace Exit {
 inline constexpr int Done = 0;
 inline constexpr int CameraFailed = 1;
-inline constexpr int WrongUsage = 2; // or a wrong plan
+inline constexpr int WrongUsage = 2; // Or a wrong plan.
 inline constexpr int NothingAsked = 3;
 } // namespace Exit
 
@@ -22,10 +22,10 @@ struct Options
     Command command = Command::List;
     Format format = Format::Table;
     QString operand{};                  // a camera, or the name of a plan; "-" for standard input
-    std::map<Column, QString> fields{}; // of `set`: what a plan would say
+    std::map<Column, QString> fields{}; // Of `set`: what a plan would say.
     bool setsName = false;
     bool isDryRun = false;
-    bool isForced = false; // also what can be forced only
+    bool isForced = false; // Also what can be forced only.
     std::chrono::seconds patience{60};
 };
 

@@ -77,7 +77,7 @@ QString formatJson(const Network& network)
         for (const Camera& camera : network.cameras) {
             QJsonObject object;
             const QStringList values = valuesOf(camera);
-            for (qsizetype i = 1; i < values.size(); ++i) { // below its adapter
+            for (qsizetype i = 1; i < values.size(); ++i) { // Below its adapter.
                 object[names[i]] = values[i];
             }
             if (camera.adapter == adapter.name) {

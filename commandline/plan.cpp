@@ -17,7 +17,7 @@ const std::map<QString, Column> readColumns{{"mac", Column::Mac},         {"seri
                                             {"mode", Column::Mode},       {"address", Column::Address},
                                             {"mask", Column::Mask},       {"prefix", Column::Mask},
                                             {"gateway", Column::Gateway}, {"name", Column::Name}};
-const QStringList otherColumns{"adapter", "vendor", "model", "status"}; // of a list
+const QStringList otherColumns{"adapter", "vendor", "model", "status"}; // Of a list.
 
 std::optional<net::Ipv4> parseAddress(const QString& text)
 {
@@ -68,7 +68,7 @@ Mode parseMode(const std::map<Column, QString>& fields, Place place, std::vector
 {
     using enum Mode;
     const QString mode = fields.at(Column::Mode).toLower();
-    if (mode.isEmpty()) { // an address alone is to be kept
+    if (mode.isEmpty()) { // An address alone is to be kept.
         const bool hasAddress =
             !(fields.at(Column::Address) + fields.at(Column::Mask) + fields.at(Column::Gateway)).isEmpty();
         return hasAddress ? Static : Unknown;
@@ -173,7 +173,7 @@ Plan parsePlan(const QByteArray& text)
         }
         std::map<Column, QString> texts;
         std::map<Column, Place> places;
-        for (const auto& [name, column] : readColumns) { // those that the plan has not are empty
+        for (const auto& [name, column] : readColumns) { // Those that the plan has not are empty.
             texts[column].clear();
             places[column] = fields.front().place;
         }

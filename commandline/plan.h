@@ -16,14 +16,14 @@ struct Finding
 {
     Place place;
     QString text;
-    bool canBeForced = false; // it is possible, but hardly meant as the network is
+    bool canBeForced = false; // It is possible, but hardly meant as the network is.
 };
 
 /// What one camera is to become.
 struct Wanted
 {
-    Mode mode = Mode::Unknown; // leaves addressing as it is
-    net::Ipv4 address{};       // this and the next two for the modes Static and Temporary
+    Mode mode = Mode::Unknown; // Leaves addressing as it is.
+    net::Ipv4 address{};       // This and the next two for the modes Static and Temporary.
     net::Ipv4 mask{};
     net::Ipv4 gateway{};
     std::optional<QString> name{};
@@ -35,7 +35,7 @@ struct PlanRow
     std::optional<net::MacAddress> mac;
     QString serial;
     Wanted wanted;
-    std::map<Column, Place> places; // each column has one
+    std::map<Column, Place> places; // Each column has one.
 };
 
 struct Plan
@@ -65,8 +65,8 @@ struct Change
     bool writesMode = false;
     bool writesAddresses = false;
     bool writesName = false;
-    bool makesRoom = false;                      // another camera needs its address before its own is free
-    std::optional<TemporaryAddress> temporary{}; // for that, or where it cannot be opened
+    bool makesRoom = false;                      // Another camera needs its address before its own is free.
+    std::optional<TemporaryAddress> temporary{}; // For that, or where it cannot be opened.
 
     [[nodiscard]] bool isNothing() const { return !writesMode && !writesAddresses && !writesName; }
     /// Where the camera is afterwards; 0.0.0.0 where the network tells it.
@@ -75,7 +75,8 @@ struct Change
 
 struct CheckedPlan
 {
-    std::vector<Change> changes; // one for each row whose camera is there, also for those that change nothing
+    /// One for each row whose camera is there, also for those that change nothing.
+    std::vector<Change> changes;
     std::vector<Finding> findings;
 };
 

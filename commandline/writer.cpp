@@ -17,7 +17,7 @@ using DevicePointer = std::unique_ptr<Tessal::ITessalGigEDevice, void (*)(Tessal
 
 void destroy(Tessal::ITessalDevice* device)
 {
-    DeviceLister::s_pTl->DestroyDevice(device); // closes it as well
+    DeviceLister::s_pTl->DestroyDevice(device); // Closes it as well.
 }
 
 bool storeByBroadcast(const Change& change)
@@ -26,7 +26,7 @@ bool storeByBroadcast(const Change& change)
     const Wanted& wanted = change.wanted;
     const Mode mode = wanted.mode == Mode::Unknown ? camera.mode : wanted.mode;
     const bool isGiven =
-        wanted.mode == Mode::Static; // or what the camera has goes along, as it does in the window
+        wanted.mode == Mode::Static; // Or what the camera has goes along, as it does in the window.
     const QByteArray name = change.writesName ? wanted.name->toUtf8() : camera.storedName;
     return DeviceLister::s_pTl->BroadcastIpConfig(
         net::formatMac(camera.mac), mode == Mode::Static, mode == Mode::Dhcp,

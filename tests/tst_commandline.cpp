@@ -46,7 +46,7 @@ class CommandLineTest : public QObject
 private slots:
     void aWrongPlanIsToldWithItsPlace_data()
     {
-        QTest::addColumn<QByteArray>("lines"); // below the names of the columns
+        QTest::addColumn<QByteArray>("lines"); // Below the names of the columns.
         QTest::addColumn<QStringList>("findings");
         const auto row = [](const char* name, const char* lines, const QStringList& findings) {
             QTest::newRow(name) << QByteArray(lines) << findings;
@@ -97,7 +97,7 @@ private slots:
 
     void camerasThatWaitForEachOtherMakeRoom_data()
     {
-        QTest::addColumn<QByteArray>("plan"); // serial number and address
+        QTest::addColumn<QByteArray>("plan"); // Serial number and address.
         QTest::addColumn<QStringList>("temporary");
         QTest::newRow("a swap") << QByteArray("1,22\n2,21") << QStringList{"1 192.168.10.254"};
         QTest::newRow("two circles") << QByteArray("1,22\n2,23\n3,21\n4,26\n6,24")
@@ -156,7 +156,7 @@ private slots:
         QCOMPARE(camerasMeantBy("02-00-00-00-00-03", bench().cameras).size(), 1U);
         QCOMPARE(camerasMeantBy("camera 3", bench().cameras).size(), 1U);
         Network network = bench();
-        network.cameras[3].name = "3"; // which is a serial number as well
+        network.cameras[3].name = "3"; // Which is a serial number as well.
         QCOMPARE(camerasMeantBy("3", network.cameras).size(), 2U);
     }
 };

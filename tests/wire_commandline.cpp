@@ -97,7 +97,7 @@ private slots:
             }
         }
 
-        QCOMPARE(run({}), 2); // one camera is missing now
+        QCOMPARE(run({}), 2); // One camera is missing now.
         QCOMPARE(run({"--force"}), 1);
         QCOMPARE(m_lines.last(), "0 done, 61 as planned already, 2 failed, 0 not begun");
         const QStringList events = m_simulator->takeEvents();
