@@ -3,22 +3,42 @@
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QHelpEvent>
+#include <QRegularExpression>
 #include <QStyle>
 #include <QToolTip>
+
+namespace {
+
+/// An escaped text as markup: its lines stay lines, and no MAC address is broken in two.
+QString toMarkup(QString escaped)
+{
+    static const QRegularExpression colonInMacAddress(
+        QStringLiteral("(?<=\\b[0-9A-F]{2}):(?=[0-9A-F]{2}\\b)"));
+    const QString wordJoiner(QChar(0x2060));
+    return escaped.replace(colonInMacAddress, QLatin1Char(':') + wordJoiner)
+        .replace(QLatin1Char('\n'), QLatin1String("<br>"));
+}
+
+} // namespace
 
 bool ElidedTextDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view,
                                    const QStyleOptionViewItem& option, const QModelIndex& index)
 {
     const QRect cell = view->visualRect(index);
-    if (event->type() != QEvent::ToolTip || sizeHint(option, index).width() <= cell.width()) {
+    QStringList lines;
+    if (event->type() == QEvent::ToolTip && sizeHint(option, index).width() > cell.width()) {
+        lines += index.data(Qt::DisplayRole).toString().toHtmlEscaped();
+    }
+    if (const QString explanation = index.data(Qt::ToolTipRole).toString();
+        event->type() == QEvent::ToolTip && !explanation.isEmpty()) {
+        lines += toMarkup(explanation);
+    }
+    if (lines.isEmpty()) {
         return QStyledItemDelegate::helpEvent(event, view, option, index);
     }
-    // A tool tip would take a text that looks like markup for markup.
-    QString text = index.data(Qt::DisplayRole).toString().toHtmlEscaped();
-    if (const QString explanation = index.data(Qt::ToolTipRole).toString(); !explanation.isEmpty()) {
-        text += QStringLiteral("<br>%1").arg(explanation);
-    }
-    QToolTip::showText(event->globalPos(), QStringLiteral("<span>%1</span>").arg(text), view, cell);
+    // Only markup is broken into lines, and a text that looks like markup would be taken for it.
+    const QString text = QStringLiteral("<span>%1</span>").arg(lines.join(QLatin1String("<br>")));
+    QToolTip::showText(event->globalPos(), text, view, cell);
     return true;
 }
 
