@@ -24,37 +24,30 @@ QByteArray bytesOf(const net::MacAddress& mac)
     return {reinterpret_cast<const char*>(mac.bytes.data()), std::ssize(mac.bytes)};
 }
 
-QByteArray command(gvcp::Command code, const QByteArray& payload, Reply reply = Reply::Unicast)
+QByteArray command(gvcp::Command code, const QByteArray& payload)
 {
-    using namespace gvcp::Flag;
     QByteArray header;
     header += static_cast<char>(gvcp::Key);
-    header += static_cast<char>(AckRequired | (reply == Reply::MayBeBroadcast ? AllowBroadcastAck : 0));
+    header += static_cast<char>(gvcp::Flag::AckRequired);
     header += halfWord(static_cast<std::uint16_t>(code));
     header += halfWord(static_cast<std::uint16_t>(payload.size()));
     return header + halfWord(1) + payload;
 }
 
-const QMap<gvcp::Ack, QString> acknowledges{{gvcp::Ack::Discovery, "DISCOVERY"},
-                                            {gvcp::Ack::ForceIp, "FORCEIP"},
-                                            {gvcp::Ack::ReadReg, "READREG"},
-                                            {gvcp::Ack::WriteReg, "WRITEREG"},
-                                            {gvcp::Ack::ReadMem, "READMEM"},
-                                            {gvcp::Ack::Pending, "PENDING"},
-                                            {gvcp::Ack::BroadcastIpConfig, "BROADCAST_IPCONFIG"}};
+const QMap<gvcp::Ack, QString> acknowledges{
+    {gvcp::Ack::Discovery, "DISCOVERY"}, {gvcp::Ack::ForceIp, "FORCEIP"}, {gvcp::Ack::ReadReg, "READREG"},
+    {gvcp::Ack::WriteReg, "WRITEREG"},   {gvcp::Ack::ReadMem, "READMEM"}, {gvcp::Ack::Pending, "PENDING"}};
 
 const QMap<gvcp::Status, QString> statuses{{gvcp::Status::Success, "success"},
-                                           {gvcp::Status::InvalidParameter, "invalid parameter"},
                                            {gvcp::Status::InvalidAddress, "invalid address"},
-                                           {gvcp::Status::WriteProtected, "write protected"},
                                            {gvcp::Status::BadAlignment, "bad alignment"},
                                            {gvcp::Status::AccessDenied, "access denied"}};
 
 } // namespace
 
-QByteArray discovery(Reply reply)
+QByteArray discovery()
 {
-    return command(gvcp::Command::Discovery, {}, reply);
+    return command(gvcp::Command::Discovery, {});
 }
 
 QByteArray forceIp(const net::MacAddress& camera, net::Ipv4 ip, net::Ipv4 mask)
@@ -62,7 +55,7 @@ QByteArray forceIp(const net::MacAddress& camera, net::Ipv4 ip, net::Ipv4 mask)
     const QByteArray gap(12, '\0');
     const QByteArray payload =
         halfWord(0) + bytesOf(camera) + gap + word(ip.value) + gap + word(mask.value) + gap + word(0);
-    return command(gvcp::Command::ForceIp, payload, Reply::MayBeBroadcast);
+    return command(gvcp::Command::ForceIp, payload);
 }
 
 QByteArray readRegister(std::uint32_t address)
@@ -82,15 +75,6 @@ QByteArray writeRegisters(const std::vector<std::pair<std::uint32_t, std::uint32
 QByteArray readMemory(std::uint32_t address, std::uint16_t count)
 {
     return command(gvcp::Command::ReadMem, word(address) + word(count));
-}
-
-QByteArray broadcastIpConfig(const net::MacAddress& camera, std::uint32_t ipConfig, net::Ipv4 ip,
-                             net::Ipv4 mask, net::Ipv4 gateway, const QByteArray& name)
-{
-    return command(gvcp::Command::BroadcastIpConfig,
-                   halfWord(0) + bytesOf(camera) + word(ipConfig) + word(ip.value) + word(mask.value) +
-                       word(gateway.value) + name.leftJustified(16, '\0'),
-                   Reply::MayBeBroadcast);
 }
 
 QByteArray withId(QByteArray message, std::uint16_t id)

@@ -13,17 +13,12 @@
 /// request id is 1 unless withId() gives another.
 namespace packets {
 
-enum class Reply { Unicast, MayBeBroadcast };
-
-[[nodiscard]] QByteArray discovery(Reply reply = Reply::MayBeBroadcast);
+[[nodiscard]] QByteArray discovery();
 /// A zero address makes the camera restart its IP configuration.
 [[nodiscard]] QByteArray forceIp(const net::MacAddress& camera, net::Ipv4 ip, net::Ipv4 mask);
 [[nodiscard]] QByteArray readRegister(std::uint32_t address);
 [[nodiscard]] QByteArray writeRegisters(const std::vector<std::pair<std::uint32_t, std::uint32_t>>& values);
 [[nodiscard]] QByteArray readMemory(std::uint32_t address, std::uint16_t count);
-[[nodiscard]] QByteArray broadcastIpConfig(const net::MacAddress& camera, std::uint32_t ipConfig,
-                                           net::Ipv4 ip, net::Ipv4 mask, net::Ipv4 gateway,
-                                           const QByteArray& name);
 
 [[nodiscard]] inline QByteArray writeRegister(std::uint32_t address, std::uint32_t value)
 {
