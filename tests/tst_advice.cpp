@@ -68,6 +68,7 @@ private slots:
         row("broadcast of the adapter's mask only", "192.168.10.255", classB, "",
             {{Address, Kind::BroadcastAddress}, {Mask, Kind::OtherMask}});
         row("of another adapter's network", "192.168.20.5", classC, "", {{Address, Kind::OutsideAdapter}});
+        row("in a network of two", "172.16.0.0", "255.255.255.254", "", {{Address, Kind::OutsideAdapter}});
         row("no mask", "192.168.10.77", "255.0.255.0", "", {{Mask, Kind::NoMask}});
         row("another mask than the adapter's", "10.1.2.77", classC, "", {{Mask, Kind::OtherMask}});
         row("gateway in another network", "192.168.10.77", classC, "192.168.20.1",
