@@ -62,9 +62,7 @@ struct FakePort : gige::RegisterPort
         if ((address | from.size()) % gvcp::RegisterSize != 0) {
             refuse(*this);
         }
-        if (keepsTexts) {
-            put(address, QByteArray(reinterpret_cast<const char*>(from.data()), std::ssize(from)));
-        }
+        put(address, QByteArray(reinterpret_cast<const char*>(from.data()), std::ssize(from)));
     }
     /// The first bytes at an address, NUL shown as a dot.
     [[nodiscard]] QString bytesAt(std::uint32_t address, int count = 8) const
@@ -73,7 +71,6 @@ struct FakePort : gige::RegisterPort
     }
 
     std::map<std::uint32_t, Fault> faults;
-    bool keepsTexts = true;
     int reads = 0;
     QByteArray memory{0x20000, '\0'};
 };
