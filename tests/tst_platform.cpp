@@ -206,12 +206,6 @@ private slots:
         QTest::addColumn<Tessal::Failure>("failure");
         QTest::addColumn<QString>("told");
         const std::string camera = "192.168.1.20";
-        QTest::newRow("does not answer a write")
-            << Tessal::Failure{.kind = NoAnswer,
-                               .setting = DefaultGateway,
-                               .address = camera,
-                               .wanted = "0.0.0.0"}
-            << "The camera 192.168.1.20 did not answer when it was given the new gateway 0.0.0.0. Check whether it is still connected, then try again.";
         QTest::newRow("busy")
             << Tessal::Failure{.kind = Busy,
                                .setting = TemporaryAddress,

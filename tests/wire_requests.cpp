@@ -157,6 +157,10 @@ private slots:
             << forgets("0x00E8") << "The camera confirmed the new device user ID “gate” but reports “old”.";
         QTest::newRow("the mode is forgotten")
             << forgets("0x0014") << camera + "confirmed the new IP configuration DHCP but reports Static IP.";
+        QTest::newRow("the mode is written without a word")
+            << QJsonObject{{"misreport", QJsonObject{{"0x0014", "nothing"}}}}
+            << camera + "did not answer when it was given the new IP configuration DHCP. Check whether it is "
+                        "still connected, then try again.";
         QTest::newRow("the mask is refused")
             << QJsonObject{{"refuse", QJsonObject{{"register:0x065C", "8002"}}}}
             << camera + "refused the new subnet mask 255.255.0.0. It already has the new IP configuration "
