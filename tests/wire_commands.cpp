@@ -22,6 +22,16 @@ class CommandsTest : public QObject
         search();
     }
 
+    int accessibilityOf(const std::string& mac, const std::string& address)
+    {
+        Tessal::CDeviceInfo record; // with nothing else of what a search knows
+        record.SetPropertyValue(Tessal::Key::IpAddress, address);
+        record.SetPropertyValue(Tessal::Key::MacAddress, mac);
+        int accessibility = -1;
+        (*m_layer)->QueryDeviceAccessibility(record, Tessal::EDeviceAccessMode::Control, &accessibility);
+        return accessibility;
+    }
+
     std::optional<Simulator> m_simulator;
     std::optional<CameraLayer> m_layer;
 
@@ -92,12 +102,17 @@ private slots:
         QFETCH(std::string, mac);
         QFETCH(std::string, address);
         m_simulator.emplace("test-discovery");
-        Tessal::CDeviceInfo record; // as no search knows it
-        record.SetPropertyValue(Tessal::Key::IpAddress, address);
-        record.SetPropertyValue(Tessal::Key::MacAddress, mac);
-        int accessibility = -1;
-        (*m_layer)->QueryDeviceAccessibility(record, Tessal::EDeviceAccessMode::Control, &accessibility);
-        QTEST(accessibility, "expected");
+        QTEST(accessibilityOf(mac, address), "expected");
+    }
+
+    void aCameraIsAskedThroughTheAdapterThatHeardIt()
+    {
+        m_simulator.emplace(QJsonArray{
+            simulatedAdapter("lab0", {"192.168.10.1/24"}, {simulatedCamera(1, "one", "192.168.10.21")}),
+            simulatedAdapter("lab1", {"192.168.10.2/24"}, {simulatedCamera(2, "two", "192.168.10.21")})});
+        search();
+        QCOMPARE(accessibilityOf("025E41000001", "192.168.10.21"), Tessal::Accessibility::Ok);
+        QCOMPARE(accessibilityOf("025E41000002", "192.168.10.21"), Tessal::Accessibility::Ok);
     }
 
     void aStaticAddressThatNoCameraCanHaveIsNotSent_data()

@@ -102,12 +102,6 @@ private slots:
         QVERIFY(simulator.states("plain").join("").endsWith(" control=none"));
     }
 
-    void findsAllCamerasOnANoisyLine()
-    {
-        const Simulator simulator("test-noise");
-        QCOMPARE(difference(search(), QStringList(18, found(""))), "");
-    }
-
     void findsManyCamerasWithinASecond()
     {
         const Simulator simulator("cameras-64");
@@ -220,24 +214,6 @@ private slots:
                         "The MAC address 025E41000001 answers as two cameras: serial number 1");
                 });
             QCOMPARE(warnings, cameras.join("").contains("same MAC") ? 1 : 0);
-        }
-    }
-
-    void aCameraIsAskedThroughTheAdapterThatHeardIt()
-    {
-        const Simulator simulator(QJsonArray{
-            simulatedAdapter("lab0", {"192.168.10.1/24"}, {simulatedCamera(1, "one", "192.168.10.21")}),
-            simulatedAdapter("lab1", {"192.168.10.2/24"}, {simulatedCamera(2, "two", "192.168.10.21")})});
-        const DeviceLister window;
-        search();
-        for (const char* const mac : {"025E41000001", "025E41000002"}) {
-            Tessal::CDeviceInfo record;
-            record.SetPropertyValue(Tessal::Key::IpAddress, "192.168.10.21");
-            record.SetPropertyValue(Tessal::Key::MacAddress, mac);
-            int accessibility = -1;
-            DeviceLister::s_pTl->QueryDeviceAccessibility(record, Tessal::EDeviceAccessMode::Control,
-                                                          &accessibility);
-            QCOMPARE(accessibility, Tessal::Accessibility::Ok);
         }
     }
 
