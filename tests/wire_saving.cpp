@@ -3,7 +3,6 @@
 #include "DeviceLister.h"
 
 #include <QNetworkDatagram>
-#include <QRadioButton>
 #include <QRegularExpression>
 
 /// A save, from the keyboard to the camera's registers and back into the tree.
@@ -89,21 +88,6 @@ private slots:
         QVERIFY(rows().contains("  BX-4|gate|4|02:A3:17:00:00:04|OK|Static IP|192.168.10.34|255.255.255.0"));
     }
 
-    void aCameraThatAnotherProgramTookMeanwhileIsLeftAlone()
-    {
-        start("test-saving", "km-1"); // of the maker: refuses the broadcast command as well
-        OtherProgram other;
-        QCOMPARE(other.ask("192.168.10.21", packets::takeControl()), packets::done);
-        type("editCustomName", "mine");
-        saveFails(
-            {"Connection failed|Access denied\nThe device is controlled by another application.\nClose the connection before changing the IP configuration.|OK|",
-             gui::notSaved});
-        QVERIFY(takeTrace().last().startsWith("error Could not open device with old IP=192.168.10.21 "));
-        QCOMPARE(simulator().takeEvents().filter("configured"), QStringList());
-        QVERIFY(text("editCustomName") == "mine" && canSave());
-        m_controlled = {"belt"};
-    }
-
     void aCameraThatRefusesControlNeedsNoOtherAddress()
     {
         start("test-saving", "BX-8");
@@ -146,16 +130,6 @@ private slots:
         sleepUntil({"restarted camera=difficult"});
         QCOMPARE(save(), QStringList());
         QVERIFY(row("BX-5").text(6).startsWith("169.254.")); // there is no server
-    }
-
-    void aCameraThatVanishesWhileItIsWrittenKeepsTheEdits()
-    {
-        start("test-saving", "BX-6");
-        clickOn("btnUseDhcp");
-        const QStringList shown = save({gui::escape, gui::escape});
-        QVERIFY(shown.first().contains("26, WRITEREG of 0x0006 to 0x0014: no answer within "));
-        QVERIFY(child<QRadioButton>("btnUseDhcp").isChecked() && canSave());
-        m_controlled = {"fading"};
     }
 };
 
