@@ -22,9 +22,8 @@ class ClosingTest : public gui::GuiTest
 private slots:
     void everyWayAsksFirst_data()
     {
-        QTest::addColumn<QString>("way");
-        QTest::addColumn<Buttons>("answers"); // two where the save fails
-        QTest::addColumn<QStringList>("state");
+        // Two answers where the save fails.
+        addColumns<QString, Buttons, QStringList>("way", "answers", "state");
         using enum QMessageBox::StandardButton;
         const QStringList left{"current: lan0", "name: "};
         const QStringList saved = QStringList{"current: km-1", "name: belt"} + editorWithoutAddresses;
@@ -75,11 +74,8 @@ private slots:
 
     void whatCanBeWrittenIsAskedAbout_data()
     {
-        QTest::addColumn<QString>("way");
-        QTest::addColumn<QByteArray>("mask");
-        QTest::addColumn<QByteArray>("field");
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<bool>("isAsked");
+        addColumns<QString, QByteArray, QByteArray, QString, bool>("way", "mask", "field", "typed",
+                                                                   "isAsked");
         const QByteArray classC = "255.255.255.0";
         for (const QByteArray way : {"another row", "another row, by a screen reader", "refresh", "close"}) {
             QTest::newRow("half an address, " + way)
@@ -163,8 +159,7 @@ private slots:
 
     void aFailedSaveShowsTheCameraAsItIsNow_data()
     {
-        QTest::addColumn<QString>("way");
-        QTest::addColumn<QMessageBox::StandardButton>("answer"); // when the save has failed
+        addColumns<QString, QMessageBox::StandardButton>("way", "answer"); // when the save has failed
         QTest::newRow("row left") << "another row" << QMessageBox::Close;
         QTest::newRow("kept open") << "close" << QMessageBox::No;
     }

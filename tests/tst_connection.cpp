@@ -257,10 +257,7 @@ private slots:
 
     void aTemporaryAddressEndsTheEdit_data()
     {
-        QTest::addColumn<QList<Answer>>("answers"); // to the question about the edits, and then
-        QTest::addColumn<bool>("canBeSaved");
-        QTest::addColumn<QStringList>("calls");
-        QTest::addColumn<QString>("shownName");
+        addColumns<QList<Answer>, bool, QStringList, QString>("answers", "canBeSaved", "calls", "shownName");
         const QString saved = "BroadcastIpConfig(025E41000001, false, true, 0.0.0.0, 0.0.0.0, 0.0.0.0, belt)";
         const Answer address = fillAddress("192.168.1.50");
         QTest::newRow("edits saved") << QList<Answer>{click(QMessageBox::Yes), address} << true

@@ -33,10 +33,7 @@ private slots:
     void theEditorFollowsTheCamera_data()
     {
         using namespace Tessal::Accessibility;
-        QTest::addColumn<int>("accessibility");
-        QTest::addColumn<QByteArray>("mode"); // in bits
-        QTest::addColumn<QByteArray>("chosen");
-        QTest::addColumn<QStringList>("enabled");
+        addColumns<int, QByteArray, QByteArray, QStringList>("accessibility", "mode", "chosen", "enabled");
         const QByteArray isStatic = "btnUsePersistentIp";
         QTest::newRow("static before DHCP") << Ok << QByteArray("7") << isStatic << editorWithAddresses;
         QTest::newRow("DHCP") << NotReachable << QByteArray("6") << QByteArray("btnUseDhcp")
@@ -62,8 +59,7 @@ private slots:
 
     void savingNeedsAValidChange_data()
     {
-        QTest::addColumn<Step>("change");
-        QTest::addColumn<bool>("isValid");
+        addColumns<Step, bool>("change", "isValid");
         const auto row = [](const char* name, bool isValid, const Step& change) {
             QTest::newRow(name) << change << isValid;
         };
@@ -175,10 +171,8 @@ private slots:
 
     void theEditorTellsWhatIsTheMatter_data()
     {
-        QTest::addColumn<int>("accessibility");
-        QTest::addColumn<Step>("change");
-        QTest::addColumn<QString>("atTheField"); // the sentence begins so
-        QTest::addColumn<QString>("atSave");
+        // The sentences begin so.
+        addColumns<int, Step, QString, QString>("accessibility", "change", "atTheField", "atSave");
         using namespace Tessal::Accessibility;
         const QString own = "192.168.1.5 is this computer's own address on lan0.";
         const QString half = "The IP address is incomplete:";

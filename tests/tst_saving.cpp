@@ -65,8 +65,7 @@ private slots:
 
     void aCameraThatReportsSomethingElseIsToldOf_data()
     {
-        QTest::addColumn<bool>("knowsBroadcast");
-        QTest::addColumn<QString>("way"); // of leaving, if not saved by the button
+        addColumns<bool, QString>("knowsBroadcast", "way"); // of leaving, if not saved by the button
         QTest::newRow("saved by broadcast") << true << "";
         QTest::newRow("saved over unicast") << false << "";
         QTest::newRow("saved before a refresh") << true << "refresh";
@@ -100,9 +99,7 @@ private slots:
 
     void afterAFailedBroadcastUnicastIsTried_data()
     {
-        QTest::addColumn<Step>("breakIt");
-        QTest::addColumn<QStringList>("dialogs");
-        QTest::addColumn<QStringList>("calls");
+        addColumns<Step, QStringList, QStringList>("breakIt", "dialogs", "calls");
         const QString broadcast = "broadcastConfiguration";
         const QString failed = reportUnexpected(broadcast, "cable");
         QTest::newRow("the command fails")
@@ -186,9 +183,8 @@ private slots:
 
     void broadcastSendsEverythingAndUnicastWhatWasEdited_data()
     {
-        QTest::addColumn<QByteArray>("mode"); // in bits
-        QTest::addColumn<Step>("change");
-        QTest::addColumn<QStringList>("told"); // calls, and trace lines of the mode
+        // Calls, and trace lines of the mode.
+        addColumns<QByteArray, Step, QStringList>("mode", "change", "told");
         const QString send = "BroadcastIpConfig(025E41000001, ";
         const QString trying = "info Trying broadcast ip config for MAC=025E41000001 setting ";
         const QString setting = "info Setting ip config for device with old IP=192.168.1.9 to ";
@@ -237,10 +233,7 @@ private slots:
 
     void unicastFailuresKeepTheEdits_data()
     {
-        QTest::addColumn<Step>("breakIt");
-        QTest::addColumn<QString>("lastCall"); // so it is neither closed nor restarted
-        QTest::addColumn<QStringList>("dialogs");
-        QTest::addColumn<QStringList>("errors");
+        addColumns<Step, QString, QStringList, QStringList>("breakIt", "lastCall", "dialogs", "errors");
         const QString unicast = "unicastConfiguration";
         const QString nameError = "Could not update DeviceUserID.";
         QTest::newRow("name")

@@ -44,8 +44,7 @@ class TreeTest : public GuiTest
 private slots:
     void recordsAreMergedNamedAndJudged_data()
     {
-        QTest::addColumn<std::vector<sdk::Camera>>("cameras");
-        QTest::addColumn<QStringList>("records");
+        addColumns<std::vector<sdk::Camera>, QStringList>("cameras", "records");
         using Cameras = std::vector<sdk::Camera>;
         const auto heard = [](const char* mac, const char* by) { return camera("km-1", mac, by, by); };
         QTest::newRow("by three addresses of an adapter")
@@ -192,8 +191,7 @@ private slots:
 
     void hintsSayWhatIsTheMatter_data()
     {
-        QTest::addColumn<sdk::Camera>("camera");
-        QTest::addColumn<QString>("expected");
+        addColumns<sdk::Camera, QString>("camera", "expected");
         using namespace Tessal::Accessibility;
         const char* const lan0 = "192.168.1.5";
         const QString picture = "<p><img src=':/Lanvic/Resources/error.png'><br>";
@@ -282,10 +280,7 @@ private slots:
 
     void aStatusIsExplained_data()
     {
-        QTest::addColumn<sdk::Camera>("camera");
-        QTest::addColumn<QString>("status");
-        QTest::addColumn<QImage>("picture");
-        QTest::addColumn<QString>("explanation");
+        addColumns<sdk::Camera, QString, QImage, QString>("camera", "status", "picture", "explanation");
         using namespace Tessal;
         using namespace Tessal::Accessibility;
         const auto symbol = [](QStyle::StandardPixmap which) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "MainWnd.h"
+#include "support/columns.h"
 #include "support/trace.h"
 #include "wire/tapdevice.h"
 
