@@ -64,18 +64,14 @@ private slots:
             QTest::newRow(name) << change << isValid;
         };
         const Step rename = [this] { type("editCustomName", "belt"); };
-        const Step halfAddress = [this] { type("editIpAddress", "192.168.1."); };
         row("old name, which may become another", true, [=, this] { rename(), type("editCustomName", ""); });
         row("old name, and the field is left", false, [=, this] { rename(), enter("editCustomName", ""); });
-        row("half an address", false, halfAddress);
-        row("half an address, then DHCP", true, [=, this] { halfAddress(), clickOn("btnUseDhcp"); });
+        row("half an address", false, [this] { type("editIpAddress", "192.168.1."); });
         row("no gateway", true, [this] { type("editDefaultGateway", ""); });
         row("broadcast address", false, [this] { type("editIpAddress", "192.168.1.255"); });
         row("broadcast address as gateway", false, [this] { type("editDefaultGateway", "192.168.1.255"); });
-        row("larger network", true, [this] { type("editNetmask", "255.255.0.0"); });
         row("mask with a gap", false, [this] { enter("editNetmask", "255.0.255.0"); });
         row("length, still in the field", false, [this] { type("editNetmask", "16"); });
-        row("length, which becomes a mask", true, [this] { enter("editNetmask", "16"); });
     }
     void savingNeedsAValidChange()
     {
@@ -98,11 +94,8 @@ private slots:
             clickOn("btnUsePersistentIp");
             return addresses().join(' ');
         };
-        QCOMPARE(proposalOn("11.0.0.1/8"), "11. 255.0.0.0 ");
         QCOMPARE(proposalOn("11.16.0.1/12"), "11. 255.240.0.0 ");
         QCOMPARE(proposalOn("11.0.0.1/16"), "11.0. 255.255.0.0 ");
-        QCOMPARE(proposalOn("11.0.0.1/20"), "11.0. 255.255.240.0 ");
-        QCOMPARE(proposalOn("11.0.0.1/24"), "11.0.0. 255.255.255.0 ");
         QCOMPARE(proposalOn("11.0.0.1/25"), "11.0.0. 255.255.255.128 ");
         QCOMPARE(proposalOn("11.0.0.1/30"), "11.0.0. 255.255.255.252 ");
         QVERIFY(!canSave());

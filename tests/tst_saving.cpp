@@ -190,9 +190,6 @@ private slots:
         const QString setting = "info Setting ip config for device with old IP=192.168.1.9 to ";
         const QByteArray isStatic = "5";
         const QByteArray isDhcp = "6";
-        QTest::newRow("name") << isStatic << Step([this] { enter("editCustomName", "gate"); })
-                              << QStringList{send + "true, false, 192.168.1.9, 255.255.255.0, 0.0.0.0, gate)",
-                                             "SetValue(gate, true)"};
         QTest::newRow("static to DHCP")
             << isStatic << Step([this] { clickOn("btnUseDhcp"); })
             << QStringList{send + "false, true, 192.168.1.9, 255.255.255.0, 0.0.0.0, )",
