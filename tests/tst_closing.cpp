@@ -1,6 +1,5 @@
 #include "support/gui.h"
 
-#include <QAccessible>
 #include <QSignalSpy>
 
 using gui::click;
@@ -23,21 +22,19 @@ private slots:
     void everyWayAsksFirst_data()
     {
         // Two answers where the save fails.
-        addColumns<QString, Buttons, QStringList>("way", "answers", "state");
+        const auto row = addColumns<QString, Buttons, QStringList>("way", "answers", "state");
         using enum QMessageBox::StandardButton;
         const QStringList left{"current: lan0", "name: "};
         const QStringList saved = QStringList{"current: km-1", "name: belt"} + editorWithoutAddresses;
         const QStringList asBefore = QStringList{"current: km-1", "name: "} + editorWithAddresses;
-        QTest::newRow("row left, saved") << "another row" << Buttons{Yes} << left;
-        QTest::newRow("row left, not saved") << "another row" << Buttons{No} << left;
-        QTest::newRow("row left, save failed") << "another row" << Buttons{Yes, Close} << left;
-        QTest::newRow("refreshed, saved") << "refresh" << Buttons{Yes} << saved;
-        QTest::newRow("refreshed, not saved") << "refresh" << Buttons{No} << asBefore;
-        QTest::newRow("refresh cancelled") << "refresh" << Buttons{Yes, Close} << saved + pending;
-        QTest::newRow("closed, saved") << "close" << Buttons{Yes} << closed;
-        QTest::newRow("closed, not saved") << "close" << Buttons{No} << closed;
-        QTest::newRow("closed, save failed") << "close" << Buttons{Yes, Yes} << closed;
-        QTest::newRow("kept open") << "close" << Buttons{Yes, No} << asBefore + pending;
+        row("row left, saved", "another row", {Yes}, left);
+        row("row left, save failed", "another row", {Yes, Close}, left);
+        row("refreshed, saved", "refresh", {Yes}, saved);
+        row("refreshed, not saved", "refresh", {No}, asBefore);
+        row("refresh cancelled", "refresh", {Yes, Close}, saved + pending);
+        row("closed, saved", "close", {Yes}, closed);
+        row("closed, save failed", "close", {Yes, Yes}, closed);
+        row("kept open", "close", {Yes, No}, asBefore + pending);
     }
     void everyWayAsksFirst()
     {
@@ -73,18 +70,15 @@ private slots:
 
     void whatCanBeWrittenIsAskedAbout_data()
     {
-        addColumns<QString, QByteArray, QByteArray, QString, bool>("way", "mask", "field", "typed",
-                                                                   "isAsked");
-        const QByteArray classC = "255.255.255.0";
+        const auto row = addColumns<QString, QByteArray, QByteArray, QString, bool>("way", "mask", "field",
+                                                                                    "typed", "isAsked");
+        const char* const classC = "255.255.255.0";
         for (const QByteArray way : {"another row", "another row, by a screen reader", "refresh", "close"}) {
-            QTest::newRow("half an address, " + way)
-                << QString(way) << classC << QByteArray("editIpAddress") << "192.168.1" << false;
-            QTest::newRow("an address, to which the mask is added, " + way)
-                << QString(way) << QByteArray() << QByteArray("editIpAddress") << "192.168.1.77" << true;
-            QTest::newRow("the same name, " + way)
-                << QString(way) << classC << QByteArray("editCustomName") << "Gate" << false;
-            QTest::newRow("a length, which becomes a mask, " + way)
-                << QString(way) << classC << QByteArray("editNetmask") << "16" << true;
+            row("half an address, " + way, way, classC, "editIpAddress", "192.168.1", false);
+            row("an address, to which the mask is added, " + way, way, "", "editIpAddress", "192.168.1.77",
+                true);
+            row("the same name, " + way, way, classC, "editCustomName", "Gate", false);
+            row("a length, which becomes a mask, " + way, way, classC, "editNetmask", "16", true);
         }
     }
     void whatCanBeWrittenIsAskedAbout()

@@ -45,22 +45,16 @@ bool isReachable(const Camera& camera)
 
 void move(Camera& camera, Text ip, Text mask, Text gateway)
 {
-    if (!camera.keepsConfiguration) {
-        return;
-    }
     camera.record.SetIpAddress(ip);
     camera.record.SetSubnetMask(mask);
     camera.record.SetDefaultGateway(gateway);
-    camera.record.SetAddress(ip + ":" + camera.record.GetPortNr());
 }
 
 void setMode(Camera& camera, bool persistent, bool dhcp)
 {
     const unsigned int mode = Tessal::IpConfig::LinkLocal | (persistent ? Tessal::IpConfig::Persistent : 0U) |
                               (dhcp ? Tessal::IpConfig::Dhcp : 0U);
-    if (camera.keepsConfiguration) {
-        camera.record.SetIpConfigCurrent(std::to_string(mode));
-    }
+    camera.record.SetIpConfigCurrent(std::to_string(mode));
 }
 
 /// Runs `action` on every appearance of that camera.
@@ -271,7 +265,6 @@ Camera camera(const char* model, const char* mac, const char* ip, const char* in
                             {"SerialNumber", "000001"},
                             {"FriendlyName", model},
                             {"Interface", interface},
-                            {"PortNr", "3956"},
                             {"UserDefinedName", ""},
                             {"IpConfigCurrent", "5"}});
     move(made, ip, "255.255.255.0", "0.0.0.0");

@@ -25,8 +25,7 @@ struct Camera
     bool knowsBroadcast = true;                    // the manufacturer's broadcast command
     bool comesBack = true;                         // is heard again after a restart or a forced address
     bool hasNodeMap = true;
-    bool keepsConfiguration = true; // takes up the mode and addresses that it is given
-    bool silent = false;            // away since a restart, because it does not come back
+    bool silent = false; // away since a restart, because it does not come back
 };
 
 /// A camera in static mode, with that model, MAC and address, heard by the host address `interface`.

@@ -5,7 +5,6 @@
 #include <QMenu>
 #include <QNetworkInterface>
 #include <QProcess>
-#include <QSettings>
 #include <QTemporaryDir>
 
 #include <algorithm>
@@ -156,16 +155,21 @@ void WindowTest::cleanup()
     QCOMPARE(cursorDepth(), 0);
 }
 
+QString WindowTest::columnsOf(const QTreeWidgetItem& item)
+{
+    QStringList columns;
+    for (int column = 0; column < item.columnCount(); ++column) {
+        columns << item.text(column);
+    }
+    return columns.join('|');
+}
+
 QStringList WindowTest::rows()
 {
     QStringList lines;
     for (QTreeWidgetItemIterator item(&tree()); *item != nullptr; ++item) {
-        QStringList columns;
-        for (int column = 0; column < ((*item)->isFirstColumnSpanned() ? 1 : tree().columnCount());
-             ++column) {
-            columns << (*item)->text(column);
-        }
-        lines << ((*item)->parent() != nullptr ? "  " : "") + columns.join('|');
+        lines << ((*item)->parent() != nullptr ? "  " : "") +
+                     ((*item)->isFirstColumnSpanned() ? (*item)->text(0) : columnsOf(**item));
     }
     return lines;
 }

@@ -107,7 +107,9 @@ protected:
         return gui::child<T>(*m_window, name);
     }
     QTreeWidget& tree() { return child<QTreeWidget>("treeWidget"); }
-    /// Every row in order: an adapter by its name, a camera by its columns joined with "|".
+    /// The texts of a row, joined with "|".
+    static QString columnsOf(const QTreeWidgetItem& item);
+    /// Every row in order: an adapter by its name, a camera by its columns.
     QStringList rows();
     /// The row with that text in its first column, or in its MAC column.
     QTreeWidgetItem& row(const QString& text);
