@@ -1,7 +1,5 @@
 #include "support/gui.h"
 
-#include "qtbase/helpandsupport.h"
-
 #include <QClipboard>
 #include <QDesktopServices>
 #include <QHeaderView>
