@@ -17,9 +17,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// A camera that is heard sooner may not have restarted yet, unless its address tells that it has.
+// A camera found sooner may not have restarted yet, unless its new address proves that it has.
 constexpr auto restartsWithin = 2s;
-// After this time, what a camera reports is what it has made of its restart.
+// After this time, what a camera reports is the final result of its restart.
 constexpr auto settlesWithin = 10s;
 // Between searches that bring nothing new, so that the network is not filled with questions.
 constexpr auto pause = 500ms;
@@ -29,7 +29,7 @@ QByteArray ascii(net::Ipv4 address)
     return net::formatIpv4(address).c_str();
 }
 
-/// What the camera reports otherwise than it was asked, in one line; empty if nothing.
+/// The values that differ from what was requested, in one line; empty if there are none.
 QString deviations(const Change& change, const Tessal::COrvikGigEDeviceInfo& reported)
 {
     const Wanted& wanted = change.wanted;
@@ -91,7 +91,7 @@ void Apply::run()
     finishWaiting();
 }
 
-/// Moves cameras out of the way that others wait for.
+/// Gives temporary addresses to cameras whose present addresses others need.
 void Apply::makeRoom()
 {
     for (Job& job : m_jobs) {
@@ -108,7 +108,7 @@ void Apply::makeRoom()
     }
 }
 
-/// Begins all that need not wait. Returns whether there was one.
+/// Starts every job that need not wait. Returns whether there was one.
 bool Apply::beginReady()
 {
     bool hasBegun = false;
@@ -148,7 +148,7 @@ void Apply::look()
     try {
         m_lister.discoverAllDevices();
     } catch (const std::exception& exception) {
-        // As without adapters; what is under way is told nevertheless.
+        // Counts as a search that found nothing; the cameras in progress are still reported.
         m_lister.m_devices.clear();
         m_searchFailure = sentenceOf(exception);
     }
@@ -184,7 +184,7 @@ void Apply::judge(Job& job, const Tessal::COrvikGigEDeviceInfo* found)
     }
 }
 
-/// What is left could not be begun.
+/// Reports the jobs that could not be started.
 void Apply::finishWaiting()
 {
     for (Job& job : m_jobs) {

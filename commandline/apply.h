@@ -12,12 +12,12 @@ namespace cli {
 
 enum class Outcome { AsPlanned, Done, Failed, NotBegun };
 
-/// What carrying out a plan tells and is told meanwhile.
+/// Callbacks for the progress of a plan, and for its interruption.
 struct ApplyHooks
 {
     std::function<void(const Camera&, Outcome, const QString& text)> finished;
     std::function<void(int finished, int restarting, int all)> progressed;
-    std::function<bool()> isInterrupted; // No further camera is begun then.
+    std::function<bool()> isInterrupted; // If true, no further camera is started.
 };
 
 /// Carries changes out: writes those that wait for no other camera's address, has the cameras restart side by
@@ -31,7 +31,7 @@ public:
     Apply(DeviceLister& lister, const std::vector<Change>& changes, ApplyHooks hooks,
           std::chrono::seconds patience);
 
-    /// Until each camera has been told as finished.
+    /// Returns when every camera has been reported as finished.
     void run();
 
 private:

@@ -17,7 +17,7 @@ bool givesAddress(const Wanted& wanted)
     return wanted.mode == Mode::Static || wanted.mode == Mode::Temporary;
 }
 
-/// What of `wanted` the camera does not report already.
+/// The part of `wanted` that the camera does not report yet.
 Change changeOf(const Camera& camera, const Wanted& wanted)
 {
     Change change{.camera = camera, .wanted = wanted};
@@ -26,16 +26,16 @@ Change changeOf(const Camera& camera, const Wanted& wanted)
     change.writesAddresses =
         givesAddress(wanted) && (change.writesMode || wanted.address != camera.address ||
                                  wanted.mask != camera.mask || wanted.gateway != camera.gateway);
-    if (wanted.mode == Mode::AutoIp && !isLinkLocal(camera.address)) { // Told so, and not restarted since.
+    if (wanted.mode == Mode::AutoIp && !isLinkLocal(camera.address)) { // Set, but not restarted since.
         change.writesMode = true;
     }
-    // A list shows characters that steer the display as others.
+    // A list replaces control characters; a name copied from it is not a change.
     change.writesName =
         wanted.name && *wanted.name != camera.name && *wanted.name != displayText(camera.name);
     return change;
 }
 
-/// Whether it speaks of the network as it is, and not of what no camera can have.
+/// Whether --force overrides the advice: it concerns the present network, not an impossible address.
 bool canBeForced(advice::Kind kind)
 {
     using enum advice::Kind;
@@ -52,8 +52,8 @@ Column columnOf(advice::Field field)
     return field == advice::Field::Gateway ? Column::Gateway : Column::Address;
 }
 
-/// Chooses the cameras that have to make room: where cameras wait for each other's addresses in a circle,
-/// one; and one in a few where many wait in a row, or each would restart alone.
+/// Chooses the cameras that give up their addresses first: one in each cycle of cameras that wait for each
+/// other's addresses, and every few cameras in a long chain, which would otherwise restart one by one.
 void chooseRoomMakers(std::vector<Change>& changes)
 {
     constexpr int inARow = 4;
@@ -103,7 +103,7 @@ public:
 
     CheckedPlan check()
     {
-        for (const Change& change : m_checked.changes) { // Advice is on the cameras where they will be.
+        for (const Change& change : m_checked.changes) { // Advice assumes the planned addresses.
             for (advice::Camera& camera : m_surroundings.cameras) {
                 camera.address = camera.mac == change.camera.mac ? change.destination() : camera.address;
             }
@@ -143,7 +143,7 @@ private:
             found = found ? found : camera;
         }
         if (!found && row.mac && row.wanted.mode == Mode::Temporary) {
-            return Camera{.mac = *row.mac}; // Which may hear this although it was not heard.
+            return Camera{.mac = *row.mac}; // It may receive the command although no search found it.
         }
         if (!found) {
             report(place, QStringLiteral("no camera was found that has ") + what, true);
@@ -151,7 +151,7 @@ private:
             report(row.places.at(Column::Serial),
                    QStringLiteral("the camera %1 has the serial number %2").arg(text(*found), found->serial));
         } else if (m_lines.contains(found->mac)) {
-            report(place, QStringLiteral("line %1 means the same camera").arg(m_lines.at(found->mac)));
+            report(place, QStringLiteral("line %1 refers to the same camera").arg(m_lines.at(found->mac)));
         } else {
             return found;
         }
@@ -197,7 +197,7 @@ private:
             if (change.makesRoom && !change.temporary) {
                 report(m_rows[i]->places.at(Column::Address),
                        QStringLiteral(
-                           "cameras wait for each other's addresses, and none is free for the time between"));
+                           "cameras wait for each other's addresses, and no temporary address is free"));
             }
         }
     }
@@ -268,7 +268,7 @@ QString text(const Change& change)
                                        : text(wanted.mode));
     }
     if (change.makesRoom && change.temporary) {
-        parts += QStringLiteral("for a while ") + text(change.temporary->address);
+        parts += QStringLiteral("temporarily ") + text(change.temporary->address);
     }
     if (change.writesName) {
         parts +=

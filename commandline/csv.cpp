@@ -69,7 +69,7 @@ private:
             const char character = take();
             if (character == quote && peek() != quote) {
                 return atFieldEnd() ? std::nullopt
-                                    : std::optional(CsvError{m_place, "text behind a closing quote"});
+                                    : std::optional(CsvError{m_place, "text after a closing quote"});
             }
             if (character == quote) {
                 take();

@@ -30,7 +30,7 @@ void catchInterrupts()
     std::signal(SIGPIPE, SIG_IGN); // A reader that has gone must not end a plan in its middle.
 }
 
-/// Tells what hinders searches. Returns whether there is an adapter that could be searched through.
+/// Reports what impairs searches. Returns whether at least one adapter can be searched.
 bool reportObstacles(const Network& network)
 {
     using enum Tessal::Obstacle;
@@ -42,12 +42,12 @@ bool reportObstacles(const Network& network)
         }
     }
     if (network.surroundings.adapters.empty()) {
-        complain(QStringLiteral("no network adapter is up, connected and has an address"));
+        complain(QStringLiteral("no network adapter that is up and connected has an address"));
     }
     return network.surroundings.adapters.size() > useless;
 }
 
-/// Returns whether nothing of it forbids to go on. `file` is that of the plan.
+/// Reports the findings and returns whether they allow the operation to continue. `file` is the plan.
 bool reportFindings(const std::vector<Finding>& findings, const QString& file, bool isForced)
 {
     for (const Finding& finding : findings) {
@@ -57,7 +57,7 @@ bool reportFindings(const std::vector<Finding>& findings, const QString& file, b
     }
     const bool canBeForced = std::ranges::all_of(findings, &Finding::canBeForced);
     if (canBeForced && !isForced && !findings.empty()) {
-        complain(QStringLiteral("nothing was changed; --force goes on nevertheless"));
+        complain(QStringLiteral("nothing was changed; use --force to continue anyway"));
     }
     return findings.empty() || (canBeForced && isForced);
 }
@@ -97,7 +97,7 @@ int set(DeviceLister& lister, const Network& network, const Options& options)
 {
     const std::vector<Camera> meant = camerasMeantBy(options.operand, network.cameras);
     for (const Camera& camera : meant.size() > 1 ? meant : std::vector<Camera>()) {
-        complain(QStringLiteral("\"%1\" can mean %2").arg(options.operand, text(camera)));
+        complain(QStringLiteral("\"%1\" is ambiguous: it could be %2").arg(options.operand, text(camera)));
     }
     if (meant.size() > 1) {
         return Exit::WrongUsage;
@@ -121,7 +121,7 @@ int set(DeviceLister& lister, const Network& network, const Options& options)
     return reportFindings(findings, {}, false) ? carryOut(lister, network, {row}, options) : Exit::WrongUsage;
 }
 
-/// None if it cannot be read, or is wrong; that has been told then.
+/// Returns nullopt, after reporting why, if the plan cannot be read or is invalid.
 std::optional<std::vector<PlanRow>> readPlan(const QString& name)
 {
     QFile file(name);
@@ -164,7 +164,7 @@ int run(const Options& options)
 int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
-    // What matters of the trace is said in the program's own words.
+    // The program itself reports what matters, so the trace is off unless QT_LOGGING_RULES turns it on.
     QLoggingCategory::setFilterRules(QStringLiteral("Lanvic.*=false"));
     const auto options = cli::parseOptions(QCoreApplication::arguments());
     if (const int* const status = std::get_if<int>(&options)) {

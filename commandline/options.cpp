@@ -30,7 +30,7 @@ address that one camera has. PLAN.csv is written as by "list --csv"; "-" is stan
   -h, --help             this text
   -v, --version          the version
 
-Exit status: 0 done, 1 a camera failed, 2 wrong usage or plan, 3 nothing could be asked.
+Exit status: 0 done, 1 a camera failed, 2 wrong usage or plan, 3 no search was possible.
 )";
 
 int refuse(const QString& text)
@@ -77,7 +77,7 @@ QString readSetting(const QCommandLineParser& parser, Options& options)
     options.setsName = parser.isSet("name");
     if (modes > 1 || (options.setsName && parser.isSet("temporary"))) {
         return QStringLiteral(
-            "--static, --dhcp, --auto-ip and --temporary exclude each other, and the last --name");
+            "--static, --dhcp, --auto-ip and --temporary exclude each other; --temporary excludes --name");
     }
     if (parser.isSet("gateway") && options.fields[Column::Address].isEmpty()) {
         return QStringLiteral("--gateway goes with --static or --temporary");
@@ -110,7 +110,7 @@ std::variant<Options, int> readOptions(const QCommandLineParser& parser, const Q
         bool isNumber = false;
         options.patience = std::chrono::seconds(parser.value("timeout").toUShort(&isNumber));
         if (!isNumber) {
-            return refuse(QStringLiteral("\"%1\" is no number of seconds").arg(parser.value("timeout")));
+            return refuse(QStringLiteral("\"%1\" is not a number of seconds").arg(parser.value("timeout")));
         }
     }
     const QString wrong = options.command == Set ? readSetting(parser, options) : QString();

@@ -29,8 +29,8 @@ struct Options
     std::chrono::seconds patience{60};
 };
 
-/// What the arguments ask for. Where that is help, or they are wrong, that is answered here, and what comes
-/// is the exit status.
+/// Parses the arguments. If they request help or are invalid, prints the answer and returns the exit status
+/// instead.
 [[nodiscard]] std::variant<Options, int> parseOptions(const QStringList& arguments);
 
 } // namespace cli

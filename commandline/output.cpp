@@ -213,15 +213,16 @@ void Progress::finished(const Camera& camera, Outcome outcome, const QString& te
     clearLine();
     const QString who = cli::text(camera);
     if (outcome == Outcome::Failed || outcome == Outcome::NotBegun) {
-        complain(who +
-                 (outcome == Outcome::Failed ? QLatin1String(": failed: ") : QLatin1String(": not begun: ")) +
-                 text);
+        complain(
+            who +
+            (outcome == Outcome::Failed ? QLatin1String(": failed: ") : QLatin1String(": not started: ")) +
+            text);
         return;
     }
     const QString line =
         who + (outcome == Outcome::Done ? QLatin1String(": done: ") + text : QLatin1String(": as planned"));
     if (isTerminal()) {
-        m_untold += line;
+        m_deferredLines += line;
     } else {
         write(line + QLatin1Char('\n'));
     }
@@ -233,10 +234,10 @@ bool Progress::close()
     const int failed = m_counts[Outcome::Failed];
     const int notBegun = m_counts[Outcome::NotBegun];
     const bool isAllDone = failed + notBegun == 0;
-    for (const QString& line : isAllDone&& m_untold.size() > 1 ? QStringList() : m_untold) {
+    for (const QString& line : isAllDone&& m_deferredLines.size() > 1 ? QStringList() : m_deferredLines) {
         write(line + QLatin1Char('\n'));
     }
-    write(QStringLiteral("%1 done, %2 as planned already, %3 failed, %4 not begun\n")
+    write(QStringLiteral("%1 done, %2 already as planned, %3 failed, %4 not started\n")
               .arg(m_counts[Outcome::Done])
               .arg(m_counts[Outcome::AsPlanned])
               .arg(failed)

@@ -18,14 +18,14 @@ enum class Format { Table, Json, Csv };
 /// What was found: for people, in lines as wide as `width` at most, 0 for any; or for programs.
 [[nodiscard]] QString formatList(const Network& network, Format format, int width);
 
-/// Tells how a plan is carried out: a line for each camera, or, on a terminal, one line of counts that
+/// Reports the progress of a plan: a line for each camera, or, on a terminal, one line of counts that
 /// changes and the cameras that failed.
 class Progress
 {
 public:
     void show(int finished, int restarting, int all);
     void finished(const Camera& camera, Outcome outcome, const QString& text);
-    /// The closing line; before it, where some cameras are not done, those that are, if they were not told.
+    /// Writes the summary; if some cameras are not done, first the lines held back for those that are.
     /// Returns whether all are done.
     bool close();
 
@@ -33,7 +33,7 @@ private:
     void clearLine();
 
     bool m_hasLine = false;
-    QStringList m_untold;
+    QStringList m_deferredLines;
     std::map<Outcome, int> m_counts;
 };
 

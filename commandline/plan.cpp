@@ -77,7 +77,7 @@ Mode parseMode(const std::map<Column, QString>& fields, Place place, std::vector
     const auto* const found = std::ranges::find_if(modes, [&](Mode one) { return mode == text(one); });
     if (found == modes.end()) {
         findings.push_back(
-            {place, QStringLiteral("\"%1\" is no mode: static, dhcp, auto-ip or temporary").arg(mode)});
+            {place, QStringLiteral("\"%1\" is not a mode: static, dhcp, auto-ip or temporary").arg(mode)});
         return Unknown;
     }
     return *found;
@@ -124,11 +124,11 @@ PlanRow parseRow(const std::map<Column, QString>& fields, std::map<Column, Place
                 .places = std::move(places)};
     if (!row.mac && !fields.at(Column::Mac).isEmpty()) {
         findings.push_back({row.places.at(Column::Mac),
-                            QStringLiteral("\"%1\" is no MAC address").arg(fields.at(Column::Mac))});
+                            QStringLiteral("\"%1\" is not a MAC address").arg(fields.at(Column::Mac))});
     } else if (!row.mac && row.serial.isEmpty()) {
         findings.push_back(
             {row.places.at(Column::Mac),
-             QStringLiteral("neither MAC address nor serial number says which camera is meant")});
+             QStringLiteral("a MAC address or a serial number is needed to identify the camera")});
     }
     row.wanted.mode = parseMode(fields, row.places.at(Column::Mode), findings);
     if (row.wanted.mode == Mode::Static || row.wanted.mode == Mode::Temporary) {

@@ -16,7 +16,7 @@ struct Finding
 {
     Place place;
     QString text;
-    bool canBeForced = false; // It is possible, but hardly meant as the network is.
+    bool canBeForced = false; // Possible, but probably a mistake in the present network.
 };
 
 /// What one camera is to become.
@@ -80,7 +80,7 @@ struct CheckedPlan
     std::vector<Finding> findings;
 };
 
-/// Holds what was read against what was found.
+/// Checks what was read against what was found.
 [[nodiscard]] CheckedPlan checkPlan(const std::vector<PlanRow>& rows, const Network& network);
 
 /// "static 192.168.10.21/24 -> static 192.168.10.22/24": what the change does.

@@ -54,9 +54,9 @@ private slots:
         QCOMPARE(rowsOfMenus, (QStringList{"km-1", "km-1"}));
 
         IpAddressWidget dialog(m_window.get());
-        QCOMPARE(gui::letters(*m_window->centralWidget(), child<QMenuBar>("menuBar").actions()),
+        QCOMPARE(gui::mnemonics(*m_window->centralWidget(), child<QMenuBar>("menuBar").actions()),
                  "?ADFGIMSTUV");
-        QCOMPARE(gui::letters(dialog), "AGIM");
+        QCOMPARE(gui::mnemonics(dialog), "AGIM");
         dialog.setShowMacAddress(true);
         for (QWidget* const widget : m_window->findChildren<QWidget*>()) {
             if ((widget->focusPolicy() & Qt::TabFocus) != 0) {

@@ -34,7 +34,7 @@ class AdviceTest : public QObject
     Q_OBJECT
 
 private slots:
-    void whatCannotWorkIsTold_data()
+    void unusableEntriesGetAdvice_data()
     {
         QTest::addColumn<Purpose>("purpose");
         QTest::addColumn<QString>("address");
@@ -92,7 +92,7 @@ private slots:
         row("left over, taken", "192.168.10.1", "255.", "1", {}, Purpose::LeftOver);
     }
 
-    void whatCannotWorkIsTold()
+    void unusableEntriesGetAdvice()
     {
         QFETCH(const Purpose, purpose);
         QFETCH(const QString, address);

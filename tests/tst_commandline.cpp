@@ -44,7 +44,7 @@ class CommandLineTest : public QObject
     }
 
 private slots:
-    void aWrongPlanIsToldWithItsPlace_data()
+    void planErrorsNameLineAndColumn_data()
     {
         QTest::addColumn<QByteArray>("lines"); // Below the names of the columns.
         QTest::addColumn<QStringList>("findings");
@@ -56,21 +56,23 @@ private slots:
         row("lines that cannot be read",
             "020000000001,static\n,,dhcp,,,,\n0200,,bootp,,,,\n020000000001,,,192.168.10,25.0,x,Förderband Nr. 12",
             {"2:14 the line has 2 fields, the first line has 7",
-             "3:1 neither MAC address nor serial number says which camera is meant",
-             "4:1 \"0200\" is no MAC address", "4:7 \"bootp\" is no mode: static, dhcp, auto-ip or temporary",
+             "3:1 a MAC address or a serial number is needed to identify the camera",
+             "4:1 \"0200\" is not a MAC address",
+             "4:7 \"bootp\" is not a mode: static, dhcp, auto-ip or temporary",
              "5:16 \"192.168.10\": an IP address is needed, such as 192.168.10.21",
              "5:27 \"25.0\": a mask is needed, such as 255.255.255.0 or /24",
              "5:32 \"x\": a gateway is an IP address, or left out", "5:34 the name is longer than 16 bytes"});
         row("a quote that is never closed", "\n\n020000000001,,dhcp,,,,\n\"ä\",\"",
             {"5:5 a quote that is never closed"});
-        row("text behind a quote", "\"ä\"b", {"2:4 text behind a closing quote"});
+        row("text after a quote", "\"ä\"b", {"2:4 text after a closing quote"});
         row("a quote in the middle", "a\"b\"",
             {"2:2 a quote inside of a field that does not begin with one"});
         row("a missing camera", "0200000000AA,,dhcp,,,,",
             {"2:1 no camera was found that has the MAC address 02:00:00:00:00:AA"});
         row("another serial number", "020000000001,2,dhcp,,,,",
             {"2:14 the camera 02:00:00:00:00:01 (camera 1) has the serial number 1"});
-        row("a camera twice", "020000000001,,dhcp,,,,\n,1,auto-ip,,,,", {"3:2 line 2 means the same camera"});
+        row("a camera twice", "020000000001,,dhcp,,,,\n,1,auto-ip,,,,",
+            {"3:2 line 2 refers to the same camera"});
         const QString taken(
             " is the address of another camera: MAC address 02:00:00:00:00:0%1. With the same "
             "address, neither can be reached reliably.");
@@ -85,7 +87,7 @@ private slots:
              "2:21 The gateway 10.0.0.1 is not in the camera's network. Leave the field empty if there is no router."});
     }
 
-    void aWrongPlanIsToldWithItsPlace()
+    void planErrorsNameLineAndColumn()
     {
         QFETCH(QByteArray, lines);
         Plan plan = parsePlan("mac,serial,mode,address,mask,gateway,name\n" + lines);
@@ -151,7 +153,7 @@ private slots:
         }
     }
 
-    void aCameraIsMeantByWhatItAloneHas()
+    void anAmbiguousOperandMatchesSeveralCameras()
     {
         QCOMPARE(camerasMeantBy("02-00-00-00-00-03", bench().cameras).size(), 1U);
         QCOMPARE(camerasMeantBy("camera 3", bench().cameras).size(), 1U);

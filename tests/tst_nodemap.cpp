@@ -166,7 +166,7 @@ private slots:
         checkUse(whyNot);
     }
 
-    void aFileIsUsedUnlessItIsTooMuch_data()
+    void aFileIsUsedUnlessItIsTooLarge_data()
     {
         QTest::addColumn<QByteArray>("file");
         QTest::addColumn<QByteArray>("name");
@@ -200,7 +200,7 @@ private slots:
             "which does not exist");
     }
 
-    void aFileIsUsedUnlessItIsTooMuch()
+    void aFileIsUsedUnlessItIsTooLarge()
     {
         QFETCH(const QByteArray, file);
         QFETCH(const QByteArray, name);

@@ -63,7 +63,7 @@ private slots:
         QCOMPARE(takeDebug().filter("unicast"), QStringList());
     }
 
-    void aCameraThatReportsSomethingElseIsToldOf_data()
+    void aCameraThatReportsOtherValuesCausesAWarning_data()
     {
         const auto row = addColumns<QString>("way"); // of leaving, if not saved by the button
         row("saved by the button", "");
@@ -71,7 +71,7 @@ private slots:
         row("saved when the row is left", "another row");
         row("saved when the window is closed", "close");
     }
-    void aCameraThatReportsSomethingElseIsToldOf()
+    void aCameraThatReportsOtherValuesCausesAWarning()
     {
         QFETCH(const QString, way);
         edit();

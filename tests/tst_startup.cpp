@@ -62,10 +62,10 @@ class StartupTest : public QObject
     {
         const auto& tree = gui::child<QTreeWidget>(window, "treeWidget");
         const auto bar = gui::child<QMenuBar>(window, "menuBar").actions();
-        QStringList letters{gui::letters(gui::child<QWidget>(window, "IpConfigurationWidgetClass"), bar),
-                            gui::letters(IpAddressWidget(&window))};
+        QStringList letters{gui::mnemonics(gui::child<QWidget>(window, "IpConfigurationWidgetClass"), bar),
+                            gui::mnemonics(IpAddressWidget(&window))};
         for (const QAction* const menu : bar) {
-            letters << gui::letters(*menu->menu(), menu->menu()->actions());
+            letters << gui::mnemonics(*menu->menu(), menu->menu()->actions());
         }
         const QString entry = SOURCES "/packaging/" + QGuiApplication::desktopFileName() + ".desktop";
         return {window.windowTitle(),
@@ -136,7 +136,7 @@ private slots:
         QCOMPARE(sdk::world().take(), QStringList{"TessalInitialize()"});
     }
 
-    void theFirstLanguageThatItKnowsIsSpoken()
+    void theFirstSupportedLanguageIsSelected()
     {
         QCOMPARE(selectLanguage({"fr-FR", "fr", "de-DE"}), "de");
         QCOMPARE(selectLanguage({"en-GB", "en", "de-DE"}), "en");

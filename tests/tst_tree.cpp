@@ -166,7 +166,7 @@ private slots:
                 block.arg("172.16.3.4", "255.255.240.0") + block.arg("10.0.0.1", "255.255.0.0") + "</table>");
     }
 
-    void hintsSayWhatIsTheMatter_data()
+    void hintsExplainProblems_data()
     {
         const auto row = addColumns<sdk::Camera, QString>("camera", "expected");
         using namespace Tessal::Accessibility;
@@ -193,7 +193,7 @@ private slots:
             gone + "<p>Possible addresses are:<br>169.254.1.0 - 169.254.254.255<br></p>");
         row("out of reach of no adapter", found(NotReachable, "9.9.9.9"), gone);
     }
-    void hintsSayWhatIsTheMatter()
+    void hintsExplainProblems()
     {
         QFETCH(const sdk::Camera, camera);
         QFETCH(const QString, expected);

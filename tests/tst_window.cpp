@@ -21,7 +21,7 @@ QString wrappedHelpFilePath()
     return helpFile;
 }
 
-/// Menus and their commands, what is kept between runs, and texts that mean no good.
+/// Menus and their commands, what is kept between runs, and malicious texts.
 class WindowTest : public gui::GuiTest
 {
     Q_OBJECT

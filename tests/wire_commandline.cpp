@@ -75,7 +75,7 @@ private slots:
     void aPlanIsCarriedOutOnce()
     {
         QCOMPARE(run({}), 1);
-        QCOMPARE(m_lines.last(), "61 done, 0 as planned already, 3 failed, 0 not begun");
+        QCOMPARE(m_lines.last(), "61 done, 0 already as planned, 3 failed, 0 not started");
         m_errors.sort();
         QCOMPARE(
             m_errors,
@@ -99,12 +99,12 @@ private slots:
 
         QCOMPARE(run({}), 2); // One camera is missing now.
         QCOMPARE(run({"--force"}), 1);
-        QCOMPARE(m_lines.last(), "0 done, 61 as planned already, 2 failed, 0 not begun");
+        QCOMPARE(m_lines.last(), "0 done, 61 already as planned, 2 failed, 0 not started");
         const QStringList events = m_simulator->takeEvents();
         QCOMPARE(events, events.filter("camera=stubborn "));
     }
 
-    void whatWasBegunIsFinishedByAnotherRun()
+    void anInterruptedPlanIsCompletedByAnotherRun()
     {
         for (const auto& [ending, camera] : {std::pair{SIGKILL, "line-9 "}, {SIGINT, "line-19 "}}) {
             QProcess program;
@@ -117,7 +117,7 @@ private slots:
         }
         QVERIFY2(m_lines.join('\n').contains("02:5E:41:00:00:13 (km-1300): done"),
                  qPrintable(m_lines.join('\n')));
-        QVERIFY2(!m_lines.last().endsWith(" 0 not begun"), qPrintable(m_lines.last()));
+        QVERIFY2(!m_lines.last().endsWith(" 0 not started"), qPrintable(m_lines.last()));
         QCOMPARE(run({}), 1);
         QCOMPARE(m_errors.size(), 3);
         QCOMPARE(addresses(), m_wanted);

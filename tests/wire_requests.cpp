@@ -178,7 +178,7 @@ private slots:
         QTEST(failureOf([&] { configure(); }), "told");
     }
 
-    void whatElseTheModeHoldsSurvives()
+    void otherBitsOfTheModeArePreserved()
     {
         start({{"togglesPause", true},
                {"supported", QJsonArray{"persistent", "dhcp", "pause-reception", "pause-generation"}},

@@ -46,7 +46,7 @@ class WireWindowTest : public WireTest
     }
 
 private slots:
-    void everyCameraSaysWhatIsTheMatterWithIt()
+    void everyCameraShowsStatusAndHint()
     {
         start("demo");
         m_controlled = {"watched", "taken"};

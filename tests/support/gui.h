@@ -82,7 +82,7 @@ protected:
         enabled.sort();
         return enabled;
     }
-    /// Makes the nth call of that name fail, by a std::runtime_error or by something unheard of.
+    /// Makes the nth call of that name throw a std::runtime_error, or an int unless `isStandard`.
     void failAt(const char* call, int nth = 1, bool isStandard = true)
     {
         m_world.at[call] = [=, calls = 0]() mutable {

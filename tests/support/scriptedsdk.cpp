@@ -27,7 +27,7 @@ QString text(const Tessal::AccessModeSet& modes)
     return modes == (Stream | Control | Event) ? "1+3+4" : modes == Control ? "1" : "others";
 }
 
-/// Writes a call down and lets the world's script act.
+/// Records a call and runs the script that the world has for it.
 template <typename... Arguments>
 void call(const char* name, const Arguments&... arguments)
 {
@@ -307,7 +307,7 @@ void TessalTerminate(bool shutDownLogging)
 
 } // namespace Tessal
 
-/// Takes the place of the C library's: written down, never slept.
+/// Replaces the C library's: records the call and returns at once.
 extern "C" unsigned int sleep(unsigned int seconds)
 {
     sdk::call("sleep", GenICam::gcstring(std::to_string(seconds)));

@@ -12,8 +12,8 @@
 #include <utility>
 #include <vector>
 
-/// The camera SDK as a play: cameras in memory that refuse, vanish, and take a name or a temporary address,
-/// and a journal of what was asked of them. Nothing here knows a socket.
+/// A fake camera SDK: cameras in memory that refuse, vanish, and take a name or a temporary address,
+/// and a journal of the calls. It uses no sockets.
 namespace sdk {
 
 /// A camera as one host address hears it; the same MAC may stand in the world more than once. It is reachable

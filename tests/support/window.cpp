@@ -84,7 +84,7 @@ int cursorDepth()
     return static_cast<int>(stack.size());
 }
 
-QString letters(const QWidget& window, const QList<QAction*>& actions)
+QString mnemonics(const QWidget& window, const QList<QAction*>& actions)
 {
     QString found;
     const auto add = [&found](const auto& labelled) {

@@ -51,9 +51,9 @@ T& child(QWidget& parent, const char* name)
     return *found;
 }
 
-/// The letters that work with Alt in a window, and those of menus, in order: what has two meanings comes
+/// The mnemonics of a window and of its menus, in order; an ambiguous one comes
 /// twice.
-[[nodiscard]] QString letters(const QWidget& window, const QList<QAction*>& actions = {});
+[[nodiscard]] QString mnemonics(const QWidget& window, const QList<QAction*>& actions = {});
 
 /// What a user does with a dialog or menu that came up.
 using Answer = std::function<void(QWidget&)>;
