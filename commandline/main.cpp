@@ -2,6 +2,7 @@
 #include "options.h"
 #include "writer.h"
 
+#include "qtbase/formatting.h"
 #include "tessal/searchreport.h"
 
 #include <QCoreApplication>
@@ -10,6 +11,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <set>
 
 namespace cli {
 
@@ -33,18 +35,21 @@ void catchInterrupts()
 /// Reports what impairs searches. Returns whether at least one adapter can be searched.
 bool reportObstacles(const Network& network)
 {
-    using enum Tessal::Obstacle;
-    std::size_t useless = 0;
+    std::set<QString> silent; // Nothing could be sent through them.
     if (const auto* const report = dynamic_cast<const Tessal::ISearchReport*>(DeviceLister::s_pTl)) {
         for (const Tessal::AdapterObstacle& obstacle : report->GetObstacles()) {
             complain(QString::fromStdString(Tessal::describeObstacle(obstacle)));
-            useless += obstacle.kind == NoIpv4Address || obstacle.kind == CannotSend ? 1 : 0;
+            if (obstacle.kind == Tessal::Obstacle::CannotSend) {
+                silent.insert(displayText(QString::fromStdString(obstacle.adapter)));
+            }
         }
     }
     if (network.surroundings.adapters.empty()) {
         complain(QStringLiteral("no network adapter that is up and connected has an address"));
     }
-    return network.surroundings.adapters.size() > useless;
+    return std::ranges::any_of(network.surroundings.adapters, [&silent](const advice::Adapter& adapter) {
+        return !adapter.subnets.empty() && !silent.contains(adapter.name);
+    });
 }
 
 /// Reports the findings and returns whether they allow the operation to continue. `file` is the plan.
