@@ -20,11 +20,15 @@ void destroy(Tessal::ITessalDevice* device)
     DeviceLister::s_pTl->DestroyDevice(device); // Closes it as well.
 }
 
-bool storeByBroadcast(const Change& change)
+/// Returns whether the camera has accepted it. Throws what the camera layer throws.
+bool sendBroadcast(const Change& change)
 {
     const Camera& camera = change.camera;
     const Wanted& wanted = change.wanted;
     const Mode mode = wanted.mode == Mode::Unknown ? camera.mode : wanted.mode;
+    if (mode == Mode::Unknown) {
+        return false; // The command always stores a mode, and there is none to keep.
+    }
     const bool isGiven =
         wanted.mode == Mode::Static; // Or what the camera has goes along, as it does in the window.
     const QByteArray name = change.writesName ? wanted.name->toUtf8() : camera.storedName;
@@ -33,6 +37,16 @@ bool storeByBroadcast(const Change& change)
         net::formatIpv4(isGiven ? wanted.address : camera.address),
         net::formatIpv4(isGiven ? wanted.mask : camera.mask),
         net::formatIpv4(isGiven ? wanted.gateway : camera.gateway), name.constData());
+}
+
+/// A camera that the command does not get through to can still be opened, which reports its own failures.
+bool storeByBroadcast(const Change& change)
+{
+    try {
+        return sendBroadcast(change);
+    } catch (const std::exception&) {
+        return false;
+    }
 }
 
 Tessal::FailureOf<GenICam::RuntimeException> failure(const char* text, Tessal::Failure values)
