@@ -142,12 +142,14 @@ private:
             }
             found = found ? found : camera;
         }
-        if (!found && row.mac && row.wanted.mode == Mode::Temporary) {
-            return Camera{.mac = *row.mac}; // It may receive the command although no search found it.
+        const bool isListed = found.has_value();
+        if (!isListed && row.mac && row.wanted.mode == Mode::Temporary) {
+            found = Camera{.mac = *row.mac}; // It may receive the command although no search found it.
+            m_surroundings.cameras.push_back({.name = {}, .model = {}, .mac = *row.mac, .address = {}});
         }
         if (!found) {
             report(place, QStringLiteral("no camera was found that has ") + what, true);
-        } else if (!row.serial.isEmpty() && found->serial != row.serial) {
+        } else if (isListed && !row.serial.isEmpty() && found->serial != row.serial) {
             report(row.places.at(Column::Serial),
                    QStringLiteral("the camera %1 has the serial number %2").arg(text(*found), found->serial));
         } else if (m_lines.contains(found->mac)) {

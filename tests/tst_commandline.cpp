@@ -79,6 +79,13 @@ private slots:
         row("an address twice", ",1,,192.168.10.31,24,,\n,2,,192.168.10.31,24,,",
             {"2:5 192.168.10.31" + taken.arg(2) + " (Line 3.)",
              "3:5 192.168.10.31" + taken.arg(1) + " (Line 2.)"});
+        row("a camera that is not listed twice",
+            "0200000000AA,,temporary,192.168.10.31,24,,\n0200000000AA,,temporary,192.168.10.32,24,,",
+            {"3:1 line 2 refers to the same camera"});
+        row("an address twice where one camera is not listed",
+            "0200000000AA,,temporary,192.168.10.31,24,,\n,1,,192.168.10.31,24,,",
+            {"2:25 192.168.10.31" + taken.arg(1) + " (Line 3.)",
+             "3:5 192.168.10.31" + QString(taken).replace("0%1", "AA") + " (Line 2.)"});
         row("the address of a camera outside of the plan", ",1,,192.168.10.23,24,,",
             {"2:5 192.168.10.23" + taken.arg(3)});
         row("the address that a camera of the plan leaves", ",1,,192.168.10.22,24,,\n,2,dhcp,,,,", {});
