@@ -8,7 +8,14 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstdint>
+#include <fstream>
+#include <ios>
+#include <sstream>
+#include <string>
 #include <tuple>
+
+#include <netinet/in.h>
 
 namespace cli {
 
@@ -28,6 +35,25 @@ Mode modeOf(const Tessal::COrvikGigEDeviceInfo& record)
 net::Ipv4 addressIn(const GenICam::gcstring& property)
 {
     return net::parseIpv4(property.view()).value_or(net::Ipv4{});
+}
+
+/// Those in /proc/net/route, which writes them as they are in memory.
+std::vector<net::Ipv4> ownGateways()
+{
+    std::ifstream file("/proc/net/route");
+    std::vector<net::Ipv4> gateways;
+    std::string line;
+    std::getline(file, line); // The column titles.
+    while (std::getline(file, line)) {
+        std::istringstream fields(line);
+        std::string unused;
+        std::uint32_t gateway = 0;
+        fields >> unused >> unused >> std::hex >> gateway;
+        if (fields && gateway != 0) {
+            gateways.push_back({ntohl(gateway)});
+        }
+    }
+    return gateways;
 }
 
 QString textOf(const Tessal::COrvikGigEDeviceInfo& record, const char* key)
@@ -67,7 +93,8 @@ Network searchNetwork(DeviceLister& lister)
     if (!adapters.isEmpty()) {
         lister.discoverAllDevices();
     }
-    Network network{.cameras = {}, .surroundings = surroundingsOf(adapters, lister.m_devices)};
+    Network network{
+        .cameras = {}, .surroundings = surroundingsOf(adapters, lister.m_devices), .gateways = ownGateways()};
     for (const Tessal::COrvikGigEDeviceInfo& record : lister.m_devices) {
         network.cameras.push_back(cameraOf(record));
     }

@@ -41,6 +41,7 @@ struct Network
 {
     std::vector<Camera> cameras; // By adapter, model and MAC address, as in the window.
     advice::Surroundings surroundings;
+    std::vector<net::Ipv4> gateways{}; // Of this computer's routes.
 };
 
 /// Throws what the lister throws.

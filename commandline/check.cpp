@@ -98,6 +98,7 @@ public:
                 m_rows.push_back(&row);
                 m_checked.changes.push_back(changeOf(*camera, row.wanted));
             }
+            m_taken.insert({row.wanted.address, row.wanted.gateway}); // Also if the camera is missing.
         }
     }
 
@@ -184,11 +185,14 @@ private:
 
     void chooseTemporaryAddresses()
     {
-        for (const Change& change : m_checked.changes) {
-            m_taken.insert({change.destination(), change.wanted.gateway});
-        }
+        m_taken.insert(m_network.gateways.begin(), m_network.gateways.end());
         for (const Camera& camera : m_network.cameras) {
             m_taken.insert({camera.address, camera.gateway});
+        }
+        for (const advice::Adapter& adapter : m_surroundings.adapters) {
+            for (const auto& subnet : adapter.subnets) {
+                m_taken.insert(subnet.address);
+            }
         }
         for (std::size_t i = 0; i < m_rows.size(); ++i) {
             Change& change = m_checked.changes[i];
@@ -204,8 +208,8 @@ private:
         }
     }
 
-    /// The address that the camera is to keep, where it can be reached there at once; otherwise a free one
-    /// from the top of the adapter's network, where devices are fewest.
+    /// A free one from the top of the adapter's network, where devices are fewest. The highest, which often
+    /// is a router's, comes last. The planned address would look like a kept one if the run ended early.
     std::optional<TemporaryAddress> temporaryAddressFor(const Change& change)
     {
         for (const advice::Adapter& adapter : m_surroundings.adapters) {
@@ -213,16 +217,17 @@ private:
                 continue;
             }
             for (const auto& [own, mask] : adapter.subnets) {
-                if (!change.makesRoom && change.writesAddresses &&
-                    net::inSameSubnet(own, change.destination(), mask)) {
-                    return TemporaryAddress{change.destination(), mask};
+                const auto isOfHost = [&own = own, &mask = mask](net::Ipv4 address) {
+                    return (address.value & ~mask.value) != 0 && net::inSameSubnet(own, address, mask);
+                };
+                const net::Ipv4 highest{net::subnetBroadcast(own, mask).value - 1};
+                net::Ipv4 free{highest.value - 1};
+                while (isOfHost(free) && m_taken.contains(free)) {
+                    --free.value;
                 }
-                m_taken.insert(own);
-                net::Ipv4 free{net::subnetBroadcast(own, mask).value - 1};
-                for (; (free.value & ~mask.value) != 0 && net::inSameSubnet(own, free, mask); --free.value) {
-                    if (m_taken.insert(free).second) {
-                        return TemporaryAddress{free, mask};
-                    }
+                free = isOfHost(free) ? free : highest;
+                if (isOfHost(free) && m_taken.insert(free).second) {
+                    return TemporaryAddress{free, mask};
                 }
             }
         }

@@ -12,11 +12,14 @@ class CommandLineTest : public QObject
     Q_OBJECT
 
     /// Cameras 1, 2, … behind lab0, with the addresses 192.168.10.21, 22, …; the fifth is in another network.
+    /// The computer has 192.168.10.251 too, and a route through 192.168.10.252.
     static Network bench()
     {
         Network network;
         const net::Ipv4 mask{0xFFFFFF00};
-        network.surroundings.adapters = {{.name = "lab0", .subnets = {{{0xC0A80A01}, mask}}}};
+        network.surroundings.adapters = {{.name = "lab0", .subnets = {{{0xC0A80A01}, mask}}},
+                                         {.name = "lab1", .subnets = {{{0xC0A80AFB}, mask}}}};
+        network.gateways = {{0xC0A80AFC}};
         for (std::uint8_t i = 1; i <= 9; ++i) {
             const net::Ipv4 address{i == 5 ? 0xAC100409U : 0xC0A80A14U + i};
             network.cameras.push_back(
@@ -108,15 +111,17 @@ private slots:
     {
         QTest::addColumn<QByteArray>("plan"); // Serial number and address.
         QTest::addColumn<QStringList>("temporary");
-        QTest::newRow("a swap") << QByteArray("1,22\n2,21") << QStringList{"1 192.168.10.254"};
+        QTest::newRow("a swap") << QByteArray("1,22\n2,21") << QStringList{"1 192.168.10.253"};
         QTest::newRow("two circles") << QByteArray("1,22\n2,23\n3,21\n4,26\n6,24")
-                                     << QStringList{"2 192.168.10.254", "4 192.168.10.253"};
+                                     << QStringList{"2 192.168.10.253", "4 192.168.10.250"};
         QTest::newRow("a short row") << QByteArray("1,22\n2,23\n3,24\n4,25") << QStringList{};
         QTest::newRow("a long row") << QByteArray("1,22\n2,23\n3,24\n4,26\n6,27\n7,28\n8,29\n9,30")
-                                    << QStringList{"4 192.168.10.254"};
+                                    << QStringList{"4 192.168.10.253"};
         QTest::newRow("a swap beside a taken address")
-            << QByteArray("1,22\n2,21\n3,254") << QStringList{"1 192.168.10.253"};
-        QTest::newRow("out of reach") << QByteArray("5,40") << QStringList{"5 192.168.10.40"};
+            << QByteArray("1,22\n2,21\n3,253") << QStringList{"1 192.168.10.250"};
+        QTest::newRow("out of reach") << QByteArray("5,40") << QStringList{"5 192.168.10.253"};
+        QTest::newRow("out of reach, to the address below the highest")
+            << QByteArray("5,253") << QStringList{"5 192.168.10.250"};
     }
 
     void camerasThatWaitForEachOtherMakeRoom()
