@@ -5,6 +5,7 @@
 #include "writer.h"
 
 #include "qtbase/failuretexts.h"
+#include "qtbase/formatting.h"
 #include "tessal/transportlayer.h"
 
 #include <algorithm>
@@ -58,7 +59,7 @@ QString deviations(const Change& change, const Tessal::COrvikGigEDeviceInfo& rep
     const QString text = deviationsFrom(sent, reported).replace(QLatin1Char('\n'), QLatin1Char(' '));
     return text.isEmpty() && !hasLeft
                ? QStringLiteral("It has the address %1.").arg(cli::text(camera.address))
-               : text;
+               : displayText(text);
 }
 
 } // namespace
@@ -78,6 +79,8 @@ void Apply::run()
     for (Job& job : m_jobs) {
         if (job.change.isNothing()) {
             finish(job, Outcome::AsPlanned, {});
+        } else {
+            finishIfInUse(job);
         }
     }
     makeRoom();
@@ -95,7 +98,14 @@ void Apply::run()
 void Apply::makeRoom()
 {
     for (Job& job : m_jobs) {
-        if (!job.change.makesRoom || m_hooks.isInterrupted()) {
+        if (!job.change.makesRoom || job.state == State::Finished || m_hooks.isInterrupted()) {
+            continue;
+        }
+        if (!helpsToMakeRoom(job)) {
+            job.change.makesRoom = false;
+            if (job.change.camera.accessibility != Tessal::Accessibility::NotReachable) {
+                job.change.temporary.reset();
+            }
             continue;
         }
         const auto& [address, mask] = *job.change.temporary;
@@ -106,6 +116,29 @@ void Apply::makeRoom()
             finish(job, Outcome::Failed, sentenceOf(exception));
         }
     }
+}
+
+/// Whether another camera can take over the address, and all that the camera itself waits for can move on.
+bool Apply::helpsToMakeRoom(const Job& first) const
+{
+    const bool isTakerFinished = std::ranges::any_of(m_jobs, [&first](const Job& job) {
+        return job.state == State::Finished && job.change.writesAddresses &&
+               job.change.destination() == first.change.camera.address;
+    });
+    if (isTakerFinished) {
+        return false;
+    }
+    const Job* last = &first;
+    for (auto holder = holderOfDestination(first.change); holder && *holder != first.change.camera.mac;
+         holder = holderOfDestination(last->change)) {
+        const auto next = std::ranges::find_if(
+            m_jobs, [&holder](const Job& job) { return job.change.camera.mac == *holder; });
+        if (next == m_jobs.end() || next->state == State::Finished) {
+            return false;
+        }
+        last = &*next;
+    }
+    return true;
 }
 
 /// Starts every job that need not wait. Returns whether there was one.
@@ -123,7 +156,8 @@ bool Apply::beginReady()
     return hasBegun;
 }
 
-void Apply::begin(Job& job)
+/// Reports the camera as failed if another application has it. First of all, because others may wait for it.
+void Apply::finishIfInUse(Job& job) const
 {
     const Camera& camera = job.change.camera;
     using namespace Tessal::Accessibility;
@@ -132,10 +166,13 @@ void Apply::begin(Job& job)
                describeFailure({.kind = Tessal::FailureKind::ControlledElsewhere,
                                 .address = net::formatIpv4(camera.address),
                                 .other = camera.controlledBy.toStdString()}));
-        return;
     }
+}
+
+void Apply::begin(Job& job)
+{
     try {
-        writeChange(job.change, m_addresses[camera.mac]);
+        writeChange(job.change, m_addresses[job.change.camera.mac]);
         job.restarted = Clock::now();
         job.state = State::Restarting;
     } catch (const std::exception& exception) {

@@ -44,8 +44,10 @@ private:
     };
 
     void makeRoom();
+    [[nodiscard]] bool helpsToMakeRoom(const Job& first) const;
     bool beginReady();
     void begin(Job& job);
+    void finishIfInUse(Job& job) const;
     void look();
     void judge(Job& job, const Tessal::COrvikGigEDeviceInfo* found);
     void finishWaiting();
