@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <numeric>
+#include <set>
 #include <utility>
 
 #include <sys/ioctl.h>
@@ -59,7 +60,11 @@ QStringList subnetsOf(const advice::Adapter& adapter)
 QString formatCsv(const Network& network)
 {
     QString lines = names.join(QLatin1Char(',')) + QLatin1Char('\n');
+    std::set<net::MacAddress> written;
     for (const Camera& camera : network.cameras) {
+        if (!written.insert(camera.mac).second && !camera.isMacShared) {
+            continue; // Another adapter hears it as well, and a plan means each camera once.
+        }
         QStringList fields = valuesOf(camera);
         for (QString& field : fields) {
             field = QString::fromStdString(csvField(displayText(field).toStdString()));

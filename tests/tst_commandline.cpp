@@ -141,9 +141,13 @@ private slots:
 
     void aListIsAPlanThatChangesNothing_data()
     {
-        const QByteArray list = formatList(bench(), Format::Csv, 0).toUtf8();
+        Network network = bench();
+        const QByteArray list = formatList(network, Format::Csv, 0).toUtf8();
+        network.cameras.push_back(network.cameras.front());
+        network.cameras.back().adapter = "lab1";
         QTest::addColumn<QByteArray>("plan");
         QTest::newRow("as written") << list;
+        QTest::newRow("with a camera that two adapters hear") << formatList(network, Format::Csv, 0).toUtf8();
         QTest::newRow("saved by a spreadsheet") << "\xEF\xBB\xBF" + QByteArray(list).replace("\n", "\r\n");
     }
 
