@@ -58,7 +58,8 @@ bool reportFindings(const std::vector<Finding>& findings, const QString& file, b
     for (const Finding& finding : findings) {
         const auto& [line, column] = finding.place;
         complain((line == 0 ? QString() : QStringLiteral("%1:%2:%3: ").arg(file).arg(line).arg(column)) +
-                 (finding.canBeForced && isForced ? QStringLiteral("warning: ") : QString()) + finding.text);
+                 (finding.canBeForced && isForced ? QStringLiteral("warning: ") : QString()) +
+                 displayText(finding.text));
     }
     const bool canBeForced = std::ranges::all_of(findings, &Finding::canBeForced);
     if (canBeForced && !isForced && !findings.empty()) {
@@ -102,7 +103,8 @@ int set(DeviceLister& lister, const Network& network, const Options& options)
 {
     const std::vector<Camera> meant = camerasMeantBy(options.operand, network.cameras);
     for (const Camera& camera : meant.size() > 1 ? meant : std::vector<Camera>()) {
-        complain(QStringLiteral("\"%1\" is ambiguous: it could be %2").arg(options.operand, text(camera)));
+        complain(QStringLiteral("\"%1\" is ambiguous: it could be %2")
+                     .arg(displayText(options.operand), text(camera)));
     }
     if (meant.size() > 1) {
         return Exit::WrongUsage;
