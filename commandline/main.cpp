@@ -27,7 +27,12 @@ void catchInterrupts()
     action.sa_handler = [](int) { s_isInterrupted = 1; };
     action.sa_flags = static_cast<int>(SA_RESETHAND);
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-        ::sigaction(signal, &action, nullptr);
+        struct sigaction inherited
+        {};
+        if (::sigaction(signal, nullptr, &inherited) == 0 &&
+            inherited.sa_handler != SIG_IGN) { // As by nohup.
+            ::sigaction(signal, &action, nullptr);
+        }
     }
     std::signal(SIGPIPE, SIG_IGN); // A reader that has gone must not end a plan in its middle.
 }
