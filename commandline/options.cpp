@@ -11,7 +11,7 @@ namespace {
 const char* const help = R"(Usage: lanvic-cli list [--json | --csv]
        lanvic-cli set CAMERA [--static IP/PREFIX [--gateway IP] | --dhcp | --auto-ip] [--name NAME]
        lanvic-cli set CAMERA --temporary IP/PREFIX [--gateway IP]
-       lanvic-cli apply PLAN.csv
+       lanvic-cli apply [--dry-run] [--force] PLAN.csv
 
 Finds GigE Vision cameras and sets their IP addresses. CAMERA is a MAC address, serial number, name or
 address that one camera has. PLAN.csv is written as by "list --csv"; "-" is standard input.
