@@ -10,8 +10,10 @@
 #include <QLoggingCategory>
 
 #include <algorithm>
+#include <cerrno>
 #include <csignal>
 #include <set>
+#include <system_error>
 
 namespace cli {
 
@@ -157,8 +159,10 @@ int run(const Options& options)
     DeviceLister lister;
     const Network network = searchNetwork(lister);
     const bool isUsable = reportObstacles(network);
-    if (options.command == List) {
-        write(formatList(network, options.format, terminalWidth()));
+    if (options.command == List && !write(formatList(network, options.format, terminalWidth()))) {
+        complain(QStringLiteral("the list cannot be written: ") +
+                 QString::fromStdString(std::generic_category().message(errno)));
+        return Exit::CameraFailed;
     }
     if (!isUsable) {
         return Exit::NothingAsked;

@@ -10,8 +10,8 @@ namespace cli {
 /// As the manual page has them.
 namespace Exit {
 inline constexpr int Done = 0;
-inline constexpr int CameraFailed = 1;
-inline constexpr int WrongUsage = 2; // Or a wrong plan.
+inline constexpr int CameraFailed = 1; // Or the list could not be written.
+inline constexpr int WrongUsage = 2;   // Or a wrong plan.
 inline constexpr int NothingAsked = 3;
 } // namespace Exit
 

@@ -163,17 +163,16 @@ QString formatTable(const Network& network, int width)
     return table.isEmpty() ? QString() : table.join(QLatin1Char('\n')) + QLatin1Char('\n');
 }
 
-void writeTo(std::FILE* stream, const QString& text)
+bool writeTo(std::FILE* stream, const QString& text)
 {
-    std::fputs(text.toUtf8().constData(), stream);
-    std::fflush(stream);
+    return std::fputs(text.toUtf8().constData(), stream) >= 0 && std::fflush(stream) == 0;
 }
 
 } // namespace
 
-void write(const QString& text)
+bool write(const QString& text)
 {
-    writeTo(stdout, text);
+    return writeTo(stdout, text);
 }
 
 void complain(const QString& text)

@@ -4,8 +4,8 @@
 
 namespace cli {
 
-/// To standard output, at once.
-void write(const QString& text);
+/// To standard output, at once. Returns false, with the reason in errno, if not all could be written.
+bool write(const QString& text);
 /// A line on standard error, after the program's name.
 void complain(const QString& text);
 
