@@ -128,15 +128,13 @@ bool Apply::helpsToMakeRoom(const Job& first) const
     if (isTakerFinished) {
         return false;
     }
-    const Job* last = &first;
-    for (auto holder = holderOfDestination(first.change); holder && *holder != first.change.camera.mac;
-         holder = holderOfDestination(last->change)) {
+    for (auto holder = holderOfDestination(first.change); holder && *holder != first.change.camera.mac;) {
         const auto next = std::ranges::find_if(
             m_jobs, [&holder](const Job& job) { return job.change.camera.mac == *holder; });
         if (next == m_jobs.end() || next->state == State::Finished) {
             return false;
         }
-        last = &*next;
+        holder = holderOfDestination(next->change);
     }
     return true;
 }
