@@ -11,6 +11,7 @@
 #include <QCoreApplication>
 
 #include <cstdio>
+#include <utility>
 
 namespace {
 
@@ -58,7 +59,7 @@ bool run(const Line& line, int searches, int saves)
     int missed = 0;
     for (int i = 0; i < searches; ++i) {
         layer->EnumerateDevicesAnySubnet(found, false);
-        missed += found.size() == 2 * camerasOfANetwork ? 0 : 1;
+        missed += std::cmp_equal(found.size(), 2 * camerasOfANetwork) ? 0 : 1;
     }
     int done = 0;
     int wrong = 0; // said to be done, but the camera has other values
