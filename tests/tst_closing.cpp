@@ -15,8 +15,8 @@ class ClosingTest : public gui::GuiTest
 
     const QString m_question = "|Do you want to save the changes to the configuration?|No,Yes|No";
 
-    const QStringList closed{"closed"};
-    const QStringList pending{"something to save"};
+    const QStringList m_closed{"closed"};
+    const QStringList m_pending{"something to save"};
 
 private slots:
     void everyWayAsksFirst_data()
@@ -31,10 +31,10 @@ private slots:
         row("row left, save failed", "another row", {Yes, Close}, left);
         row("refreshed, saved", "refresh", {Yes}, saved);
         row("refreshed, not saved", "refresh", {No}, asBefore);
-        row("refresh cancelled", "refresh", {Yes, Close}, saved + pending);
-        row("closed, saved", "close", {Yes}, closed);
-        row("closed, save failed", "close", {Yes, Yes}, closed);
-        row("kept open", "close", {Yes, No}, asBefore + pending);
+        row("refresh cancelled", "refresh", {Yes, Close}, saved + m_pending);
+        row("closed, saved", "close", {Yes}, m_closed);
+        row("closed, save failed", "close", {Yes, Yes}, m_closed);
+        row("kept open", "close", {Yes, No}, asBefore + m_pending);
     }
     void everyWayAsksFirst()
     {
@@ -59,8 +59,8 @@ private slots:
         QCOMPARE(takeDialogs(), QStringList({m_question, questionAfterFailure[way]}).first(answers.size()));
         QCOMPARE(takeIcons(), QList({QMessageBox::Question, QMessageBox::Critical}).first(answers.size()));
         const QStringList open{"current: " + current(), "name: " + text("editCustomName")};
-        QCOMPARE(m_window->isVisible() ? open + enabledInEditor() + (canSave() ? pending : QStringList())
-                                       : closed,
+        QCOMPARE(m_window->isVisible() ? open + enabledInEditor() + (canSave() ? m_pending : QStringList())
+                                       : m_closed,
                  state);
         const QString name = answers == Buttons{QMessageBox::Yes} ? "belt" : "";
         QCOMPARE(sdk::get(cam().record, {"UserDefinedName"}), name);
