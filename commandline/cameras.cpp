@@ -4,18 +4,15 @@
 #include "recorddisplay.h"
 #include "surroundings.h"
 
+#include "net/routes.h"
 #include "qtbase/formatting.h"
 
 #include <algorithm>
 #include <bit>
 #include <cstdint>
-#include <fstream>
-#include <ios>
-#include <sstream>
 #include <string>
+#include <system_error>
 #include <tuple>
-
-#include <netinet/in.h>
 
 namespace cli {
 
@@ -37,23 +34,15 @@ net::Ipv4 addressIn(const GenICam::gcstring& property)
     return net::parseIpv4(property.view()).value_or(net::Ipv4{});
 }
 
-/// Those in /proc/net/route, which writes them as they are in memory.
+/// None if the kernel does not tell: they are only kept from being given to cameras for a moment.
 std::vector<net::Ipv4> ownGateways()
 {
-    std::ifstream file("/proc/net/route");
-    std::vector<net::Ipv4> gateways;
-    std::string line;
-    std::getline(file, line); // The column titles.
-    while (std::getline(file, line)) {
-        std::istringstream fields(line);
-        std::string unused;
-        std::uint32_t gateway = 0;
-        fields >> unused >> unused >> std::hex >> gateway;
-        if (fields && gateway != 0) {
-            gateways.push_back({ntohl(gateway)});
-        }
+    try {
+        return net::gateways();
+    } catch (const std::system_error& error) {
+        qWarning("%s", error.what());
+        return {};
     }
-    return gateways;
 }
 
 QString textOf(const Tessal::COrvikGigEDeviceInfo& record, const char* key)

@@ -50,6 +50,15 @@ std::optional<LinkRoute> linkRouteOf(std::span<const std::uint8_t> body)
     return hasGateway || route.adapterIndex == 0 ? std::nullopt : std::optional(route);
 }
 
+/// Hands on each of the host's IPv4 routes, as rtnetlink(7) describes it.
+template <typename Visit>
+void forEachRoute(Visit visit)
+{
+    rtmsg ipv4{};
+    ipv4.rtm_family = AF_INET;
+    NetlinkSocket().exchange({RTM_GETROUTE, NLM_F_DUMP, ipv4}, "the kernel's routes cannot be listed", visit);
+}
+
 } // namespace
 
 std::string defaultRouteAdapter(const std::string& routes)
@@ -87,15 +96,25 @@ std::string defaultRouteAdapter()
 std::vector<LinkRoute> linkRoutes()
 {
     std::vector<LinkRoute> routes;
-    rtmsg ipv4{};
-    ipv4.rtm_family = AF_INET;
-    NetlinkSocket().exchange({RTM_GETROUTE, NLM_F_DUMP, ipv4}, "the kernel's routes cannot be listed",
-                             [&](std::span<const std::uint8_t> body) {
-                                 if (const auto route = linkRouteOf(body)) {
-                                     routes.push_back(*route);
-                                 }
-                             });
+    forEachRoute([&](std::span<const std::uint8_t> body) {
+        if (const auto route = linkRouteOf(body)) {
+            routes.push_back(*route);
+        }
+    });
     return routes;
+}
+
+std::vector<Ipv4> gateways()
+{
+    std::vector<Ipv4> gateways;
+    forEachRoute([&](std::span<const std::uint8_t> body) {
+        forEachAttribute(body, sizeof(rtmsg), [&](std::uint16_t type, std::span<const std::uint8_t> value) {
+            if (type == RTA_GATEWAY) {
+                gateways.push_back({ntohl(readValue<std::uint32_t>(value).value_or(0))});
+            }
+        });
+    });
+    return gateways;
 }
 
 bool isOnLink(const std::vector<LinkRoute>& routes, Ipv4 address, int adapterIndex)

@@ -25,6 +25,9 @@ struct LinkRoute
 /// All link routes. Throws std::system_error if the kernel refuses.
 [[nodiscard]] std::vector<LinkRoute> linkRoutes();
 
+/// The gateways of this host's routes. Throws std::system_error if the kernel refuses.
+[[nodiscard]] std::vector<Ipv4> gateways();
+
 /// Whether the adapter reaches the address without a gateway.
 [[nodiscard]] bool isOnLink(const std::vector<LinkRoute>& routes, Ipv4 address, int adapterIndex);
 
