@@ -75,8 +75,8 @@ QString explainCode(const Tessal::COrvikGigEDeviceInfo& record, const CNetworkAd
                               Texts::tr("An application on the computer %1 controls the camera."));
     case ControlledExclusively:
         return explainControl(
-            record, Texts::tr("Another application has the camera for itself alone."),
-            Texts::tr("An application on the computer %1 has the camera for itself alone."));
+            record, Texts::tr("Another application has exclusive access to the camera."),
+            Texts::tr("An application on the computer %1 has exclusive access to the camera."));
     case NotReachable:
         return explainUnreachable(record, adapter);
     default:

@@ -78,11 +78,11 @@ private slots:
         row("gateway is the network", "192.168.10.77", classC, "192.168.10.0",
             {{Gateway, Kind::NetworkAddress}});
 
-        row("temporary, starts anew", "", "", "", {{Address, Kind::StartsAnew}}, Purpose::Temporary);
-        row("temporary, starts anew with zeros", "0.0.0.0", "0.0.0.0", "0.0.0.0",
-            {{Address, Kind::StartsAnew}}, Purpose::Temporary);
-        row("temporary, starts anew with half a mask", "", "255.", "",
-            {{Address, Kind::StartsAnew}, {Mask, Kind::Incomplete}}, Purpose::Temporary);
+        row("temporary, restarts", "", "", "", {{Address, Kind::RestartsConfiguration}}, Purpose::Temporary);
+        row("temporary, restarts with zeros", "0.0.0.0", "0.0.0.0", "0.0.0.0",
+            {{Address, Kind::RestartsConfiguration}}, Purpose::Temporary);
+        row("temporary, restarts with half a mask", "", "255.", "",
+            {{Address, Kind::RestartsConfiguration}, {Mask, Kind::Incomplete}}, Purpose::Temporary);
         row("temporary, outside", "172.16.0.1", "", "",
             {{Address, Kind::OutsideAdapter}, {Mask, Kind::Missing}}, Purpose::Temporary);
 

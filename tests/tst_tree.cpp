@@ -262,7 +262,7 @@ private slots:
         row("held on a computer that is known", with(found(Controlled), {{Key::ControlledBy, "192.168.1.7"}}),
             "In use", warning, "An application on the computer 192.168.1.7 controls the camera.");
         row("held exclusively", found(ControlledExclusively), "In use", warning,
-            "Another application has the camera for itself alone.");
+            "Another application has exclusive access to the camera.");
         row("in another network", found(NotReachable, "192.168.1.5", "172.31.0.9"), "Not Reachable", warning,
             "The camera answers the search, but its address is not in a network of lan0.");
         row("silent at its address", found(NotReachable), "Not Reachable", warning,

@@ -71,8 +71,8 @@
         <translation>Die IP-Adresse fehlt.</translation>
     </message>
     <message>
-        <source>Without an address, the camera starts its IP configuration anew.</source>
-        <translation>Ohne Adresse beginnt die Kamera ihre IP-Konfiguration von vorn.</translation>
+        <source>Without an address, the camera restarts its IP configuration.</source>
+        <translation>Ohne Adresse startet die Kamera ihre IP-Konfiguration neu.</translation>
     </message>
     <message>
         <source>%1 has a special meaning. No camera can have it.</source>
@@ -87,8 +87,8 @@
         <translation>%1 liegt in keinem Netz dieses Rechners. Die Kamera ist dann nicht erreichbar.</translation>
     </message>
     <message>
-        <source>%1 is not a subnet mask, as 255.255.255.0 is one.</source>
-        <translation>%1 ist keine Subnetzmaske, wie etwa 255.255.255.0 eine ist.</translation>
+        <source>%1 is not a subnet mask. A valid one is, for example, 255.255.255.0.</source>
+        <translation>%1 ist keine Subnetzmaske. Gültig ist zum Beispiel 255.255.255.0.</translation>
     </message>
     <message>
         <source>%1 has the mask %2 in this network. With another one, applications may not find the camera.</source>
@@ -165,12 +165,12 @@
         <translation>Eine Anwendung auf dem Rechner %1 steuert die Kamera.</translation>
     </message>
     <message>
-        <source>Another application has the camera for itself alone.</source>
-        <translation>Eine andere Anwendung hat die Kamera für sich allein.</translation>
+        <source>Another application has exclusive access to the camera.</source>
+        <translation>Eine andere Anwendung hat exklusiven Zugriff auf die Kamera.</translation>
     </message>
     <message>
-        <source>An application on the computer %1 has the camera for itself alone.</source>
-        <translation>Eine Anwendung auf dem Rechner %1 hat die Kamera für sich allein.</translation>
+        <source>An application on the computer %1 has exclusive access to the camera.</source>
+        <translation>Eine Anwendung auf dem Rechner %1 hat exklusiven Zugriff auf die Kamera.</translation>
     </message>
     <message>
         <source>The camera answers, but does not tell whether an application controls it.</source>

@@ -114,7 +114,7 @@ std::optional<Advice> outside(const std::optional<Place>& place, const Surroundi
 std::optional<Advice> onAddress(const Entry& entry, const Surroundings& surroundings)
 {
     if (entry.purpose == Purpose::Temporary && isNone(entry.address)) {
-        return Advice{.kind = Kind::StartsAnew};
+        return Advice{.kind = Kind::RestartsConfiguration};
     }
     if (entry.address.isEmpty()) {
         return Advice{.kind = Kind::Missing};
@@ -237,7 +237,7 @@ bool isUnfinished(const Advice& advice)
 
 bool isWarning(const Advice& advice)
 {
-    return !isUnfinished(advice) && advice.kind != Kind::StartsAnew;
+    return !isUnfinished(advice) && advice.kind != Kind::RestartsConfiguration;
 }
 
 std::optional<Camera> cameraOf(const QString& mac, const Surroundings& surroundings)

@@ -83,8 +83,8 @@ QString sentence(const Advice& advice)
                                            : Texts::tr("The IP address is missing.");
     case Kind::Incomplete:
         return incompleteText(advice.field);
-    case Kind::StartsAnew:
-        return Texts::tr("Without an address, the camera starts its IP configuration anew.");
+    case Kind::RestartsConfiguration:
+        return Texts::tr("Without an address, the camera restarts its IP configuration.");
     case Kind::SpecialAddress:
         return Texts::tr("%1 has a special meaning. No camera can have it.").arg(text(advice.value));
     case Kind::NetworkAddress:
@@ -100,7 +100,8 @@ QString sentence(const Advice& advice)
         return Texts::tr("%1 is in no network of this computer. The camera can then not be reached.")
             .arg(text(advice.value));
     case Kind::NoMask:
-        return Texts::tr("%1 is not a subnet mask, as 255.255.255.0 is one.").arg(text(advice.value));
+        return Texts::tr("%1 is not a subnet mask. A valid one is, for example, 255.255.255.0.")
+            .arg(text(advice.value));
     case Kind::OtherMask:
         return Texts::tr("%1 has the mask %2 in this network. With another one, applications may not find "
                          "the camera.")

@@ -66,10 +66,10 @@ Q_ENUM_NS(Field)
 
 enum class Kind {
     Missing,
-    Incomplete,     // or not an address at all
-    StartsAnew,     // without a temporary address, the camera looks for one again
-    SpecialAddress, // does not stand for a device
-    NetworkAddress, // of the mask `other`, as is the next
+    Incomplete,            // or not an address at all
+    RestartsConfiguration, // without a temporary address, the camera looks for one again
+    SpecialAddress,        // does not stand for a device
+    NetworkAddress,        // of the mask `other`, as is the next
     BroadcastAddress,
     OwnAddress,      // of this computer, on `adapter`
     AddressOfCamera, // of `camera`, another one
