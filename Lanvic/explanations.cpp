@@ -34,7 +34,7 @@ QString explainControl(const Tessal::COrvikGigEDeviceInfo& record, const QString
 
 bool isInSubnetOf(const Tessal::COrvikGigEDeviceInfo& record, const CNetworkAdapter& adapter)
 {
-    const QHostAddress address(fromAscii(record.GetIpAddress()));
+    const QHostAddress address = addressFromText(fromAscii(record.GetIpAddress()));
     const auto entries = adapter.addressEntries();
     return std::ranges::any_of(entries, [&](const QNetworkAddressEntry& entry) {
         return entry.ip().protocol() == QAbstractSocket::IPv4Protocol &&

@@ -183,9 +183,11 @@ void IpConfigurationWidget::explainAdapters()
         remarks += explainObstacle(obstacle);
         sentences[QString::fromLocal8Bit(obstacle.adapter.c_str())] += remarks.last();
     }
-    for (const auto& [adapter, texts] : sentences.toStdMap()) {
-        if (QTreeWidgetItem* const row = findAdapterTreeItem(adapter)) {
-            explain(row, NameColumn, texts.join(QLatin1Char('\n')));
+    for (int i = 0; i < ui.treeWidget->topLevelItemCount(); ++i) {
+        QTreeWidgetItem* const row = ui.treeWidget->topLevelItem(i);
+        const CNetworkAdapter* const adapter = adapterOfItem(row);
+        if (adapter != nullptr && sentences.contains(adapter->m_name)) {
+            explain(row, NameColumn, sentences.value(adapter->m_name).join(QLatin1Char('\n')));
         }
     }
     SetSupportRemarks(remarks);

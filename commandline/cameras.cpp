@@ -65,7 +65,7 @@ Camera cameraOf(const Tessal::COrvikGigEDeviceInfo& record)
             .storedName = name.c_str(),
             .vendor = textOf(record, VendorName),
             .model = textOf(record, ModelName),
-            .adapter = displayText(QString::fromLocal8Bit(adapter.c_str())),
+            .adapter = displayText(adapterName(QString::fromLocal8Bit(adapter.c_str()))),
             .mode = modeOf(record),
             .address = addressIn(record.GetIpAddress()),
             .mask = addressIn(record.GetSubnetMask()),

@@ -1,3 +1,4 @@
+#include "DeviceLister.h"
 #include "options.h"
 
 #include "tessal/transportlayer.h"
@@ -47,6 +48,13 @@ class CommandLineTest : public QObject
     }
 
 private slots:
+    void anAdapterIsNamedAsTheSystemDoes()
+    {
+        Tessal::COrvikGigEDeviceInfo record;
+        record.SetPropertyValue(ListerKey::InterfaceName, "l\u00C3\u00A4b0"); // Byte by byte, as from Qt.
+        QCOMPARE(cameraOf(record).adapter, "l\u00E4b0");
+    }
+
     void planErrorsNameLineAndColumn_data()
     {
         QTest::addColumn<QByteArray>("lines"); // Below the names of the columns.

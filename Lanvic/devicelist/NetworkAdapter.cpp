@@ -3,7 +3,9 @@
 #include "qtbase/formatting.h"
 
 CNetworkAdapter::CNetworkAdapter(const QNetworkInterface& interface)
-    : QNetworkInterface(interface), m_name(adapterName(interface)), m_hardwareAddress(hardwareAddress())
+    : QNetworkInterface(interface),
+      m_name(adapterName(interface.name())),
+      m_hardwareAddress(hardwareAddress())
 {}
 
 QList<CNetworkAdapter> CNetworkAdapter::allNetworkAdapters(QNetworkInterface::InterfaceFlags requiredFlags,

@@ -80,7 +80,7 @@ QString kindOf(const QNetworkInterface& adapter)
     switch (adapter.type()) {
     case QNetworkInterface::Ethernet: {
         bool isNumber = false;
-        const QString path = QStringLiteral("/sys/class/net/%1/speed").arg(adapterName(adapter));
+        const QString path = QStringLiteral("/sys/class/net/%1/speed").arg(adapterName(adapter.name()));
         const int speed = kernelSetting(path).toInt(&isNumber); // -1 if unknown
         return isNumber && speed > 0 ? Texts::tr("Ethernet at %1 Mbit/s").arg(speed) : Texts::tr("Ethernet");
     }
@@ -103,8 +103,9 @@ QString describeAdapter(const QNetworkInterface& adapter)
         }
     }
     return Texts::tr("%1: %2, %3, MTU %4, rp_filter %5, %6")
-        .arg(shareableName(adapterName(adapter)), kindOf(adapter), connectionOf(adapter),
-             QString::number(adapter.maximumTransmissionUnit()), reversePathFilter(adapterName(adapter)),
+        .arg(shareableName(adapterName(adapter.name())), kindOf(adapter), connectionOf(adapter),
+             QString::number(adapter.maximumTransmissionUnit()),
+             reversePathFilter(adapterName(adapter.name())),
              addresses.isEmpty() ? Texts::tr("no IPv4 address") : addresses.join(QLatin1String(", ")));
 }
 

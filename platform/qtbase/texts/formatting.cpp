@@ -82,9 +82,8 @@ QHostAddress addressFromText(const QString& text)
     return address ? QHostAddress(address->value) : QHostAddress();
 }
 
-QString adapterName(const QNetworkInterface& adapter)
+QString adapterName(const QString& name)
 {
-    const QString name = adapter.name();
     QStringDecoder utf8(QStringDecoder::Utf8);
     const QString decoded = utf8(name.toLatin1());
     return utf8.hasError() ? name : decoded;

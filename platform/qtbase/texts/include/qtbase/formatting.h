@@ -24,8 +24,9 @@ class QNetworkInterface;
 /// an address goes through here, because QHostAddress itself accepts shorthand and octal parts.
 [[nodiscard]] QHostAddress addressFromText(const QString& text);
 
-/// The adapter's name as the operating system shows it. Qt decodes each of its bytes as one character.
-[[nodiscard]] QString adapterName(const QNetworkInterface& adapter);
+/// The adapter's name as the operating system shows it, from that of a QNetworkInterface, in which each byte
+/// is one character.
+[[nodiscard]] QString adapterName(const QString& name);
 
 /// A text from outside made fit for display: characters that would break the line or change the writing
 /// direction (control characters, line separators, direction overrides) become U+FFFD. It has to be escaped
