@@ -227,7 +227,7 @@ private:
     // Assigned by Force IP in this session, by MAC address, until the camera reports another one or is saved.
     QMap<QString, QString> m_temporaryAddresses;
     SentConfiguration m_sent;                    // By the latest save.
-    bool m_isSaveUnconfirmed = false;            // Saved, but not yet compared with what the camera reports.
+    QString m_unconfirmedMac;                    // Saved, but not yet compared with what the camera reports.
     Tessal::COrvikGigEDeviceInfo m_rediscovered; // Latest record of the camera last waited for.
     std::map<advice::Field, AdviceSign*> m_adviceSigns;
     std::optional<RefusedEntry> m_refusedEntry; // By the latest Force IP.

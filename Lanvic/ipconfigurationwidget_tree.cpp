@@ -248,7 +248,7 @@ void IpConfigurationWidget::on_treeWidget_currentItemChanged(QTreeWidgetItem* cu
     if (depth > 1) {
         return;
     }
-    const bool isConfirmedByRefresh = m_isSaveUnconfirmed; // A refresh confirms its save at its end.
+    const bool isConfirmedByRefresh = !m_unconfirmedMac.isEmpty(); // A refresh confirms its save at its end.
     savePreviousRow(previous);
     clearDirtyFlags();
     stopEditing();

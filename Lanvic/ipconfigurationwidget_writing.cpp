@@ -137,14 +137,17 @@ bool IpConfigurationWidget::writeConfiguration(const Tessal::COrvikGigEDeviceInf
 
 void IpConfigurationWidget::recordSave(const Tessal::COrvikGigEDeviceInfo& deviceInfo)
 {
-    m_isSaveUnconfirmed = true;
-    m_temporaryAddresses.remove(fromAscii(deviceInfo.GetMacAddress())); // The camera has restarted.
+    m_unconfirmedMac = fromAscii(deviceInfo.GetMacAddress());
+    m_temporaryAddresses.remove(m_unconfirmedMac); // The camera has restarted.
 }
 
 /// Warns if the camera that was saved last does not report the values that were saved.
 void IpConfigurationWidget::confirmSave()
 {
-    if (!std::exchange(m_isSaveUnconfirmed, false)) {
+    const QString saved = std::exchange(m_unconfirmedMac, {});
+    // If the search after the save failed, another camera may have been waited for since.
+    if (saved.isEmpty() ||
+        saved.compare(fromAscii(m_rediscovered.GetMacAddress()), Qt::CaseInsensitive) != 0) {
         return;
     }
     const QString deviations = deviationsFrom(m_sent, m_rediscovered);

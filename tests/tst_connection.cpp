@@ -150,6 +150,18 @@ private slots:
     }
 
     void aHeldCameraIsGivenBack()
+    void anotherCameraIsNotTakenForTheSavedOne()
+    {
+        edit();
+        m_world.cameras.push_back(camera("km-2", "025E41000002", "10.9.9.9"));
+        cam().knowsBroadcast = true;
+        failAt("EnumerateDevicesAnySubnet", 2); // after the wait
+        saveFails({reportUnexpected("on_btnWriteConfiguration_clicked", "cable")});
+        m_world.at.clear();
+        forceByMac({fill({{"editMacAddress", "02-5E-41-00-00-02"}, {"editIpAddress", "192.168.1.50"}})});
+        QCOMPARE(takeDialogs(), QStringList{forceIpDialog}); // and no warning about the name
+    }
+
     {
         edit();
         cam().hasNodeMap = false; // leaves the camera open
