@@ -209,7 +209,7 @@ private:
                                            const GenICam::gcstring& mac);
     std::optional<IpSettings> askForTemporaryAddress(IpAddressWidget& dialog, GenICam::gcstring& mac);
     std::optional<IpSettings> readTemporaryAddress(const IpAddressWidget& dialog, GenICam::gcstring& mac);
-    void showActualAddress(const GenICam::gcstring& mac, const IpSettings& given);
+    void listActualAddress(const GenICam::gcstring& mac);
 
     Ui_IpConfigurationWidgetClass ui{};
     bool m_ipConfigModified = false;

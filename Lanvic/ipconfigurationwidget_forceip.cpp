@@ -9,6 +9,7 @@
 
 #include "ozlog/ozlog.h"
 #include "qtbase/failuretexts.h"
+#include "qtbase/formatting.h"
 #include "qtbase/messages.h"
 
 #include <QMessageBox>
@@ -117,7 +118,8 @@ bool IpConfigurationWidget::forceIp(const QString& headerText, bool showMacAddre
     if (!waitForDevice(fromAscii(mac))) {
         return false;
     }
-    const bool wasTaken = m_rediscovered.GetIpAddress() == settings->ipAddress.constData();
+    const QHostAddress given = addressFromText(QString::fromLatin1(settings->ipAddress));
+    const bool wasTaken = given == addressFromText(fromAscii(m_rediscovered.GetIpAddress()));
     if (wasTaken) {
         m_temporaryAddresses.insert(fromAscii(mac), QString::fromLatin1(settings->ipAddress));
     }
@@ -125,9 +127,14 @@ bool IpConfigurationWidget::forceIp(const QString& headerText, bool showMacAddre
         m_pDeviceLister->updateDeviceInfo(mac, nullptr, dialog.ipAddress().toLatin1(),
                                           dialog.subnetMask().toLatin1(), dialog.defaultGateway().toLatin1(),
                                           true);
+        if (!wasTaken) {
+            listActualAddress(mac);
+        }
     }
-    if (!wasTaken) {
-        showActualAddress(mac, *settings);
+    // 0.0.0.0 leaves the choice to the camera.
+    if (!wasTaken && given.toIPv4Address() != 0) {
+        reportForceIpFailure(mac,
+                             [&] { throw addressNotTaken(mac, *settings, m_rediscovered.GetIpAddress()); });
     }
     return true;
 }
@@ -188,16 +195,12 @@ std::optional<IpSettings> IpConfigurationWidget::readTemporaryAddress(const IpAd
 }
 
 /// Lists the address that the camera reports instead of the one that was sent: a camera that missed the
-/// command comes back with another one. That is a failure unless 0.0.0.0 was sent, which leaves the choice to
-/// the camera.
-void IpConfigurationWidget::showActualAddress(const GenICam::gcstring& mac, const IpSettings& given)
+/// command comes back with another one.
+void IpConfigurationWidget::listActualAddress(const GenICam::gcstring& mac)
 {
-    const GenICam::gcstring actual = m_rediscovered.GetIpAddress();
-    m_pDeviceLister->updateDeviceInfo(mac, nullptr, actual, m_rediscovered.GetSubnetMask(),
-                                      m_rediscovered.GetDefaultGateway(), true);
-    if (given.ipAddress != "0.0.0.0") {
-        reportForceIpFailure(mac, [&] { throw addressNotTaken(mac, given, actual); });
-    }
+    m_pDeviceLister->updateDeviceInfo(mac, nullptr, m_rediscovered.GetIpAddress(),
+                                      m_rediscovered.GetSubnetMask(), m_rediscovered.GetDefaultGateway(),
+                                      true);
 }
 
 bool IpConfigurationWidget::forceIpForConnection(QString& address, const ForceIpReason& reason)

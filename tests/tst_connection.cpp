@@ -9,6 +9,7 @@ class ConnectionTest : public GuiTest
 {
     Q_OBJECT
 
+    const QString m_temporary = "A temporary address: the camera has it until it restarts.";
     QStringList m_asked; // header, reason and fields of the Force IP dialog, as far as they are shown
 
     /// Edits the name of one camera that does not know the broadcast command.
@@ -149,7 +150,6 @@ private slots:
         QCOMPARE(m_world.take().last(30), QStringList(30, "sleep(2)"));
     }
 
-    void aHeldCameraIsGivenBack()
     void anotherCameraIsNotTakenForTheSavedOne()
     {
         edit();
@@ -162,6 +162,7 @@ private slots:
         QCOMPARE(takeDialogs(), QStringList{forceIpDialog}); // and no warning about the name
     }
 
+    void aHeldCameraIsGivenBack()
     {
         edit();
         cam().hasNodeMap = false; // leaves the camera open
@@ -223,9 +224,8 @@ private slots:
             "debug error forcing IP (err='cable')"};
         QCOMPARE(takeDebug().filter("orcing IP"), debug);
 
-        const QString mark = "A temporary address: the camera has it until it restarts.";
         refresh();
-        QCOMPARE(row("km-2").text(6) + ": " + row("km-2").toolTip(6), "192.168.1.51: " + mark);
+        QCOMPARE(row("km-2").text(6) + ": " + row("km-2").toolTip(6), "192.168.1.51: " + m_temporary);
         type("editDefaultGateway", "192.168.1.1");
         save(); // after a restart it has the address for good
         QCOMPARE(row("km-2").text(6) + ": " + row("km-2").toolTip(6), "192.168.1.51: ");
@@ -243,6 +243,13 @@ private slots:
                    "forceIp",
                    {"Camera MAC=025E41000001 was given the address 192.168.1.50 and has 192.168.1.77"}));
         QCOMPARE(row("km-1").text(6) + row("km-1").toolTip(6), "192.168.1.77");
+
+        // The same address, however it is written.
+        m_world.at["sleep"] = [this] { cam().record.SetIpAddress("10.1.1.1"); };
+        assign("km-1", {fillAddress("010.1.1.1")});
+        QCOMPARE(takeDialogs().last(), forceIpDialog);
+        refresh();
+        QCOMPARE(row("km-1").text(6) + ": " + row("km-1").toolTip(6), "10.1.1.1: " + m_temporary);
     }
 
     void theDialogKnowsTheAdapter()
