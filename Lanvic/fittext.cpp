@@ -61,6 +61,7 @@ private:
         if (m_scrollView == nullptr) {
             m_scrollView = new QTextBrowser(&m_label);
             m_scrollView->setAccessibleName(m_label.accessibleName());
+            m_scrollView->setAccessibleDescription(m_label.accessibleDescription());
             m_scrollView->setFrameShape(QFrame::NoFrame);
             m_scrollView->viewport()->setBackgroundRole(QPalette::Window);
             m_scrollView->setOpenLinks(false);
