@@ -154,7 +154,7 @@ private slots:
         QTest::addColumn<QString>("told");
         const auto forgets = [](const char* address) { return QJsonObject{{"forget", QJsonArray{address}}}; };
         QTest::newRow("the name is forgotten")
-            << forgets("0x00E8") << "The camera confirmed the new device user ID “gate” but reports “old”.";
+            << forgets("0x00E8") << camera + "confirmed the new device user ID “gate” but reports “old”.";
         QTest::newRow("the mode is forgotten")
             << forgets("0x0014") << camera + "confirmed the new IP configuration DHCP but reports Static IP.";
         QTest::newRow("the mode is written without a word")

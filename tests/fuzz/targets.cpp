@@ -32,6 +32,7 @@ struct AnyPort : gige::RegisterPort
     {
         require(!from.empty() && (address | from.size()) % 4 == 0 && from.size() <= spaceEnd - address);
     }
+    [[nodiscard]] net::Ipv4 address() const override { return {}; }
 };
 
 // One function for each program, of its name: that is what FUZZED says when it is compiled.

@@ -64,6 +64,7 @@ struct FakePort : gige::RegisterPort
         }
         put(address, QByteArray(reinterpret_cast<const char*>(from.data()), std::ssize(from)));
     }
+    [[nodiscard]] net::Ipv4 address() const override { return {}; }
     /// The first bytes at an address, NUL shown as a dot.
     [[nodiscard]] QString bytesAt(std::uint32_t address, int count = 8) const
     {

@@ -84,6 +84,7 @@ void StringRegister::checkKept(std::string_view text) const
     if (withoutTrailingBlanks(kept) != withoutTrailingBlanks(text)) {
         raise<GenICam::RuntimeException>({.kind = Tessal::FailureKind::NotKept,
                                           .setting = Tessal::Setting::Name,
+                                          .address = net::formatIpv4(m_port.address()),
                                           .wanted = std::string(text),
                                           .actual = kept},
                                          "The camera acknowledged the text " + excerpt(text) + " at " +

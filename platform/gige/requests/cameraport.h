@@ -36,7 +36,7 @@ public:
     /// register by register.
     void setWriteMemGranted(bool granted) { m_writeMemGranted = granted; }
 
-    [[nodiscard]] net::Ipv4 address() const { return m_address; }
+    [[nodiscard]] net::Ipv4 address() const override { return m_address; }
     /// The address of this host that the camera sees.
     [[nodiscard]] net::Ipv4 hostAddress() const { return m_socket.localAddress(); }
 

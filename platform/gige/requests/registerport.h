@@ -1,6 +1,7 @@
 #pragma once
 
 #include "errors.h"
+#include "net/addresses.h"
 
 #include <algorithm>
 #include <chrono>
@@ -34,6 +35,9 @@ public:
     /// Writes `from` at `address`. Throws InvalidArgumentException unless address and length are multiples of
     /// 4.
     virtual void write(std::uint32_t address, std::span<const std::uint8_t> from) = 0;
+
+    /// Of the camera, for what failures say.
+    [[nodiscard]] virtual net::Ipv4 address() const = 0;
 
     /// The time at which any request counts as unanswered.
     [[nodiscard]] TimePoint deadline() const { return m_deadline; }
