@@ -122,14 +122,14 @@ public:
     }
 
 private:
-    void report(Place place, const QString& text, bool canBeForced = false)
+    void report(FilePosition place, const QString& text, bool canBeForced = false)
     {
         m_checked.findings.push_back({place, text, canBeForced});
     }
 
     std::optional<Camera> cameraOf(const PlanRow& row)
     {
-        const Place place = row.places.at(row.mac ? Column::Mac : Column::Serial);
+        const FilePosition place = row.places.at(row.mac ? Column::Mac : Column::Serial);
         const QString what = row.mac ? QStringLiteral("the MAC address ") + text(*row.mac)
                                      : QStringLiteral("the serial number ") + row.serial;
         std::optional<Camera> found;

@@ -100,7 +100,7 @@ private:
     std::string_view m_text;
     char m_separator;
     std::size_t m_at = 0;
-    Place m_place{1, 1};
+    FilePosition m_place{1, 1};
 };
 
 } // namespace

@@ -9,7 +9,7 @@
 namespace cli {
 
 /// A place in a file. Both count from 1, columns in characters of UTF-8.
-struct Place
+struct FilePosition
 {
     std::size_t line = 0;
     std::size_t column = 0;
@@ -18,12 +18,12 @@ struct Place
 struct CsvField
 {
     std::string text;
-    Place place; // Of its first character.
+    FilePosition place; // Of its first character.
 };
 
 struct CsvError
 {
-    Place place;
+    FilePosition place;
     const char* reason;
 };
 

@@ -118,7 +118,7 @@ int set(DeviceLister& lister, const Network& network, const Options& options)
     }
     std::map<Column, QString> fields = options.fields;
     fields[Column::Mac] = meant.empty() ? options.operand : text(meant.front().mac);
-    std::map<Column, Place> places;
+    std::map<Column, FilePosition> places;
     for (const auto& [column, field] : fields) {
         places[column] = {};
     }

@@ -64,7 +64,7 @@ std::vector<std::optional<Column>> parseHeader(const std::vector<CsvField>& head
     return columns;
 }
 
-Mode parseMode(const std::map<Column, QString>& fields, Place place, std::vector<Finding>& findings)
+Mode parseMode(const std::map<Column, QString>& fields, FilePosition place, std::vector<Finding>& findings)
 {
     using enum Mode;
     const QString mode = fields.at(Column::Mode).toLower();
@@ -115,7 +115,7 @@ void parseAddresses(PlanRow& row, const std::map<Column, QString>& fields, std::
 
 } // namespace
 
-PlanRow parseRow(const std::map<Column, QString>& fields, std::map<Column, Place> places,
+PlanRow parseRow(const std::map<Column, QString>& fields, std::map<Column, FilePosition> places,
                  std::vector<Finding>& findings)
 {
     PlanRow row{.mac = net::parseMac(fields.at(Column::Mac).toStdString()),
@@ -172,7 +172,7 @@ Plan parsePlan(const QByteArray& text)
             continue;
         }
         std::map<Column, QString> texts;
-        std::map<Column, Place> places;
+        std::map<Column, FilePosition> places;
         for (const auto& [name, column] : readColumns) { // Those that the plan has not are empty.
             texts[column].clear();
             places[column] = fields.front().place;

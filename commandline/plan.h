@@ -14,7 +14,7 @@ enum class Column { Mac, Serial, Mode, Address, Mask, Gateway, Name };
 /// What is wrong with a plan. Its place is empty for what comes from options.
 struct Finding
 {
-    Place place;
+    FilePosition place;
     QString text;
     bool canBeForced = false; // Possible, but probably a mistake in the present network.
 };
@@ -35,7 +35,7 @@ struct PlanRow
     std::optional<net::MacAddress> mac;
     QString serial;
     Wanted wanted;
-    std::map<Column, Place> places; // Each column has one.
+    std::map<Column, FilePosition> places; // Each column has one.
 };
 
 struct Plan
@@ -48,7 +48,7 @@ struct Plan
 [[nodiscard]] Plan parsePlan(const QByteArray& text);
 
 /// Reads what one line says, and adds what is wrong with it to `findings`.
-[[nodiscard]] PlanRow parseRow(const std::map<Column, QString>& fields, std::map<Column, Place> places,
+[[nodiscard]] PlanRow parseRow(const std::map<Column, QString>& fields, std::map<Column, FilePosition> places,
                                std::vector<Finding>& findings);
 
 struct TemporaryAddress
