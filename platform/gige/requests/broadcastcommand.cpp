@@ -17,10 +17,11 @@ constexpr std::array<std::chrono::milliseconds, 5> restartSends{0ms, 40ms, 80ms,
 constexpr auto objectionTime = 100ms; // a simple camera takes 60 ms to answer
 constexpr std::size_t batch = 64;     // datagrams of one socket before the clock is checked
 
-class Conversation
+/// One command to all adapters, and the answers of the camera that is meant.
+class BroadcastExchange
 {
 public:
-    Conversation(const Request& request, const ExpectedSources& sources, const RetryPlan& plan)
+    BroadcastExchange(const Request& request, const ExpectedSources& sources, const RetryPlan& plan)
         : m_request(request), m_sources(sources), m_attempts(plan, Clock::now())
     {}
 
@@ -39,7 +40,7 @@ private:
     bool m_settled = false;
 };
 
-std::optional<gvcp::Status> Conversation::run(Tessal::Failure failure)
+std::optional<gvcp::Status> BroadcastExchange::run(Tessal::Failure failure)
 {
     for (auto now = Clock::now(); !m_settled && !m_attempts.isOver(now); now = Clock::now()) {
         if (m_attempts.isSendDue(now)) {
@@ -61,7 +62,7 @@ std::optional<gvcp::Status> Conversation::run(Tessal::Failure failure)
     return m_status;
 }
 
-void Conversation::listen()
+void BroadcastExchange::listen()
 {
     std::vector<pollfd> sockets;
     m_broadcaster.appendTo(sockets);
@@ -73,7 +74,7 @@ void Conversation::listen()
     }
 }
 
-void Conversation::handle(const Datagram& datagram)
+void BroadcastExchange::handle(const Datagram& datagram)
 {
     using enum Reply::Kind;
     const Reply reply = m_request.judge(datagram.bytes);
@@ -96,7 +97,7 @@ void Conversation::handle(const Datagram& datagram)
     }
 }
 
-bool Conversation::isPlausibleSource(const Reply& reply, net::Ipv4 source) const
+bool BroadcastExchange::isPlausibleSource(const Reply& reply, net::Ipv4 source) const
 {
     const auto& [camera, others] = m_sources;
     return camera.contains(source) || (!others.contains(source) && (camera.empty() || reply.namesCamera));
@@ -117,7 +118,7 @@ RetryPlan restartPlan()
 std::optional<gvcp::Status> broadcastCommand(const Request& request, const ExpectedSources& sources,
                                              const RetryPlan& plan, Tessal::Failure failure)
 {
-    return Conversation(request, sources, plan).run(std::move(failure));
+    return BroadcastExchange(request, sources, plan).run(std::move(failure));
 }
 
 } // namespace gige

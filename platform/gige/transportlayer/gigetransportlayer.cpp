@@ -60,7 +60,7 @@ int askAccessibility(net::Ipv4 address, int adapterIndex, const std::optional<ne
 
 } // namespace
 
-void GigETransportLayer::search()
+void GigETransportLayer::searchAll()
 {
     invalidateCache();
     m_found = searchCameras(m_searches);
@@ -90,7 +90,7 @@ bool GigETransportLayer::renewCache()
     return true;
 }
 
-int GigETransportLayer::list(Tessal::DeviceInfoList& list, bool append, bool onlyUnicast) const
+int GigETransportLayer::copyFound(Tessal::DeviceInfoList& list, bool append, bool onlyUnicast) const
 {
     if (!append) {
         list.clear();
@@ -107,16 +107,16 @@ int GigETransportLayer::list(Tessal::DeviceInfoList& list, bool append, bool onl
 
 int GigETransportLayer::EnumerateDevicesAnySubnet(Tessal::DeviceInfoList& found, bool append)
 {
-    search();
-    return list(found, append, false);
+    searchAll();
+    return copyFound(found, append, false);
 }
 
 int GigETransportLayer::EnumerateDevices(Tessal::DeviceInfoList& found, bool append)
 {
     if (!renewCache()) {
-        search();
+        searchAll();
     }
-    return list(found, append, true);
+    return copyFound(found, append, true);
 }
 
 Tessal::CDeviceInfo GigETransportLayer::CreateDeviceInfo()

@@ -48,14 +48,14 @@ public:
     void SetExpectedMac(const GenICam::gcstring& mac) override;
 
 private:
-    void search();
+    void searchAll();
     /// Whether the results of the latest search are still valid; if so, they are for another second from now.
     [[nodiscard]] bool renewCache();
     /// For commands that are about to change the state of cameras.
     void invalidateCache() { m_cachedUntil = {}; }
-    /// Lists the cameras that the latest search found, all or only those that answer over unicast. Returns
-    /// how many.
-    int list(Tessal::DeviceInfoList& list, bool append, bool onlyUnicast) const;
+    /// Fills the list with the cameras that the latest search found, all or only those that answer over
+    /// unicast. Returns how many.
+    int copyFound(Tessal::DeviceInfoList& list, bool append, bool onlyUnicast) const;
     [[nodiscard]] const FoundCamera* findCached(const Tessal::CDeviceInfo& info);
     [[nodiscard]] ExpectedSources expectedSources(const net::MacAddress& mac) const;
     /// For the maker's cameras: the stored bytes of the name if `name` is how they are shown, so that saving

@@ -127,10 +127,10 @@ void GigETransportLayer::assign(const gvcp::AddressAssignment& assignment, const
 void GigETransportLayer::checkAssigned(const gvcp::AddressAssignment& assignment)
 {
     const auto lastLook = Clock::now() + addressChangeTime;
-    search();
+    searchAll();
     auto instead = addressInstead(m_found, assignment);
     while (instead && Clock::now() < lastLook) {
-        search();
+        searchAll();
         instead = addressInstead(m_found, assignment);
     }
     Failure failure{.setting = Setting::TemporaryAddress,
