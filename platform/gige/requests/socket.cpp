@@ -103,6 +103,17 @@ iovec readOnly(gvcp::Bytes bytes)
     return {.iov_base = const_cast<std::uint8_t*>(bytes.data()), .iov_len = bytes.size()};
 }
 
+/// Of one part, for or from `peer`.
+msghdr makeMessage(sockaddr_in& peer, iovec& part)
+{
+    msghdr message{};
+    message.msg_name = &peer;
+    message.msg_namelen = sizeof peer;
+    message.msg_iov = &part;
+    message.msg_iovlen = 1;
+    return message;
+}
+
 int sendMessage(int descriptor, const msghdr& message)
 {
     while (::sendmsg(descriptor, &message, MSG_NOSIGNAL) < 0) {
@@ -194,11 +205,7 @@ int UdpSocket::sendTo(gvcp::Bytes bytes, const Endpoint& to, std::optional<Origi
     sockaddr_in address = toSockaddr(to);
     iovec data = readOnly(bytes);
     PacketInfoBuffer control{};
-    msghdr message{};
-    message.msg_name = &address;
-    message.msg_namelen = sizeof address;
-    message.msg_iov = &data;
-    message.msg_iovlen = 1;
+    msghdr message = makeMessage(address, data);
     if (from) {
         putPacketInfo(message, control, *from);
     }
@@ -210,11 +217,7 @@ std::optional<Datagram> UdpSocket::receive(ReceiveBuffer& buffer) const
     sockaddr_in source{};
     iovec data{.iov_base = buffer.data(), .iov_len = buffer.size()};
     PacketInfoBuffer control{};
-    msghdr message{};
-    message.msg_name = &source;
-    message.msg_namelen = sizeof source;
-    message.msg_iov = &data;
-    message.msg_iovlen = 1;
+    msghdr message = makeMessage(source, data);
     message.msg_control = control.bytes.data();
     message.msg_controllen = control.bytes.size();
     ssize_t length = 0;
