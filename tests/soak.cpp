@@ -89,7 +89,8 @@ bool run(const Line& line, int searches, int saves)
     std::printf("%-26s %3d of %3d   %3d of %3d done, %3d wrong\n", line.name, searches - missed, searches,
                 done, saves, wrong);
     std::fflush(stdout);
-    return missed * 1000 <= line.missesPerThousand * searches && wrong == 0;
+    // A save that is reported as not done is honest, but most must get through.
+    return missed * 1000 <= line.missesPerThousand * searches && wrong == 0 && done * 2 >= saves;
 }
 
 } // namespace
