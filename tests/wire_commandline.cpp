@@ -41,6 +41,20 @@ class CommandLineWireTest : public QObject
         m_wanted += QString("%1 192.168.10.%2").arg(camera).arg(address);
     }
 
+    /// The first cameras of each maker; the two very first swap their addresses.
+    void planLine(int count)
+    {
+        for (int i = 1; i <= count; ++i) {
+            plan("line-" + QString::number(i), i, "025E410000", i == 1 ? 71 : 120 + i);
+        }
+    }
+    void planOther(int count)
+    {
+        for (int i = 1; i <= count; ++i) {
+            plan("other-" + QString::number(i), i, "02A3170000", i == 1 ? 21 : 170 + i);
+        }
+    }
+
     /// Where the cameras say that they are.
     QStringList addresses()
     {
@@ -56,12 +70,12 @@ private slots:
         m_plan.resize(0);
         m_plan.write("mac,address\n");
         m_wanted.clear();
-        for (int i = 1; i <= 40; ++i) {
-            plan("line-" + QString::number(i), i, "025E410000", i == 1 ? 71 : 120 + i);
-        }
-        for (int i = 1; i <= 20; ++i) {
-            plan("other-" + QString::number(i), i, "02A3170000", i == 1 ? 21 : 170 + i);
-        }
+    }
+
+    void aPlanIsCarriedOutOnce()
+    {
+        planLine(40);
+        planOther(20);
         plan("stubborn", 0x44, "025E410000", 204);
         plan("used", 0x41, "02A3170000", 201);
         plan("foreign", 0x42, "02A3170000", 202);
@@ -70,10 +84,7 @@ private slots:
         // Two stay where they are.
         m_wanted.replaceInStrings("stubborn 192.168.10.204", "stubborn 192.168.10.104");
         m_wanted.replaceInStrings("used 192.168.10.201", "used 192.168.10.101");
-    }
 
-    void aPlanIsCarriedOutOnce()
-    {
         QCOMPARE(run({}), 1);
         QCOMPARE(m_lines.last(), "61 done, 0 already as planned, 3 failed, 0 not started");
         m_errors.sort();
@@ -106,6 +117,9 @@ private slots:
 
     void anInterruptedPlanIsCompletedByAnotherRun()
     {
+        planLine(24);
+        planOther(1);
+        m_plan.flush();
         for (const auto& [ending, camera] : {std::pair{SIGKILL, "line-9 "}, {SIGINT, "line-19 "}}) {
             QProcess program;
             program.start(LANVIC_CLI, arguments());
@@ -113,14 +127,16 @@ private slots:
             ::kill(static_cast<pid_t>(program.processId()), ending);
             QVERIFY(program.waitForFinished(20000));
             m_lines = QString::fromUtf8(program.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
-            QVERIFY(addresses() != m_wanted);
+            QVERIFY(!addresses().contains("line-24 192.168.10.144"));
         }
         QVERIFY2(m_lines.join('\n').contains("02:5E:41:00:00:13 (km-1300): done"),
                  qPrintable(m_lines.join('\n')));
         QVERIFY2(!m_lines.last().endsWith(" 0 not started"), qPrintable(m_lines.last()));
-        QCOMPARE(run({}), 1);
-        QCOMPARE(m_errors.size(), 3);
-        QCOMPARE(addresses(), m_wanted);
+        QCOMPARE(run({}), 0);
+        QCOMPARE(m_errors, QStringList());
+        const QStringList now = addresses();
+        m_wanted.removeIf([&](const QString& wanted) { return now.contains(wanted); });
+        QCOMPARE(m_wanted, QStringList());
     }
 };
 
