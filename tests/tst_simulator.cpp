@@ -209,13 +209,44 @@ private slots:
         QVERIFY2(events.endsWith("name=\"a\\x1B[\\x0Ara\""), qPrintable(events));
     }
 
-    void aMistypedFaultIsRefused()
+    void aMistakeInASceneIsNamed_data()
     {
+        QTest::addColumn<QJsonObject>("camera");
+        QTest::addColumn<QString>("told");
+        const auto row = [](const char* name, const QJsonObject& camera, const QString& told) {
+            QTest::newRow(name) << camera << told;
+        };
+        row("a mistyped fault", {{"losePacket", QJsonArray{1}}}, "losePacket: is no known key");
+        row("an unknown word", {{"description", QJsonObject{{"kind", "cbor"}}}},
+            "description.kind: must be one of ");
+        row("a file that is not there", {{"description", QJsonObject{{"kind", "plain"}, {"file", "a.xml"}}}},
+            "description.file: cannot be read (No such file or directory)");
+        row("a mask with a gap", {{"persistent", QJsonObject{{"ip", "10.0.0.1"}, {"mask", "255.0.255.0"}}}},
+            "persistent.mask: is not a subnet mask");
+        row("a refusal that is none", {{"refuse", QJsonObject{{"FORCEIP", "7"}}}},
+            "refuse.FORCEIP: must be a status from 8001 to FFFF");
+        row("a refused command that is none", {{"refuse", QJsonObject{{"FORCE", "8007"}}}},
+            "refuse.FORCE: is neither a command nor register:ADDRESS nor read:ADDRESS");
+        row("no heartbeat", {{"heartbeatTimeoutMs", 0}}, "heartbeatTimeoutMs: must not be 0");
+        row("a user without use", {{"inUseBy", "10.0.0.2"}}, "inUseBy: needs inUse");
+        row("an adapter that is not there", {{"alsoOn", QJsonArray{"lab7"}}},
+            "alsoOn[0]: is not an adapter of this scene");
+        row("many with the same number", {{"count", 2}, {"serial", "none"}},
+            "serial: must end in a number, which count increments");
+        row("a number in words", {{"restartMs", "soon"}}, "restartMs: must be a whole number from 0 to ");
+        row("without a name", {{"name", ""}}, "name: is empty");
+    }
+
+    void aMistakeInASceneIsNamed()
+    {
+        QFETCH(const QJsonObject, camera);
+        QFETCH(const QString, told);
         try {
-            (void)sim::parseScene(sceneText({{"losePacket", QJsonArray{1}}}), ".");
+            (void)sim::parseScene(sceneText(camera), ".");
             QFAIL("accepted");
         } catch (const sim::SceneError& error) {
-            QCOMPARE(error.what(), "adapters[0].cameras[0].losePacket: is no known key");
+            const QString expected = "adapters[0].cameras[0]." + told;
+            QCOMPARE(QString(error.what()).left(expected.size()), expected);
         }
     }
 
