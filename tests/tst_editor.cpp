@@ -3,6 +3,7 @@
 
 #include <QKeyEvent>
 #include <QRadioButton>
+#include <QToolTip>
 
 using namespace gui;
 using sdk::camera;
@@ -174,6 +175,15 @@ private slots:
         QVERIFY(child<QRadioButton>("btnUseAutoIp").isChecked());
         QCOMPARE(child<QWidget>("editIpAddress").accessibleDescription(), QString());
         QCOMPARE(child<QWidget>("btnWriteConfiguration").accessibleDescription(), "No camera is selected.");
+    }
+
+    void aMistakeIsPointedOutWhileItIsTyped()
+    {
+        edit();
+        type("editIpAddress", "192.168.1.255");
+        QCOMPARE(QToolTip::text(), child<QWidget>("editIpAddress").toolTip());
+        type("editIpAddress", "192.168.1.77");
+        QTRY_VERIFY(!QToolTip::isVisible());
     }
 
     void escapeTakesTheEditsBack()
