@@ -72,6 +72,54 @@ private slots:
         m_wanted.clear();
     }
 
+    void wrongUsageIsExplained_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QString>("told");
+        const auto row = [](const QStringList& arguments, const char* told) {
+            QTest::newRow(qPrintable(arguments.join(' '))) << arguments << QString(told);
+        };
+        const QString static9 = "--static=192.168.10.9/24";
+        const char* const excluding =
+            "--static, --dhcp, --auto-ip and --temporary exclude each other; --temporary excludes --name";
+        row({}, "no command");
+        row({"lost"}, "there is no command \"lost\"");
+        row({"list", "all"}, "list takes --json or --csv and nothing else");
+        row({"list", "--json", "--csv"}, "list takes --json or --csv and nothing else");
+        row({"list", "--dhcp"}, "Unknown option 'dhcp'.");
+        row({"set", "--dhcp"}, "set takes one camera");
+        row({"set", "line-1", static9, "--dhcp"}, excluding);
+        row({"set", "line-1", "--temporary=192.168.10.9/24", "--name=x"}, excluding);
+        row({"set", "line-1", "--dhcp", "--gateway=192.168.10.1"},
+            "--gateway goes with --static or --temporary");
+        row({"set", "line-1"}, "nothing to set");
+        row({"apply"}, "apply takes one plan");
+        row({"apply", "plan.csv", "--timeout=soon"}, "\"soon\" is not a number of seconds");
+    }
+
+    void wrongUsageIsExplained()
+    {
+        QFETCH(const QStringList, arguments);
+        QFETCH(const QString, told);
+        QProcess program;
+        program.start(LANVIC_CLI, arguments);
+        QVERIFY(program.waitForFinished());
+        QCOMPARE(QString::fromUtf8(program.readAllStandardError()),
+                 "lanvic-cli: " + told + "\nTry 'lanvic-cli --help'.\n");
+        QCOMPARE(program.exitCode(), 2);
+    }
+
+    void camerasStayWhereTheyAreIfAnotherOfTheirCircleCannotMove()
+    {
+        plan("line-2", 2, "025E410000", 23); // the address of line-3
+        plan("line-3", 3, "025E410000", 101);
+        plan("used", 0x41, "02A3170000", 22);
+        m_plan.flush();
+        QCOMPARE(run({}), 1);
+        QCOMPARE(m_lines.last(), "0 done, 0 already as planned, 1 failed, 2 not started");
+        QCOMPARE(m_simulator->takeEvents().filter("forced "), QStringList());
+    }
+
     void aPlanIsCarriedOutOnce()
     {
         planLine(40);
