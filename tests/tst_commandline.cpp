@@ -3,6 +3,7 @@
 
 #include "tessal/transportlayer.h"
 
+#include <QJsonDocument>
 #include <QTest>
 
 using namespace cli;
@@ -170,11 +171,52 @@ private slots:
         }
     }
 
-    void aTableFitsTheTerminal()
+    void aListIsFormatted_data()
     {
-        for (const QString& line : formatList(bench(), Format::Table, 80).split('\n')) {
-            QVERIFY2(line.size() <= 80, qPrintable(line));
+        QTest::addColumn<Format>("format");
+        QTest::addColumn<int>("width"); // In columns; 0 for any.
+        QTest::addColumn<QString>("list");
+        const QString full =
+            "  NAME           MODEL    SERIAL  MAC                STATUS  MODE    ADDRESS         \n"
+            "lab0  192.168.10.1/24\n"
+            "  camera 1       km-1300  1       02:00:00:00:00:01  ok      static  192.168.10.21/24\n"
+            "  gate, \"left\"\uFFFD  km-1300  2       02:00:00:00:00:02  ok      static  192.168.10.22/24\n"
+            "lab1  192.168.10.251/24\n";
+        QTest::newRow("a table") << Format::Table << 0 << full;
+        QTest::newRow("a table that just fits") << Format::Table << 85 << full;
+        QTest::newRow("a name that is cut") << Format::Table << 84
+                                            << QString(full)
+                                                   .replace("NAME  ", "NAME ")
+                                                   .replace("camera 1 ", "camera 1")
+                                                   .replace("t\"\uFFFD", "t\u2026");
+        QTest::newRow("no room for models")
+            << Format::Table << 56
+            << "  NAME    MAC                STATUS  MODE    ADDRESS         \n"
+               "lab0  192.168.10.1/24\n"
+               "  camer\u2026  02:00:00:00:00:01  ok      static  192.168.10.21/24\n"
+               "  gate,\u2026  02:00:00:00:00:02  ok      static  192.168.10.22/24\n"
+               "lab1  192.168.10.251/24\n";
+        const QString json =
+            R"({"address":"192.168.10.2%1","gateway":"0.0.0.0","mac":"02:00:00:00:00:0%1","mask":"255.255.255.0",)"
+            R"("mode":"static","model":"km-1300","name":"%2","serial":"%1","status":"ok","vendor":""})";
+        QTest::newRow("JSON")
+            << Format::Json << 0
+            << R"({"adapters":[{"addresses":["192.168.10.1/24"],"cameras":[)" + json.arg(1).arg("camera 1") +
+                   ',' + json.arg(2).arg(R"(gate, \"left\"\u0002)") +
+                   R"(],"name":"lab0"},{"addresses":["192.168.10.251/24"],"cameras":[],"name":"lab1"}]})";
+    }
+
+    void aListIsFormatted()
+    {
+        QFETCH(const Format, format);
+        QFETCH(const int, width);
+        Network network = bench();
+        network.cameras.resize(2);
+        QString list = formatList(network, format, width);
+        if (format == Format::Json) {
+            list = QJsonDocument::fromJson(list.toUtf8()).toJson(QJsonDocument::Compact);
         }
+        QTEST(list, "list");
     }
 
     void anAmbiguousOperandMatchesSeveralCameras()
