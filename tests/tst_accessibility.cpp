@@ -52,6 +52,9 @@ private slots:
         tree().scrollToBottom();
         press(QKeySequence("Shift+F10"));
         QCOMPARE(rowsOfMenus, (QStringList{"km-1", "km-1"}));
+        child<QWidget>("editCustomName").setFocus();
+        press(QKeySequence("Shift+F10")); // there the key is the field's
+        QCOMPARE(rowsOfMenus.size(), 2);
 
         IpAddressWidget dialog(m_window.get());
         QCOMPARE(gui::mnemonics(*m_window->centralWidget(), child<QMenuBar>("menuBar").actions()),

@@ -207,6 +207,9 @@ private slots:
         bench.ask(packets::writeRegisters({{reg::UserDefinedName, 0x611B5B0A}})); // "a", ESC, "[", line feed
         const QString events = bench.takeEvents().join('\n');
         QVERIFY2(events.endsWith("name=\"a\\x1B[\\x0Ara\""), qPrintable(events));
+        Bench named({{"name", "two words"}});
+        named.ask(takeExclusive);
+        QCOMPARE(named.takeEvents().join("").section(' ', 1, 2), "camera=\"two words\"");
     }
 
     void aMistakeInASceneIsNamed_data()
