@@ -17,11 +17,13 @@ class CommandLineWireTest : public QObject
 
     QStringList arguments() { return {"apply", m_plan.fileName(), "--timeout", "3"}; }
 
+    int run(const QStringList& options) { return call(arguments() + options); }
+
     /// Runs the program to its end. Returns its exit status.
-    int run(const QStringList& options)
+    int call(const QStringList& arguments)
     {
         QProcess program;
-        program.start(LANVIC_CLI, arguments() + options);
+        program.start(LANVIC_CLI, arguments);
         const bool hasEnded = program.waitForFinished(120000);
         m_lines = QString::fromUtf8(program.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
         m_errors = QString::fromUtf8(program.readAllStandardError()).split('\n', Qt::SkipEmptyParts);
@@ -101,12 +103,37 @@ private slots:
     {
         QFETCH(const QStringList, arguments);
         QFETCH(const QString, told);
-        QProcess program;
-        program.start(LANVIC_CLI, arguments);
-        QVERIFY(program.waitForFinished());
-        QCOMPARE(QString::fromUtf8(program.readAllStandardError()),
-                 "lanvic-cli: " + told + "\nTry 'lanvic-cli --help'.\n");
-        QCOMPARE(program.exitCode(), 2);
+        QCOMPARE(call(arguments), 2);
+        QCOMPARE(m_errors, (QStringList{"lanvic-cli: " + told, "Try 'lanvic-cli --help'."}));
+    }
+
+    void oneCameraIsSetAndListed()
+    {
+        const QStringList setting{"set", "025E41000002", "--static=192.168.10.99/24",
+                                  "--name=16 bytes of name"};
+        const QString change =
+            "static 192.168.10.22/24 gateway 192.168.10.1 -> static 192.168.10.99/24, name "
+            "\"\" -> \"16 bytes of name\"";
+        QCOMPARE(call(setting + QStringList{"--dry-run"}), 0);
+        QCOMPARE(m_lines, QStringList{"02:5E:41:00:00:02 (km-1300): " + change});
+        QCOMPARE(call(setting), 0);
+        QCOMPARE(m_lines, (QStringList{"02:5E:41:00:00:02 (km-1300): done: " + change,
+                                       "1 done, 0 already as planned, 0 failed, 0 not started"}));
+        QCOMPARE(call({"set", "16 bytes of name", "--temporary=192.168.10.98/24"}), 0);
+        QCOMPARE(call({"list", "--csv"}), 0);
+        QCOMPARE(m_lines.size(), 65);
+        QCOMPARE(
+            m_lines.filter("16 bytes"),
+            QStringList{
+                "lab0,02:5E:41:00:00:02,21000002,Orvik,km-1300,ok,static,192.168.10.98,255.255.255.0,0.0.0.0,16 bytes of name"});
+        QCOMPARE(call({"set", "belt", "--dhcp"}), 2);
+        QCOMPARE(
+            m_errors,
+            QStringList{"lanvic-cli: no camera was found with the serial number, name or address \"belt\""});
+        m_simulator.reset();
+        QCOMPARE(call({"list"}), 3);
+        QCOMPARE(m_errors,
+                 QStringList{"lanvic-cli: no network adapter that is up and connected has an address"});
     }
 
     void camerasStayWhereTheyAreIfAnotherOfTheirCircleCannotMove()
