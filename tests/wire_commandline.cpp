@@ -17,13 +17,11 @@ class CommandLineWireTest : public QObject
 
     QStringList arguments() { return {"apply", m_plan.fileName(), "--timeout", "3"}; }
 
-    int run(const QStringList& options) { return call(arguments() + options); }
-
     /// Runs the program to its end. Returns its exit status.
-    int call(const QStringList& arguments)
+    int run(const QStringList& options)
     {
         QProcess program;
-        program.start(LANVIC_CLI, arguments);
+        program.start(LANVIC_CLI, arguments() + options);
         const bool hasEnded = program.waitForFinished(120000);
         m_lines = QString::fromUtf8(program.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
         m_errors = QString::fromUtf8(program.readAllStandardError()).split('\n', Qt::SkipEmptyParts);
@@ -74,68 +72,6 @@ private slots:
         m_wanted.clear();
     }
 
-    void wrongUsageIsExplained_data()
-    {
-        QTest::addColumn<QStringList>("arguments");
-        QTest::addColumn<QString>("told");
-        const auto row = [](const QStringList& arguments, const char* told) {
-            QTest::newRow(qPrintable(arguments.join(' '))) << arguments << QString(told);
-        };
-        const QString static9 = "--static=192.168.10.9/24";
-        const char* const excluding =
-            "--static, --dhcp, --auto-ip and --temporary exclude each other; --temporary excludes --name";
-        row({}, "no command");
-        row({"lost"}, "there is no command \"lost\"");
-        row({"list", "all"}, "list takes --json or --csv and nothing else");
-        row({"list", "--json", "--csv"}, "list takes --json or --csv and nothing else");
-        row({"list", "--dhcp"}, "Unknown option 'dhcp'.");
-        row({"set", "--dhcp"}, "set takes one camera");
-        row({"set", "line-1", static9, "--dhcp"}, excluding);
-        row({"set", "line-1", "--temporary=192.168.10.9/24", "--name=x"}, excluding);
-        row({"set", "line-1", "--dhcp", "--gateway=192.168.10.1"},
-            "--gateway goes with --static or --temporary");
-        row({"set", "line-1"}, "nothing to set");
-        row({"apply"}, "apply takes one plan");
-        row({"apply", "plan.csv", "--timeout=soon"}, "\"soon\" is not a number of seconds");
-    }
-
-    void wrongUsageIsExplained()
-    {
-        QFETCH(const QStringList, arguments);
-        QFETCH(const QString, told);
-        QCOMPARE(call(arguments), 2);
-        QCOMPARE(m_errors, (QStringList{"lanvic-cli: " + told, "Try 'lanvic-cli --help'."}));
-    }
-
-    void oneCameraIsSetAndListed()
-    {
-        const QStringList setting{"set", "025E41000002", "--static=192.168.10.99/24",
-                                  "--name=16 bytes of name"};
-        const QString change =
-            "static 192.168.10.22/24 gateway 192.168.10.1 -> static 192.168.10.99/24, name "
-            "\"\" -> \"16 bytes of name\"";
-        QCOMPARE(call(setting + QStringList{"--dry-run"}), 0);
-        QCOMPARE(m_lines, QStringList{"02:5E:41:00:00:02 (km-1300): " + change});
-        QCOMPARE(call(setting), 0);
-        QCOMPARE(m_lines, (QStringList{"02:5E:41:00:00:02 (km-1300): done: " + change,
-                                       "1 done, 0 already as planned, 0 failed, 0 not started"}));
-        QCOMPARE(call({"set", "16 bytes of name", "--temporary=192.168.10.98/24"}), 0);
-        QCOMPARE(call({"list", "--csv"}), 0);
-        QCOMPARE(m_lines.size(), 65);
-        QCOMPARE(
-            m_lines.filter("16 bytes"),
-            QStringList{
-                "lab0,02:5E:41:00:00:02,21000002,Orvik,km-1300,ok,static,192.168.10.98,255.255.255.0,0.0.0.0,16 bytes of name"});
-        QCOMPARE(call({"set", "belt", "--dhcp"}), 2);
-        QCOMPARE(
-            m_errors,
-            QStringList{"lanvic-cli: no camera was found with the serial number, name or address \"belt\""});
-        m_simulator.reset();
-        QCOMPARE(call({"list"}), 3);
-        QCOMPARE(m_errors,
-                 QStringList{"lanvic-cli: no network adapter that is up and connected has an address"});
-    }
-
     void camerasStayWhereTheyAreIfAnotherOfTheirCircleCannotMove()
     {
         plan("line-2", 2, "025E410000", 23); // the address of line-3
@@ -144,6 +80,8 @@ private slots:
         m_plan.flush();
         QCOMPARE(run({}), 1);
         QCOMPARE(m_lines.last(), "0 done, 0 already as planned, 1 failed, 2 not started");
+        QCOMPARE(m_errors.last(), "lanvic-cli: 02:5E:41:00:00:03 (km-1300): not started: The address "
+                                  "192.168.10.101 is still that of the camera 02:A3:17:00:00:41.");
         QCOMPARE(m_simulator->takeEvents().filter("forced "), QStringList());
     }
 
@@ -172,6 +110,7 @@ private slots:
                 "lanvic-cli: 02:A3:17:00:00:41 (BX-4): failed: The camera 192.168.10.101 is controlled by another application, on the "
                 "computer 192.168.10.250. Close the connection there, then try again."}));
         QCOMPARE(addresses(), m_wanted);
+        QCOMPARE(m_simulator->states().filter(" enabled=persistent ").size(), 64);
         // At no time two cameras had one address.
         std::map<QString, QString> camerasAt{{"192.168.10.21", "line-1"}, {"192.168.10.71", "other-1"}};
         const QRegularExpression taken("^(?:restarted|forced) camera=(\\S+) .*ip=(\\S+) ");
@@ -183,8 +122,13 @@ private slots:
             }
         }
 
-        QCOMPARE(run({}), 2); // One camera is missing now.
+        QCOMPARE(run({}), 2);
+        QCOMPARE(m_errors,
+                 (QStringList{"lanvic-cli: " + m_plan.fileName() +
+                                  ":65:1: no camera was found that has the MAC address 02:5E:41:00:00:43",
+                              "lanvic-cli: nothing was changed; use --force to continue anyway"}));
         QCOMPARE(run({"--force"}), 1);
+        QVERIFY(m_lines.contains("02:5E:41:00:00:01 (km-1300): as planned"));
         QCOMPARE(m_lines.last(), "0 done, 61 already as planned, 2 failed, 0 not started");
         const QStringList events = m_simulator->takeEvents();
         QCOMPARE(events, events.filter("camera=stubborn "));
@@ -202,11 +146,13 @@ private slots:
             ::kill(static_cast<pid_t>(program.processId()), ending);
             QVERIFY(program.waitForFinished(20000));
             m_lines = QString::fromUtf8(program.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
+            m_errors = QString::fromUtf8(program.readAllStandardError()).split('\n', Qt::SkipEmptyParts);
             QVERIFY(!addresses().contains("line-24 192.168.10.144"));
         }
         QVERIFY2(m_lines.join('\n').contains("02:5E:41:00:00:13 (km-1300): done"),
                  qPrintable(m_lines.join('\n')));
         QVERIFY2(!m_lines.last().endsWith(" 0 not started"), qPrintable(m_lines.last()));
+        QVERIFY2(m_errors.last().endsWith(": not started: Interrupted."), qPrintable(m_errors.last()));
         QCOMPARE(run({}), 0);
         QCOMPARE(m_errors, QStringList());
         const QStringList now = addresses();
