@@ -43,7 +43,8 @@ class CommandLineTest : public QObject
     {
         QStringList lines;
         for (const Finding& finding : findings) {
-            lines += QString("%1:%2 ").arg(finding.place.line).arg(finding.place.column) + finding.text;
+            lines += QString("%1:%2 ").arg(finding.place.line).arg(finding.place.column) + finding.text +
+                     (finding.canBeForced ? " (--force)" : "");
         }
         return lines;
     }
@@ -59,28 +60,34 @@ private slots:
     void planErrorsNameLineAndColumn_data()
     {
         QTest::addColumn<QByteArray>("lines"); // Below the names of the columns.
-        QTest::addColumn<QStringList>("findings");
+        QTest::addColumn<QStringList>("told"); // What is wrong with them, or what would change.
         const auto row = [](const char* name, const char* lines, const QStringList& findings) {
             QTest::newRow(name) << QByteArray(lines) << findings;
         };
         row("nothing wrong",
-            "020000000001,,,192.168.10.31,24,,\n,2,dhcp,,,,\n,5,static,192.168.10.32/24,,192.168.10.1,x", {});
+            "020000000001,,,192.168.10.31,24,,\n,2,dhcp,,,,\n,5,static,192.168.10.32/24,,192.168.10.1,Förderband Nr 1",
+            {"static 192.168.10.21/24 -> static 192.168.10.31/24", "static 192.168.10.22/24 -> dhcp",
+             "static 172.16.4.9/24 -> static 192.168.10.32/24 gateway 192.168.10.1, "
+             "name \"camera 5\" -> \"Förderband Nr 1\""});
         row("lines that cannot be read",
-            "020000000001,static\n,,dhcp,,,,\n0200,,bootp,,,,\n020000000001,,,192.168.10,25.0,x,Förderband Nr. 12",
+            "020000000001,static\r\n,,dhcp,,,,\r\n0200,,bootp,,,,\r\n020000000001,,,192.168.10,25.0,x,Förderband Nr. 1\r\n"
+            ",1,static,192.168.10.31/24,24,,\r\n,1,static,,24,,",
             {"2:14 the line has 2 fields, the first line has 7",
              "3:1 a MAC address or a serial number is needed to identify the camera",
              "4:1 \"0200\" is not a MAC address",
              "4:7 \"bootp\" is not a mode: static, dhcp, auto-ip or temporary",
              "5:16 \"192.168.10\": an IP address is needed, such as 192.168.10.21",
              "5:27 \"25.0\": a mask is needed, such as 255.255.255.0 or /24",
-             "5:32 \"x\": a gateway is an IP address, or left out", "5:34 the name is longer than 16 bytes"});
+             "5:32 \"x\": a gateway is an IP address, or left out", "5:34 the name is longer than 16 bytes",
+             "6:28 \"24\": the address has a mask already",
+             "7:11 an IP address is needed, such as 192.168.10.21"});
         row("a quote that is never closed", "\n\n020000000001,,dhcp,,,,\n\"ä\",\"",
             {"5:5 a quote that is never closed"});
         row("text after a quote", "\"ä\"b", {"2:4 text after a closing quote"});
         row("a quote in the middle", "a\"b\"",
             {"2:2 a quote inside of a field that does not begin with one"});
         row("a missing camera", "0200000000AA,,dhcp,,,,",
-            {"2:1 no camera was found that has the MAC address 02:00:00:00:00:AA"});
+            {"2:1 no camera was found that has the MAC address 02:00:00:00:00:AA (--force)"});
         row("another serial number", "020000000001,2,dhcp,,,,",
             {"2:14 the camera 02:00:00:00:00:01 (camera 1) has the serial number 1"});
         row("a camera twice", "020000000001,,dhcp,,,,\n,1,auto-ip,,,,",
@@ -100,20 +107,58 @@ private slots:
              "3:5 192.168.10.31" + QString(taken).replace("0%1", "AA") + " (Line 2.)"});
         row("the address of a camera outside of the plan", ",1,,192.168.10.23,24,,",
             {"2:5 192.168.10.23" + taken.arg(3)});
-        row("the address that a camera of the plan leaves", ",1,,192.168.10.22,24,,\n,2,dhcp,,,,", {});
+        row("the address that a camera of the plan leaves", ",1,,192.168.10.22,24,,\n,2,dhcp,,,,",
+            {"static 192.168.10.21/24 -> static 192.168.10.22/24", "static 192.168.10.22/24 -> dhcp"});
         row("the computer's address, a gateway outside", ",1,,192.168.10.1,24,10.0.0.1,",
             {"2:5 192.168.10.1 is this computer's own address on lab0. A camera with it cannot be reached.",
-             "2:21 The gateway 10.0.0.1 is not in the camera's network. Leave the field empty if there is no router."});
+             "2:21 The gateway 10.0.0.1 is not in the camera's network. Leave the field empty if there is no router. (--force)"});
+        row("set already, and not restarted since",
+            "020000000003,,auto-ip,,,,\n020000000007,,auto-ip,,,,\n,1,unknown,,,,\n,2,,192.168.10.22,24,192.168.10.1,",
+            {"auto-ip 192.168.10.23/24 -> auto-ip", "", "",
+             "static 192.168.10.22/24 -> static 192.168.10.22/24 gateway 192.168.10.1"});
+        row("a swap", ",1,,192.168.10.22,24,,\n,2,,192.168.10.21,24,,",
+            {"static 192.168.10.21/24 -> static 192.168.10.22/24, temporarily 192.168.10.253",
+             "static 192.168.10.22/24 -> static 192.168.10.21/24"});
+        row("no free temporary address", ",4,,192.168.10.26,24,,\n,6,,192.168.10.24,24,,",
+            {"2:5 cameras wait for each other's addresses, and no temporary address is free"});
+        row("several cameras", ",8,dhcp,,,,\n020000000009,,dhcp,,,,",
+            {"2:2 several cameras have the serial number 8",
+             "3:1 several cameras have the MAC address 02:00:00:00:00:09"});
+        row("outside, and none", ",1,,172.16.0.1,24,,\n0200000000AA,,temporary,0.0.0.0,24,,",
+            {"2:5 172.16.0.1 is in no network of lab0. The camera can then not be reached through lab0. (--force)",
+             "3:25 Without an address, the camera restarts its IP configuration."});
+        row("masks", ",1,,192.168.10.31,32,,\n,2,,192.168.10.32,0,,",
+            {"2:19 lab0 has the mask 255.255.255.0 in this network. With another one, applications may not find the "
+             "camera. (--force)",
+             "3:19 0.0.0.0 is not a subnet mask. A valid one is, for example, 255.255.255.0."});
     }
 
     void planErrorsNameLineAndColumn()
     {
         QFETCH(QByteArray, lines);
-        Plan plan = parsePlan("mac,serial,mode,address,mask,gateway,name\n" + lines);
-        if (plan.findings.empty()) {
-            plan.findings = checkPlan(plan.rows, bench()).findings;
+        Network network = bench();
+        network.cameras[3].adapter = network.cameras[5].adapter = "lab9"; // Of which nothing is known.
+        network.cameras[2].mode = network.cameras[6].mode = Mode::AutoIp;
+        network.cameras[6].address = {0xA9FE0102};
+        network.cameras[6].serial = "8";
+        network.cameras[8].isMacShared = true;
+        const Plan plan = parsePlan("mac,serial,mode,address,mask,gateway,name\n" + lines);
+        const CheckedPlan checked = plan.findings.empty() ? checkPlan(plan.rows, network) : CheckedPlan{};
+        QStringList all = told(plan.findings) + told(checked.findings);
+        for (const Change& change : all.isEmpty() ? checked.changes : std::vector<Change>()) {
+            all += text(change);
         }
-        QTEST(told(plan.findings), "findings");
+        QTEST(all, "told");
+    }
+
+    void aPlanSaysWhichCamerasItMeans()
+    {
+        QCOMPARE(told(parsePlan("").findings), QStringList{"1:1 the plan is empty"});
+        QCOMPARE(told(parsePlan("mac\n\xFF").findings), QStringList{"1:1 the plan is not UTF-8"});
+        QCOMPARE(
+            told(parsePlan("Mode; address;speed;Mode\n").findings),
+            (QStringList{"1:15 there is no column \"speed\"", "1:21 there is a column for \"mode\" already",
+                         "1:1 no column \"mac\" or \"serial\" says which camera is meant"}));
     }
 
     void camerasThatWaitForEachOtherMakeRoom_data()
