@@ -112,20 +112,45 @@ private slots:
     void commandsAreRefused_data()
     {
         QTest::addColumn<QByteArray>("message");
-        QTest::addColumn<QString>("answer");
-        QTest::newRow("an odd number of bytes")
-            << packets::readMemory(reg::FirstUrl, 6) << "READMEM bad alignment";
-        QTest::newRow("memory that is not there")
-            << packets::readMemory(0x600, 8) << "READMEM invalid address";
-        QTest::newRow("a write without control")
-            << packets::writeRegister(reg::PersistentIp, 0x01020304) << "WRITEREG access denied 00000000";
+        QTest::addColumn<QString>("told");
+        const auto row = [](const QByteArray& message, const char* told) {
+            QTest::newRow(told) << message << QString(told);
+        };
+        using gvcp::Command;
+        using packets::command;
+        row(packets::discovery() + "x", R"(DISCOVERY status=800E reason="wrong key or length")");
+        row(command(Command::Discovery, "x"), R"(DISCOVERY status=8002 reason="a discovery has no payload")");
+        row(packets::forceIp(cameraMac, {0xE0000001}, {0xFFFFFF00}),
+            R"(FORCEIP status=8002 reason="not an address for a camera")");
+        row(command(Command::ReadReg, {}), R"(READREG status=8002 reason="wrong length")");
+        row(packets::readRegister(sim::DescriptionAddress),
+            R"(READREG status=8003 reason="the address is memory, not a register")");
+        row(packets::readRegister(0x0904), R"(READREG status=8001 reason="the scene refuses this register")");
+        row(packets::readMemory(reg::FirstUrl, 516), R"(READMEM status=8002 reason="wrong number of bytes")");
+        row(packets::readMemory(reg::FirstUrl, 6),
+            R"(READMEM status=8005 reason="address and length must be multiples of four")");
+        row(packets::readMemory(0x600, 8), R"(READMEM status=8003 reason="no such register")");
+        row(command(Command::WriteReg, "x"), R"(WRITEREG status=8002 reason="wrong length")");
+        row(packets::writeRegister(0x0A01, 1),
+            R"(WRITEREG status=8005 reason="the address is not a multiple of four")");
+        row(packets::writeRegister(reg::Model, 1),
+            R"(WRITEREG status=8004 reason="the register is read-only")");
+        row(packets::writeRegister(reg::PersistentIp, 1),
+            R"(WRITEREG status=8006 reason="the sender does not have control")");
+        row(packets::writeRegister(reg::ControlChannelPrivilege, 8),
+            R"(WRITEREG status=8002 reason="invalid value")");
+        row(command(Command::WriteMem, "longer"),
+            R"(WRITEMEM status=8005 reason="the length is not a multiple of four")");
+        row(command(Command{0x00AB}, {}), R"(00AB status=8001 reason="unknown command")");
     }
 
     void commandsAreRefused()
     {
         QFETCH(const QByteArray, message);
-        QFETCH(const QString, answer);
-        QCOMPARE(Bench().ask(message), QStringList{answer});
+        QFETCH(const QString, told);
+        Bench bench({{"refuse", QJsonObject{{"read:0x0904", "8001"}}}});
+        QCOMPARE(bench.ask(message).size(), 1);
+        QCOMPARE(bench.takeEvents(), QStringList{"refused camera=camera command=" + told});
     }
 
     void controlExcludesOthersAndLapsesInSilence()
@@ -134,11 +159,13 @@ private slots:
         QCOMPARE(bench.ask(takeExclusive), QStringList{packets::done});
         bench.wait(2999);
         bench.ask(readPrivilege); // any command keeps it
-        bench.takeEvents();
+        QCOMPARE(bench.takeEvents(),
+                 QStringList{"controlled camera=camera by=192.168.10.1 privilege=exclusive reason=written"});
         bench.wait(2999);
         QCOMPARE(bench.ask(packets::readRegister(reg::CurrentIp), 2000), // but not one of another application
                  QStringList{"READREG access denied"});
-        QCOMPARE(bench.takeEvents().filter("controlled "), QStringList());
+        QCOMPARE(bench.takeEvents(), QStringList{"refused camera=camera command=READREG status=8006 "
+                                                 "reason=\"another application has exclusive access\""});
         bench.wait(1);
         QCOMPARE(bench.takeEvents(),
                  QStringList{"controlled camera=camera by=192.168.10.1 privilege=none reason=heartbeat"});
@@ -204,9 +231,10 @@ private slots:
     {
         Bench bench;
         bench.ask(takeExclusive);
-        bench.ask(packets::writeRegisters({{reg::UserDefinedName, 0x611B5B0A}})); // "a", ESC, "[", line feed
+        bench.ask(
+            packets::writeRegisters({{reg::UserDefinedName, 0x617F220A}})); // "a", DEL, a quote, line feed
         const QString events = bench.takeEvents().join('\n');
-        QVERIFY2(events.endsWith("name=\"a\\x1B[\\x0Ara\""), qPrintable(events));
+        QVERIFY2(events.endsWith(R"(name="a\x7F\"\x0Ara")"), qPrintable(events));
         Bench named({{"name", "two words"}});
         named.ask(takeExclusive);
         QCOMPARE(named.takeEvents().join("").section(' ', 1, 2), "camera=\"two words\"");
@@ -238,6 +266,25 @@ private slots:
             "serial: must end in a number, which count increments");
         row("a number in words", {{"restartMs", "soon"}}, "restartMs: must be a whole number from 0 to ");
         row("without a name", {{"name", ""}}, "name: is empty");
+        row("settings in a number", {{"persistent", 1}}, "persistent: must be an object");
+        row("a vendor in a number", {{"vendor", 1}}, "vendor: must be a text");
+        row("no mask", {{"persistent", QJsonObject{{"ip", "10.0.0.1"}}}}, "persistent.mask: is missing");
+        row("a long model", {{"model", QString(33, 'm')}}, "model: is longer than 32 bytes");
+        row("a flag in a number", {{"sharesMac", 1}}, "sharesMac: must be true or false");
+        row("modes in a text", {{"enabled", "dhcp"}}, "enabled: must be a list");
+        row("the packet before the first", {{"losePackets", QJsonArray{0}}},
+            "losePackets[0]: must be a whole number from 1 to 1000000");
+        row("a multicast MAC address", {{"mac", "01-00-5E-00-00-01"}},
+            "mac: is not the MAC address of a single device");
+        row("the adapter's MAC address", {{"mac", "02-00-00-00-AD-00"}},
+            "mac: is also the MAC address of another device");
+        row("half a register", {{"forget", QJsonArray{"0x0015"}}},
+            "forget[0]: is not the address of a register");
+        row("a mode that is not supported", {{"supported", QJsonArray{"dhcp"}}},
+            "enabled: holds a mode that is not supported");
+        row("a link-local address that is none", {{"linkLocal", "169.255.0.1"}}, "linkLocal: is not within ");
+        row("an adapter twice", {{"alsoOn", QJsonArray{"lab0"}}},
+            "alsoOn[0]: is an adapter that the camera is already on");
     }
 
     void aMistakeInASceneIsNamed()

@@ -24,16 +24,6 @@ QByteArray bytesOf(const net::MacAddress& mac)
     return {reinterpret_cast<const char*>(mac.bytes.data()), std::ssize(mac.bytes)};
 }
 
-QByteArray command(gvcp::Command code, const QByteArray& payload)
-{
-    QByteArray header;
-    header += static_cast<char>(gvcp::Key);
-    header += static_cast<char>(gvcp::Flag::AckRequired);
-    header += halfWord(static_cast<std::uint16_t>(code));
-    header += halfWord(static_cast<std::uint16_t>(payload.size()));
-    return header + halfWord(1) + payload;
-}
-
 const QMap<gvcp::Ack, QString> acknowledges{
     {gvcp::Ack::Discovery, "DISCOVERY"}, {gvcp::Ack::ForceIp, "FORCEIP"}, {gvcp::Ack::ReadReg, "READREG"},
     {gvcp::Ack::WriteReg, "WRITEREG"},   {gvcp::Ack::ReadMem, "READMEM"}, {gvcp::Ack::Pending, "PENDING"}};
@@ -44,6 +34,16 @@ const QMap<gvcp::Status, QString> statuses{{gvcp::Status::Success, "success"},
                                            {gvcp::Status::AccessDenied, "access denied"}};
 
 } // namespace
+
+QByteArray command(gvcp::Command code, const QByteArray& payload)
+{
+    QByteArray header;
+    header += static_cast<char>(gvcp::Key);
+    header += static_cast<char>(gvcp::Flag::AckRequired);
+    header += halfWord(static_cast<std::uint16_t>(code));
+    header += halfWord(static_cast<std::uint16_t>(payload.size()));
+    return header + halfWord(1) + payload;
+}
 
 QByteArray discovery()
 {

@@ -13,6 +13,7 @@
 /// request id is 1 unless withId() gives another.
 namespace packets {
 
+[[nodiscard]] QByteArray command(gvcp::Command code, const QByteArray& payload);
 [[nodiscard]] QByteArray discovery();
 /// A zero address makes the camera restart its IP configuration.
 [[nodiscard]] QByteArray forceIp(const net::MacAddress& camera, net::Ipv4 ip, net::Ipv4 mask);
