@@ -338,12 +338,14 @@ private slots:
         m_port->faults.erase(gvcp::Register::Capability); // then only the description cannot be had
         m_port->put(gvcp::Register::Capability, "\x80");
         QCOMPARE(name()->GetMaxLength(), 16);
+        QVERIFY(warnings().contains("first URL: no answer; second URL: the URL is empty"));
     }
 
     void theStandardNameRegister()
     {
         m_port->put(gvcp::Register::Capability, "\x7F\xFF\xFF\xFF");
         QVERIFY(m_map->GetNode("DeviceUserID") == nullptr);
+        QVERIFY(warnings().endsWith("). The camera has no standard name register either."));
         m_port->put(gvcp::Register::Capability, "\x80");
         m_port->put(gvcp::Register::UserDefinedName, "sixteen bytes...");
         m_map = gige::makeNodeMap(*m_port);
@@ -354,6 +356,11 @@ private slots:
                                  name()->SetValue("seventeen bytes..", false));
         name()->SetValue(" Kölner Dom 12 ");
         QCOMPARE(m_port->bytesAt(gvcp::Register::UserDefinedName, 16), " Kölner Dom 12 ");
+        m_port->putFile(descriptionOf(integer("Width", "1")));
+        m_map = gige::makeNodeMap(*m_port);
+        QCOMPARE(name()->GetMaxLength(), 16);
+        QVERIFY(
+            warnings().endsWith("is the standard name register: the camera's description has no such text."));
     }
 };
 

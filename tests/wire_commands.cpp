@@ -1,5 +1,8 @@
 #include "support/cameralayer.h"
 #include "support/simulator.h"
+#include "support/trace.h"
+
+#include "tessal/devicechoice.h"
 
 #include <QTest>
 
@@ -30,6 +33,15 @@ class CommandsTest : public QObject
         int accessibility = -1;
         (*m_layer)->QueryDeviceAccessibility(record, Tessal::EDeviceAccessMode::Control, &accessibility);
         return accessibility;
+    }
+
+    static QStringList warnings(const TraceCapture& trace)
+    {
+        QStringList texts;
+        for (const TraceCapture::Line& line : trace.lines("Lanvic.Camera.Requests")) {
+            texts += line.level == QtWarningMsg ? QStringList{line.text} : QStringList();
+        }
+        return texts;
     }
 
     std::optional<Simulator> m_simulator;
@@ -113,6 +125,17 @@ private slots:
         search();
         QCOMPARE(accessibilityOf("025E41000001", "192.168.10.21"), Tessal::Accessibility::Ok);
         QCOMPARE(accessibilityOf("025E41000002", "192.168.10.21"), Tessal::Accessibility::Ok);
+        const auto opened = [&](const char* mac) {
+            dynamic_cast<Tessal::IDeviceChoice&>(**m_layer).SetExpectedMac(mac);
+            Tessal::CDeviceInfo record;
+            record.SetPropertyValue(Tessal::Key::IpAddress, "192.168.10.21");
+            Tessal::ITessalDevice& device = *(*m_layer)->CreateDevice(record);
+            const QString failure = failureOf([&] { device.Open(Tessal::EDeviceAccessMode::Control); });
+            return failure + ", serial number " + device.GetDeviceInfo().GetSerialNumber().c_str();
+        };
+        QCOMPARE(opened("025E41000001"), "no failure, serial number 1");
+        QCOMPARE(opened("025E41000002"), "no failure, serial number 2");
+        QVERIFY(opened("").startsWith("Two cameras have the address 192.168.10.21, "));
     }
 
     void aStaticAddressThatNoCameraCanHaveIsNotSent_data()
@@ -137,46 +160,60 @@ private slots:
         QFETCH(std::string, address);
         QFETCH(QString, stored);
         start("test-commands");
+        const TraceCapture trace;
         QCOMPARE((*m_layer)->BroadcastIpConfig("025E41000007", isStatic, false, address, "255.255.255.0",
                                                "0.0.0.0", "gate"),
                  !stored.isEmpty());
         const QStringList events = m_simulator->takeEvents();
         QCOMPARE(events.value(0).section("persistent-ip=", 1).section(' ', 0, 0), stored);
+        const QString refused = "Camera MAC=025E41000007 was not sent the broadcast configuration: no camera "
+                                "can have the address %1.";
+        QCOMPARE(warnings(trace),
+                 stored.isEmpty() ? QStringList{refused.arg(address.c_str())} : QStringList());
     }
 
     void onlyTheCameraItselfAcknowledges_data()
     {
         QTest::addColumn<QJsonObject>("camera");
         QTest::addColumn<QString>("otherAcknowledges");
-        QTest::addColumn<bool>("accepted");
+        QTest::addColumn<QString>("refusal"); // nothing if the command is accepted
         const auto refuses = [](const char* status) {
             return QJsonObject{{"refuse", QJsonObject{{"BROADCAST_IPCONFIG", status}}},
                                {"answerDelayMs", 50}};
         };
         const QJsonObject late{{"answerDelayMs", 50}};
-        QTest::newRow("the camera does, after a device without a name") << late << "nameless" << true;
-        QTest::newRow("the camera does, after a device with another name") << late << "as-itself" << true;
-        QTest::newRow("the camera is busy, and a device without a name does")
-            << refuses("8007") << "nameless" << false;
+        QTest::newRow("the camera does, after a device without a name") << late << "nameless"
+                                                                        << "";
+        QTest::newRow("the camera does, after a device with another name") << late << "as-itself"
+                                                                           << "";
+        QTest::newRow("the camera is busy, and a device without a name does") << refuses("8007") << "nameless"
+                                                                              << "the camera is busy (8007)";
         QTest::newRow("the camera is busy, and a device with another name does")
-            << refuses("8007") << "as-itself" << false;
+            << refuses("8007") << "as-itself"
+            << "the camera is busy (8007)";
         QTest::newRow("the camera refuses after a device in its name did")
-            << refuses("8006") << "as-that-camera" << false;
+            << refuses("8006") << "as-that-camera"
+            << "access is denied (8006)";
     }
 
     void onlyTheCameraItselfAcknowledges()
     {
         QFETCH(QJsonObject, camera);
         QFETCH(QString, otherAcknowledges);
-        QFETCH(bool, accepted);
+        QFETCH(QString, refusal);
         const QJsonObject other{{"muteToDiscovery", true}, {"acknowledgeOthers", otherAcknowledges}};
         m_simulator.emplace(behindOneAdapter({simulatedCamera(1, "camera", "192.168.10.21", camera),
                                               simulatedCamera(2, "device", "192.168.10.22", other)}));
         search();
+        const TraceCapture trace;
         QCOMPARE(
             (*m_layer)->BroadcastIpConfig("025E41000001", false, true, "0.0.0.0", "0.0.0.0", "0.0.0.0", ""),
-            accepted);
-        QCOMPARE(m_simulator->takeEvents().filter("configured ").isEmpty(), !accepted);
+            refusal.isEmpty());
+        QCOMPARE(m_simulator->takeEvents().filter("configured ").isEmpty(), !refusal.isEmpty());
+        QCOMPARE(warnings(trace).join(""),
+                 refusal.isEmpty()
+                     ? QString()
+                     : "Camera MAC=025E41000001 did not take the broadcast configuration: " + refusal + ".");
     }
 };
 

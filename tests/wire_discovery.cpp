@@ -5,6 +5,8 @@
 
 #include "DeviceLister.h"
 
+#include "net/routes.h"
+
 #include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
@@ -96,6 +98,10 @@ private slots:
                  "The camera 192.168.10.35 is controlled by another application, on the computer "
                  "192.168.10.77. Close the connection there, then try again.");
         QCOMPARE(open("0.0.0.0"), "The camera has no IP address yet.");
+        // A camera is not asked through a router.
+        QCOMPARE(QProcess::execute("ip", {"route", "add", "default", "via", "192.168.10.99"}), 0);
+        QVERIFY(net::gateways() == std::vector<net::Ipv4>{{0xC0A80A63}});
+        QVERIFY(open("172.31.0.9").startsWith("This computer cannot reach the address 172.31.0.9 "));
         QCOMPARE(open("192.168.10.21"), "no failure");
         QVERIFY(simulator.states("plain").join("").endsWith(" control=control"));
         transportLayer.reset(); // gives back what is open
@@ -222,9 +228,9 @@ private slots:
         const Simulator simulator("test-discovery");
         const QString foreign = found("foreign", "not reachable");
         const TraceCapture trace;
-        const auto warnings = [&] {
-            return std::ranges::count_if(trace.lines("Lanvic.Camera.Search"), [](const auto& line) {
-                return line.level == QtWarningMsg && line.text.contains("lab0: the strict");
+        const auto warnings = [&](const char* filter = "lab0: the strict") {
+            return std::ranges::count_if(trace.lines("Lanvic.Camera.Search"), [&](const auto& line) {
+                return line.level == QtWarningMsg && line.text.contains(filter);
             });
         };
         QVERIFY(search().contains(foreign));
@@ -233,6 +239,8 @@ private slots:
         QVERIFY(setting.open(QIODevice::WriteOnly | QIODevice::Unbuffered) && setting.write("1") == 1);
         QVERIFY(!search().contains(foreign) && !search().contains(foreign));
         QCOMPARE(warnings(), 1);
+        QVERIFY(setting.seek(0) && setting.write("2") == 1 && !search().isEmpty());
+        QCOMPARE(warnings("lab0: the loose"), 1);
     }
 };
 

@@ -137,11 +137,14 @@ private slots:
         ip("address delete 192.168.20.1/24 dev lab1"); // without a camera, since no address is left to ask
                                                        // from
         QCOMPARE(refreshed().last(), "lab1");
+        QVERIFY(row("lab1").toolTip(0).startsWith("No camera can be found through lab1, "));
         ip("address add 192.168.10.2/24 dev lab1"); // two adapters in one subnet
         QVERIFY(refreshed().last() == "  km-1|on-both" && refreshed().contains("  km-1|plain"));
+        QVERIFY(row("lab0").toolTip(0).startsWith("lab0 and lab1 have addresses in the same network, "));
         ip("link delete lab0");
         ip("link delete lab1");
         QCOMPARE(difference(refreshed(), QStringList()), "");
+        QVERIFY(simulator().await("gone adapter=lab0") && simulator().await("gone adapter=lab1"));
     }
 
     void requestsOutliveWhatTheSystemRefuses_data()
@@ -170,6 +173,8 @@ private slots:
             return fails ? error : 0;
         };
         QCOMPARE(difference(refreshed(), passes ? all : all.first(all.indexOf("lab1") + 1)), "");
+        QCOMPARE(row("lab1").toolTip(0).startsWith("No camera could be searched for through lab1: "),
+                 !passes);
         QVERIFY(DeviceLister::s_pTl->BroadcastIpConfig("025E41000001", true, false, "192.168.10.21",
                                                        "255.255.255.0", "0.0.0.0", "plain"));
     }

@@ -1,5 +1,6 @@
 #include "support/cameralayer.h"
 #include "support/simulator.h"
+#include "support/trace.h"
 
 #include "genicam/nodemap.h"
 
@@ -85,7 +86,11 @@ private slots:
         Tessal::DeviceInfoList found;
         (*m_layer)->EnumerateDevices(found, false);
         QCOMPARE(found.size(), 1);
+        const TraceCapture trace;
         QCOMPARE(failureOf([&] { configure(); }), "no failure");
+        // Without a line about the standard register, the one of the description was used.
+        const bool isFormula = fault["description"].toObject()["kind"] == "formula-user-id";
+        QCOMPARE(trace.lines("Lanvic.Camera.NodeMap").size(), isFormula ? 1 : 0);
         QCOMPARE(state(), "dhcp persistent-ip=192.168.10.31 persistent-mask=255.255.0.0 "
                           "persistent-gateway=192.168.0.1 name=\"gate\" control=none");
         QTEST(static_cast<int>(m_simulator->takeEvents().filter("refused ").size()), "refusals");
@@ -155,6 +160,9 @@ private slots:
         const auto forgets = [](const char* address) { return QJsonObject{{"forget", QJsonArray{address}}}; };
         QTest::newRow("the name is forgotten")
             << forgets("0x00E8") << camera + "confirmed the new device user ID “gate” but reports “old”.";
+        QTest::newRow("the name is refused")
+            << QJsonObject{{"refuse", QJsonObject{{"register:0x00E8", "8004"}}}}
+            << camera + "refused the new device user ID.";
         QTest::newRow("the mode is forgotten")
             << forgets("0x0014") << camera + "confirmed the new IP configuration DHCP but reports Static IP.";
         QTest::newRow("the mode is written without a word")
