@@ -65,21 +65,32 @@ private slots:
 
     void aCameraThatReportsOtherValuesCausesAWarning_data()
     {
-        const auto row = addColumns<QString>("way"); // of leaving, if not saved by the button
-        row("saved by the button", "");
-        row("saved before a refresh", "refresh");
-        row("saved when the row is left", "another row");
-        row("saved when the window is closed", "close");
+        // The way of leaving, if it is not saved by the button.
+        const auto row = addColumns<QString, bool>("way", "knowsBroadcast");
+        row("saved by the button", "", true);
+        row("saved by the button, over unicast", "", false);
+        row("saved before a refresh", "refresh", true);
+        row("saved when the row is left", "another row", true);
+        row("saved when the window is closed", "close", true);
     }
     void aCameraThatReportsOtherValuesCausesAWarning()
     {
         QFETCH(const QString, way);
-        edit();
-        m_world.at["RestartIpConfig"] = [this] { cam().record.SetIpAddress("192.168.1.9"); };
+        QFETCH(const bool, knowsBroadcast);
+        edit("6", knowsBroadcast);
+        m_world.at["RestartIpConfig"] = [this] {
+            cam() = sdk::with(camera(), {{"IpConfigCurrent", "6"}}); // as before
+        };
+        clickOn("btnUsePersistentIp");
         type("editIpAddress", "192.168.1.20");
-        const QString warning =
-            "|The camera 02:5E:41:00:00:01 does not report what was saved.\n\nIP address: 192.168.1.20 was saved; "
-            "the camera reports 192.168.1.9.|OK|";
+        type("editNetmask", "255.255.0.0");
+        type("editDefaultGateway", "192.168.1.1");
+        const QString warning = "|The camera 02:5E:41:00:00:01 does not report what was saved.\n\n"
+                                "IP configuration: Static IP was saved; the camera reports DHCP.\n"
+                                "IP address: 192.168.1.20 was saved; the camera reports 192.168.1.9.\n"
+                                "Subnet mask: 255.255.0.0 was saved; the camera reports 255.255.255.0.\n"
+                                "Default gateway: 192.168.1.1 was saved; the camera reports 0.0.0.0.\n"
+                                "Device user ID: belt was saved; the camera reports nothing.|OK|";
         if (!way.isEmpty()) {
             expect({click(QMessageBox::Yes), escape});
             leave(way);
