@@ -78,6 +78,8 @@ private slots:
         row("gateway is the network", "192.168.10.77", classC, "192.168.10.0",
             {{Gateway, Kind::NetworkAddress}});
 
+        row("gateway, mask with a gap", "192.168.10.77", "255.0.255.0", "10.0.0.1", {{Mask, Kind::NoMask}});
+
         row("temporary, restarts", "", "", "", {{Address, Kind::RestartsConfiguration}}, Purpose::Temporary);
         row("temporary, restarts with zeros", "0.0.0.0", "0.0.0.0", "0.0.0.0",
             {{Address, Kind::RestartsConfiguration}}, Purpose::Temporary);

@@ -9,6 +9,7 @@ class ConnectionTest : public GuiTest
 {
     Q_OBJECT
 
+    const QString m_first = "km-1, MAC address 02:5E:41:00:00:01";
     const QString m_temporary = "A temporary address: the camera has it until it restarts.";
     QStringList m_asked; // header, reason and fields of the Force IP dialog, as far as they are shown
 
@@ -33,7 +34,7 @@ class ConnectionTest : public GuiTest
         return [this, answer](QWidget& dialog) {
             m_asked.clear();
             for (const char* const name : {"labelHeader", "labelReason", "editIpAddress", "editSubnetMask",
-                                           "editDefaultGateway", "editMacAddress"}) {
+                                           "editDefaultGateway", "editMacAddress", "labelCamera"}) {
                 const auto& shown = gui::child<QWidget>(dialog, name);
                 m_asked << (shown.isVisible() ? QStringList{shown.property("text").toString()}
                                               : QStringList());
@@ -74,7 +75,11 @@ private slots:
         QCOMPARE(m_world.take().last(), "CreateDevice(192.168.1.9)");
         m_world.isGigE = true;
         m_world.at["Open"] = [] { throw GenICam::AccessException("", "", 1, ""); };
-        QCOMPARE(save({escape, escape}).last(), notSaved);
+        QCOMPARE(
+            save({escape, escape}),
+            (QStringList{"Connection failed|Access denied\nThe device is controlled by another application.\n"
+                         "Close the connection before changing the IP configuration.|OK|",
+                         notSaved}));
         QCOMPARE(m_world.take().last(), "Open(192.168.1.9, 1+3+4)");
         QCOMPARE(text("editCustomName"), "belt");
         expect({escape});
@@ -115,7 +120,7 @@ private slots:
         const QString header =
             "A connection to the device must be established in order to change the configuration.<br>To do this, a temporary IP address needs to be assigned to the device.<br>This temporary address will only be used to update the configuration and will not be stored on the device.<p>Valid addresses are:<br>192.168.1.1 - 192.168.1.254<br></p>";
         QCOMPARE(m_asked, (QStringList{header, "The connection to the device could not be established.",
-                                       "192.168.1.", "255.255.255.0", "0.0.0.0"}));
+                                       "192.168.1.", "255.255.255.0", "0.0.0.0", m_first}));
         QCOMPARE(m_world.take().filter(QRegularExpression("^(Open|Force|Destroy|sleep|Set)")),
                  (QStringList{"Open(10.9.9.9, 1+3+4)", force("223.255.255.255"), "sleep(2)",
                               "DestroyDevice()", "Open(223.255.255.255, 1+3+4)", force("0.0.0.0"), "sleep(2)",
@@ -148,6 +153,21 @@ private slots:
         cam().comesBack = false; // is not opened then
         QCOMPARE(save({confirm, escape}), (QStringList{forceIpDialog, notSaved}));
         QCOMPARE(m_world.take().last(30), QStringList(30, "sleep(2)"));
+    }
+
+    void aNameIsNotWrittenToAnotherCamera()
+    {
+        edit();
+        m_world.cameras.push_back(camera("km-2", "025E41000002"));
+        cam().record.SetIpAddress("192.168.1.77");
+        saveFails(
+            {report("The address 192.168.1.9 is that of another camera (MAC address 02:5E:41:00:00:02). "
+                    "Refresh the list, or choose another temporary address.",
+                    "unicastConfiguration",
+                    {"The camera with MAC 025E41000001 was expected at 192.168.1.9, where the one with MAC "
+                     "025E41000002 answers"}),
+             notSaved});
+        QCOMPARE(m_world.take().last(), "Close()");
     }
 
     void anotherCameraIsNotTakenForTheSavedOne()
@@ -218,7 +238,8 @@ private slots:
         const QStringList traced = takeTrace();
         QCOMPARE(traced.first(3) + traced.last(3), told);
         failAt("QueryDeviceAccessibility", 4); // the record's
-        assign("km-2", {fill({{"editIpAddress", "192.168.1.51"}, {"editDefaultGateway", ""}})});
+        assign("km-2", {readThen(fill({{"editIpAddress", "192.168.1.51"}, {"editDefaultGateway", ""}}))});
+        QCOMPARE(m_asked[1], "192.168.1."); // not what was accepted before
         const QStringList debug{
             "debug Forcing IP configuration for MAC: '025E41000001' with IP: '192.168.1.51'; Subnet: '255.255.255.0'; Default Gateway: '0.0.0.0'",
             "debug error forcing IP (err='cable')"};
@@ -248,6 +269,8 @@ private slots:
         m_world.at["sleep"] = [this] { cam().record.SetIpAddress("10.1.1.1"); };
         assign("km-1", {fillAddress("010.1.1.1")});
         QCOMPARE(takeDialogs().last(), forceIpDialog);
+        assign("km-1", {fillAddress("0.0.0.0")}); // the camera is to choose one
+        QCOMPARE(takeDialogs().last(), forceIpDialog);
         refresh();
         QCOMPARE(row("km-1").text(6) + ": " + row("km-1").toolTip(6), "10.1.1.1: " + m_temporary);
     }
@@ -261,11 +284,12 @@ private slots:
         const QString valid =
             "<p>Valid addresses are:<br>172.16.0.1 - 172.16.15.254<br>10.0.0.1 - 10.0.255.254<br></p>";
         assign("km-1", {readThen(escape)});
-        QCOMPARE(m_asked, (QStringList{header + valid, "172.16.", "255.255.240.0", "0.0.0.0"}));
+        QCOMPARE(m_asked, (QStringList{header + valid, "172.16.", "255.255.240.0", "0.0.0.0", m_first}));
         select("km-2"); // stands under no adapter
         type("editCustomName", "belt");
         assign("km-2", {click(QMessageBox::No), readThen(escape)});
-        QCOMPARE(m_asked, (QStringList{header, "192.168.0.202", "255.255.255.0", "0.0.0.0"}));
+        QCOMPARE(m_asked, (QStringList{header, "192.168.0.202", "255.255.255.0", "0.0.0.0",
+                                       "km-2, MAC address 02:5E:41:00:00:02"}));
         QCOMPARE(m_world.take(), QStringList());
         QCOMPARE(text("editCustomName"), QString()); // what the camera has
         QCOMPARE(takeTrace().last(),
@@ -313,7 +337,8 @@ private slots:
         forceByMac({readThen(enter), escape});
         const QString header =
             "Please specify the MAC address for the device to force the IP address.\n\nThere won't be any error message in case you specify the wrong MAC address.";
-        QCOMPARE(m_asked, (QStringList{header, "192.168.0.202", "255.255.255.0", "0.0.0.0", "02-5E-41-"}));
+        QCOMPARE(m_asked,
+                 (QStringList{header, "192.168.0.202", "255.255.255.0", "0.0.0.0", "02-5E-41-", ""}));
         QCOMPARE(
             takeDialogs(),
             (QStringList{forceIpDialog, reportOwn("Failed to create transport layer object", "forceIp")}));
@@ -327,8 +352,8 @@ private slots:
 
         select("km-1");
         forceByMac({readThen(escape)});
-        QCOMPARE(m_asked,
-                 (QStringList{header, "192.168.1.", "255.255.255.0", "0.0.0.0", "02-5E-41-0A-0B-0C"}));
+        QCOMPARE(m_asked, (QStringList{header, "192.168.1.", "255.255.255.0", "0.0.0.0", "02-5E-41-0A-0B-0C",
+                                       "km-1, MAC address 02:5E:41:0A:0B:0C"}));
         QVERIFY(!child<QAction>("actionForceIpByMac").autoRepeat());
     }
 };

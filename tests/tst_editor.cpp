@@ -135,6 +135,10 @@ private slots:
             [=, this] { rename(), enter("editCustomName", ""); });
         row("no gateway", Ok, true, "", "", typed("editDefaultGateway", ""));
         row("broadcast address", Ok, false, broadcast, broadcast, typed("editIpAddress", "192.168.1.255"));
+        const QString other = "192.168.1.10 is the address of another camera: km-2";
+        row("of another camera", Ok, true, other, other, typed("editIpAddress", "192.168.1.10"));
+        const QString outside = "172.31.0.9 is in no network of lan0.";
+        row("outside", Ok, true, outside, outside, typed("editIpAddress", "172.31.0.9"));
         row("broadcast as gateway", Ok, false, "", broadcast, typed("editDefaultGateway", "192.168.1.255"));
         row("mask with a gap", Ok, false, "", "255.0.255.0 ",
             [this] { enter("editNetmask", "255.0.255.0"); });
@@ -180,10 +184,16 @@ private slots:
     void aMistakeIsPointedOutWhileItIsTyped()
     {
         edit();
+        type("editIpAddress", "192.168.1.");
+        QTRY_VERIFY(!QToolTip::isVisible());
         type("editIpAddress", "192.168.1.255");
         QCOMPARE(QToolTip::text(), child<QWidget>("editIpAddress").toolTip());
         type("editIpAddress", "192.168.1.77");
         QTRY_VERIFY(!QToolTip::isVisible());
+        QVERIFY(child<QLabel>("editIpAddressAdvice").pixmap(Qt::ReturnByValue).isNull());
+        type("editIpAddress", "192.");
+        clickOn("btnUseDhcp");
+        QVERIFY2(QToolTip::text().contains("typed before"), qPrintable(QToolTip::text()));
     }
 
     void escapeTakesTheEditsBack()

@@ -33,6 +33,7 @@ QStringList boxOf(const Show& show)
         auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
         QVERIFY(box != nullptr);
         QCOMPARE(box->textFormat(), Qt::PlainText);
+        QVERIFY(box->textInteractionFlags().testFlag(Qt::TextSelectableByKeyboard));
         shown << QVariant::fromValue(box->icon()).toString() << box->windowTitle() << box->text()
               << box->detailedText();
         QTest::keyClick(box, Qt::Key_Escape);
@@ -222,6 +223,18 @@ private slots:
         QTest::newRow("no way to the address")
             << Tessal::Failure{.kind = CannotSend, .address = "10.9.9.9", .reason = "Network is unreachable"}
             << "This computer cannot reach the address 10.9.9.9 through any of its network adapters.";
+        QTest::newRow("refused, and no more to say")
+            << Tessal::Failure{.kind = Refused,
+                               .setting = DefaultGateway,
+                               .address = camera,
+                               .wanted = "192.168.1.1"}
+            << "The camera 192.168.1.20 refused the new gateway 192.168.1.1.";
+        QTest::newRow("silent when it was read")
+            << Tessal::Failure{.kind = NoAnswer, .setting = DefaultGateway, .address = camera}
+            << "The camera 192.168.1.20 did not answer.";
+        QTest::newRow("without an address")
+            << Tessal::Failure{.kind = NotKept, .setting = Name, .wanted = "belt"}
+            << "The camera confirmed the new device user ID “belt” but did not keep it.";
     }
 
     void aFailureIsToldInPlainSentences()
@@ -252,7 +265,7 @@ private slots:
             QTest::keyClick(dialog.focusWidget(), Qt::Key_Home);
             dialog.hide();
         };
-        type(true, "0a-0B:0cxyz");
+        type(true, "0a-x0B:0cyz1");
         type(false, "1x ");
         type(false, "7");
         QCOMPARE(dialog.macAddress(), "02-5E-41-0a-0B:0c");
@@ -280,6 +293,7 @@ private slots:
         QCOMPARE(dialog.ipAddress(), "192.88.99.7");
         QCOMPARE(maskAfter("editDefaultGateway", "192.88.99.8/4"), "240.0.0.0");
         QCOMPARE(dialog.defaultGateway(), "192.88.99.8");
+        QCOMPARE(maskAfter("editIpAddress", "192.88.99.8"), "240.0.0.0"); // typed, as a length
     }
 
     void dialogWaitsUntilAllIsComplete_data()
