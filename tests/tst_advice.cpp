@@ -1,4 +1,5 @@
 #include "advice/advice.h"
+#include "support/columns.h"
 
 #include <QTest>
 
@@ -111,27 +112,18 @@ private slots:
 
     void sentencesHaveTheValues_data()
     {
-        QTest::addColumn<QString>("address");
-        QTest::addColumn<QString>("adapter");
-        QTest::addColumn<QString>("expected");
-        QTest::newRow("another camera's")
-            << "10.1.2.3"
-            << "lan0"
-            << "10.1.2.3 is the address of another camera: Front left, km-1300, "
-               "MAC address 02:5E:41:00:00:01. With the same address, neither "
-               "can be reached reliably.";
-        QTest::newRow("outside the camera's adapter")
-            << "172.16.0.1"
-            << "lan1"
-            << "172.16.0.1 is in no network of lan1. The camera can then not be reached through lan1.";
-        QTest::newRow("outside all adapters")
-            << "172.16.0.1"
-            << ""
-            << "172.16.0.1 is in no network of this computer. The camera can then not be reached.";
-        QTest::newRow("broadcast") << "192.168.10.255"
-                                   << "lan0"
-                                   << "192.168.10.255 addresses all devices of a network at once, under the "
-                                      "mask 255.255.255.0. No device can have it.";
+        const auto row = addColumns<QString, QString, QString>("address", "adapter", "expected");
+        row("another camera's", "10.1.2.3", "lan0",
+            "10.1.2.3 is the address of another camera: Front left, km-1300, "
+            "MAC address 02:5E:41:00:00:01. With the same address, neither "
+            "can be reached reliably.");
+        row("outside the camera's adapter", "172.16.0.1", "lan1",
+            "172.16.0.1 is in no network of lan1. The camera can then not be reached through lan1.");
+        row("outside all adapters", "172.16.0.1", "",
+            "172.16.0.1 is in no network of this computer. The camera can then not be reached.");
+        row("broadcast", "192.168.10.255", "lan0",
+            "192.168.10.255 addresses all devices of a network at once, under the "
+            "mask 255.255.255.0. No device can have it.");
     }
 
     void sentencesHaveTheValues()

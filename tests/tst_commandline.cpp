@@ -1,5 +1,6 @@
 #include "DeviceLister.h"
 #include "options.h"
+#include "support/columns.h"
 
 #include "tessal/transportlayer.h"
 
@@ -59,11 +60,9 @@ private slots:
 
     void planErrorsNameLineAndColumn_data()
     {
-        QTest::addColumn<QByteArray>("lines"); // Below the names of the columns.
-        QTest::addColumn<QStringList>("told"); // What is wrong with them, or what would change.
-        const auto row = [](const char* name, const char* lines, const QStringList& findings) {
-            QTest::newRow(name) << QByteArray(lines) << findings;
-        };
+        // lines: Below the names of the columns.
+        // told: What is wrong with them, or what would change.
+        const auto row = addColumns<QByteArray, QStringList>("lines", "told");
         row("nothing wrong",
             "020000000001,,,192.168.10.31,24,,\n,2,dhcp,,,,\n,5,static,192.168.10.32/24,,192.168.10.1,Förderband Nr 1",
             {"static 192.168.10.21/24 -> static 192.168.10.31/24", "static 192.168.10.22/24 -> dhcp",
@@ -163,19 +162,19 @@ private slots:
 
     void camerasThatWaitForEachOtherMakeRoom_data()
     {
-        QTest::addColumn<QByteArray>("plan"); // Serial number and address.
-        QTest::addColumn<QStringList>("temporary");
-        QTest::newRow("a swap") << QByteArray("1,22\n2,21") << QStringList{"1 192.168.10.253"};
-        QTest::newRow("two circles") << QByteArray("1,22\n2,23\n3,21\n4,26\n6,24")
-                                     << QStringList{"2 192.168.10.253", "4 192.168.10.250"};
-        QTest::newRow("a short row") << QByteArray("1,22\n2,23\n3,24\n4,25") << QStringList{};
-        QTest::newRow("a long row") << QByteArray("1,22\n2,23\n3,24\n4,26\n6,27\n7,28\n8,29\n9,30")
-                                    << QStringList{"4 192.168.10.253"};
-        QTest::newRow("a swap beside a taken address")
-            << QByteArray("1,22\n2,21\n3,253") << QStringList{"1 192.168.10.250"};
-        QTest::newRow("out of reach") << QByteArray("5,40") << QStringList{"5 192.168.10.253"};
-        QTest::newRow("out of reach, to the address below the highest")
-            << QByteArray("5,253") << QStringList{"5 192.168.10.250"};
+        // plan: Serial number and address.
+        const auto row = addColumns<QByteArray, QStringList>("plan", "temporary");
+        row("a swap", QByteArray("1,22\n2,21"), QStringList{"1 192.168.10.253"});
+        row("two circles", QByteArray("1,22\n2,23\n3,21\n4,26\n6,24"),
+            QStringList{"2 192.168.10.253", "4 192.168.10.250"});
+        row("a short row", QByteArray("1,22\n2,23\n3,24\n4,25"), QStringList{});
+        row("a long row", QByteArray("1,22\n2,23\n3,24\n4,26\n6,27\n7,28\n8,29\n9,30"),
+            QStringList{"4 192.168.10.253"});
+        row("a swap beside a taken address", QByteArray("1,22\n2,21\n3,253"),
+            QStringList{"1 192.168.10.250"});
+        row("out of reach", QByteArray("5,40"), QStringList{"5 192.168.10.253"});
+        row("out of reach, to the address below the highest", QByteArray("5,253"),
+            QStringList{"5 192.168.10.250"});
     }
 
     void camerasThatWaitForEachOtherMakeRoom()
@@ -199,10 +198,10 @@ private slots:
         const QByteArray list = formatList(network, Format::Csv, 0).toUtf8();
         network.cameras.push_back(network.cameras.front());
         network.cameras.back().adapter = "lab1";
-        QTest::addColumn<QByteArray>("plan");
-        QTest::newRow("as written") << list;
-        QTest::newRow("with a camera that two adapters hear") << formatList(network, Format::Csv, 0).toUtf8();
-        QTest::newRow("saved by a spreadsheet") << "\xEF\xBB\xBF" + QByteArray(list).replace("\n", "\r\n");
+        const auto row = addColumns<QByteArray>("plan");
+        row("as written", list);
+        row("with a camera that two adapters hear", formatList(network, Format::Csv, 0).toUtf8());
+        row("saved by a spreadsheet", "\xEF\xBB\xBF" + QByteArray(list).replace("\n", "\r\n"));
     }
 
     void aListIsAPlanThatChangesNothing()
@@ -218,37 +217,34 @@ private slots:
 
     void aListIsFormatted_data()
     {
-        QTest::addColumn<Format>("format");
-        QTest::addColumn<int>("width"); // In columns; 0 for any.
-        QTest::addColumn<QString>("list");
+        // width: In columns; 0 for any.
+        const auto row = addColumns<Format, int, QString>("format", "width", "list");
         const QString full =
             "  NAME           MODEL    SERIAL  MAC                STATUS  MODE    ADDRESS         \n"
             "lab0  192.168.10.1/24\n"
             "  camera 1       km-1300  1       02:00:00:00:00:01  ok      static  192.168.10.21/24\n"
             "  gate, \"left\"\uFFFD  km-1300  2       02:00:00:00:00:02  ok      static  192.168.10.22/24\n"
             "lab1  192.168.10.251/24\n";
-        QTest::newRow("a table") << Format::Table << 0 << full;
-        QTest::newRow("a table that just fits") << Format::Table << 85 << full;
-        QTest::newRow("a name that is cut") << Format::Table << 84
-                                            << QString(full)
-                                                   .replace("NAME  ", "NAME ")
-                                                   .replace("camera 1 ", "camera 1")
-                                                   .replace("t\"\uFFFD", "t\u2026");
-        QTest::newRow("no room for models")
-            << Format::Table << 56
-            << "  NAME    MAC                STATUS  MODE    ADDRESS         \n"
-               "lab0  192.168.10.1/24\n"
-               "  camer\u2026  02:00:00:00:00:01  ok      static  192.168.10.21/24\n"
-               "  gate,\u2026  02:00:00:00:00:02  ok      static  192.168.10.22/24\n"
-               "lab1  192.168.10.251/24\n";
+        row("a table", Format::Table, 0, full);
+        row("a table that just fits", Format::Table, 85, full);
+        row("a name that is cut", Format::Table, 84,
+            QString(full)
+                .replace("NAME  ", "NAME ")
+                .replace("camera 1 ", "camera 1")
+                .replace("t\"\uFFFD", "t\u2026"));
+        row("no room for models", Format::Table, 56,
+            "  NAME    MAC                STATUS  MODE    ADDRESS         \n"
+            "lab0  192.168.10.1/24\n"
+            "  camer\u2026  02:00:00:00:00:01  ok      static  192.168.10.21/24\n"
+            "  gate,\u2026  02:00:00:00:00:02  ok      static  192.168.10.22/24\n"
+            "lab1  192.168.10.251/24\n");
         const QString json =
             R"({"address":"192.168.10.2%1","gateway":"0.0.0.0","mac":"02:00:00:00:00:0%1","mask":"255.255.255.0",)"
             R"("mode":"static","model":"km-1300","name":"%2","serial":"%1","status":"ok","vendor":""})";
-        QTest::newRow("JSON")
-            << Format::Json << 0
-            << R"({"adapters":[{"addresses":["192.168.10.1/24"],"cameras":[)" + json.arg(1).arg("camera 1") +
-                   ',' + json.arg(2).arg(R"(gate, \"left\"\u0002)") +
-                   R"(],"name":"lab0"},{"addresses":["192.168.10.251/24"],"cameras":[],"name":"lab1"}]})";
+        row("JSON", Format::Json, 0,
+            R"({"adapters":[{"addresses":["192.168.10.1/24"],"cameras":[)" + json.arg(1).arg("camera 1") +
+                ',' + json.arg(2).arg(R"(gate, \"left\"\u0002)") +
+                R"(],"name":"lab0"},{"addresses":["192.168.10.251/24"],"cameras":[],"name":"lab1"}]})");
     }
 
     void aListIsFormatted()

@@ -1,5 +1,6 @@
 #include "gvcp/gvcp.h"
 #include "nodemap.h"
+#include "support/columns.h"
 #include "support/fakeport.h"
 #include "support/trace.h"
 
@@ -280,11 +281,7 @@ private slots:
 
     void aFeatureThatIsNotUnderstoodIsRefused_data()
     {
-        QTest::addColumn<QByteArray>("nodes");
-        QTest::addColumn<QString>("reason");
-        const auto row = [](const char* name, const QByteArray& nodes, const char* reason) {
-            QTest::newRow(name) << nodes << QString(reason);
-        };
+        const auto row = addColumns<QByteArray, QString>("nodes", "reason");
         const auto place = [](const char* address, const char* length) {
             return userId({{"Address", address}, {"Length", length}});
         };

@@ -6,6 +6,7 @@
 #include "qtbase/ipaddresswidget.h"
 #include "qtbase/messages.h"
 #include "qtbase/validators.h"
+#include "support/columns.h"
 #include "support/trace.h"
 
 #include <QApplication>
@@ -110,11 +111,7 @@ private slots:
 
     void addressesAreJudged_data()
     {
-        QTest::addColumn<QString>("mask");
-        QTest::addColumn<QString>("address");
-        QTest::addColumn<QValidator::State>("state");
-        const auto row = [](const char* name, const char* mask, const char* address,
-                            QValidator::State state) { QTest::newRow(name) << mask << address << state; };
+        const auto row = addColumns<QString, QString, QValidator::State>("mask", "address", "state");
         using enum QValidator::State;
         row("network", "255.255.255.0", "192.168.1.0", Intermediate);
         row("zeros at the end of a wide network's host", "255.255.240.0", "172.16.1.0", Acceptable);
@@ -204,37 +201,28 @@ private slots:
     {
         using enum Tessal::FailureKind;
         using enum Tessal::Setting;
-        QTest::addColumn<Tessal::Failure>("failure");
-        QTest::addColumn<QString>("told");
+        const auto row = addColumns<Tessal::Failure, QString>("failure", "told");
         const std::string camera = "192.168.1.20";
-        QTest::newRow("busy")
-            << Tessal::Failure{.kind = Busy,
-                               .setting = TemporaryAddress,
-                               .mac = "025E41000001",
-                               .wanted = "10.0.0.9"}
-            << "The camera 02:5E:41:00:00:01 is busy and did not take the temporary address 10.0.0.9. Wait a moment, then try again.";
-        QTest::newRow("kept a name that would break the line")
-            << Tessal::Failure{.kind = NotKept,
-                               .setting = Name,
-                               .address = camera,
-                               .wanted = "belt",
-                               .actual = "<b>\n%1"}
-            << "The camera 192.168.1.20 confirmed the new device user ID “belt” but reports “<b>\uFFFD%1”.";
-        QTest::newRow("no way to the address")
-            << Tessal::Failure{.kind = CannotSend, .address = "10.9.9.9", .reason = "Network is unreachable"}
-            << "This computer cannot reach the address 10.9.9.9 through any of its network adapters.";
-        QTest::newRow("refused, and no more to say")
-            << Tessal::Failure{.kind = Refused,
-                               .setting = DefaultGateway,
-                               .address = camera,
-                               .wanted = "192.168.1.1"}
-            << "The camera 192.168.1.20 refused the new gateway 192.168.1.1.";
-        QTest::newRow("silent when it was read")
-            << Tessal::Failure{.kind = NoAnswer, .setting = DefaultGateway, .address = camera}
-            << "The camera 192.168.1.20 did not answer.";
-        QTest::newRow("without an address")
-            << Tessal::Failure{.kind = NotKept, .setting = Name, .wanted = "belt"}
-            << "The camera confirmed the new device user ID “belt” but did not keep it.";
+        row("busy",
+            Tessal::Failure{
+                .kind = Busy, .setting = TemporaryAddress, .mac = "025E41000001", .wanted = "10.0.0.9"},
+            "The camera 02:5E:41:00:00:01 is busy and did not take the temporary address 10.0.0.9. Wait a moment, then try again.");
+        row("kept a name that would break the line",
+            Tessal::Failure{
+                .kind = NotKept, .setting = Name, .address = camera, .wanted = "belt", .actual = "<b>\n%1"},
+            "The camera 192.168.1.20 confirmed the new device user ID “belt” but reports “<b>\uFFFD%1”.");
+        row("no way to the address",
+            Tessal::Failure{.kind = CannotSend, .address = "10.9.9.9", .reason = "Network is unreachable"},
+            "This computer cannot reach the address 10.9.9.9 through any of its network adapters.");
+        row("refused, and no more to say",
+            Tessal::Failure{
+                .kind = Refused, .setting = DefaultGateway, .address = camera, .wanted = "192.168.1.1"},
+            "The camera 192.168.1.20 refused the new gateway 192.168.1.1.");
+        row("silent when it was read",
+            Tessal::Failure{.kind = NoAnswer, .setting = DefaultGateway, .address = camera},
+            "The camera 192.168.1.20 did not answer.");
+        row("without an address", Tessal::Failure{.kind = NotKept, .setting = Name, .wanted = "belt"},
+            "The camera confirmed the new device user ID “belt” but did not keep it.");
     }
 
     void aFailureIsToldInPlainSentences()
@@ -298,15 +286,10 @@ private slots:
 
     void dialogWaitsUntilAllIsComplete_data()
     {
-        QTest::addColumn<QString>("address");
-        QTest::addColumn<QString>("mask");
-        QTest::addColumn<bool>("isComplete");
-        QTest::newRow("of no use") << "224.0.0.1"
-                                   << "255.255.255.0" << true;
-        QTest::newRow("half an address") << "192.168.1."
-                                         << "255.255.255.0" << false;
-        QTest::newRow("no mask") << "192.168.1.9"
-                                 << "" << false;
+        const auto row = addColumns<QString, QString, bool>("address", "mask", "isComplete");
+        row("of no use", "224.0.0.1", "255.255.255.0", true);
+        row("half an address", "192.168.1.", "255.255.255.0", false);
+        row("no mask", "192.168.1.9", "", false);
     }
 
     void dialogWaitsUntilAllIsComplete()

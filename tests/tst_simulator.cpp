@@ -1,3 +1,4 @@
+#include "support/columns.h"
 #include "support/otherprogram.h"
 #include "support/packets.h"
 #include "support/simulator.h"
@@ -208,14 +209,11 @@ private slots:
 
     void aForeignSubnetIsAnsweredThroughTheGateway_data()
     {
-        QTest::addColumn<QString>("gateway");
-        QTest::addColumn<QByteArray>("message");
-        QTest::addColumn<QStringList>("arpRequests");
+        const auto row = addColumns<QString, QByteArray, QStringList>("gateway", "message", "arpRequests");
         const QByteArray ask = packets::discovery();
-        QTest::newRow("of its own network") << "192.168.10.1" << ask << QStringList{"192.168.10.1"};
-        QTest::newRow("of another subnet") << "192.168.20.1" << ask << QStringList();
-        QTest::newRow("but not that which is no discovery")
-            << "192.168.10.1" << readPrivilege << QStringList();
+        row("of its own network", "192.168.10.1", ask, QStringList{"192.168.10.1"});
+        row("of another subnet", "192.168.20.1", ask, QStringList());
+        row("but not that which is no discovery", "192.168.10.1", readPrivilege, QStringList());
     }
 
     void aForeignSubnetIsAnsweredThroughTheGateway()
@@ -242,11 +240,7 @@ private slots:
 
     void aMistakeInASceneIsNamed_data()
     {
-        QTest::addColumn<QJsonObject>("camera");
-        QTest::addColumn<QString>("told");
-        const auto row = [](const char* name, const QJsonObject& camera, const QString& told) {
-            QTest::newRow(name) << camera << told;
-        };
+        const auto row = addColumns<QJsonObject, QString>("camera", "told");
         row("a mistyped fault", {{"losePacket", QJsonArray{1}}}, "losePacket: is no known key");
         row("an unknown word", {{"description", QJsonObject{{"kind", "cbor"}}}},
             "description.kind: must be one of ");

@@ -1,4 +1,5 @@
 #include "support/cameralayer.h"
+#include "support/columns.h"
 #include "support/simulator.h"
 #include "support/trace.h"
 
@@ -92,12 +93,7 @@ private slots:
     void accessibilityIsThatOfTheCameraMeant_data()
     {
         using namespace Tessal::Accessibility;
-        QTest::addColumn<std::string>("mac");
-        QTest::addColumn<std::string>("address");
-        QTest::addColumn<int>("expected");
-        const auto row = [](const char* name, const char* mac, const char* address, int expected) {
-            QTest::newRow(name) << std::string(mac) << std::string(address) << expected;
-        };
+        const auto row = addColumns<std::string, std::string, int>("mac", "address", "expected");
         row("the camera", "025E41000001", "192.168.10.21", Ok);
         row("any camera", "", "192.168.10.21", Ok);
         row("another camera", "025E41000002", "192.168.10.21", NotReachable);
@@ -140,12 +136,8 @@ private slots:
 
     void aStaticAddressThatNoCameraCanHaveIsNotSent_data()
     {
-        QTest::addColumn<bool>("isStatic");
-        QTest::addColumn<std::string>("address");
-        QTest::addColumn<QString>("stored"); // nothing if the command is not sent
-        const auto row = [](const char* name, bool isStatic, const char* address, const char* stored) {
-            QTest::newRow(name) << isStatic << std::string(address) << QString(stored);
-        };
+        // stored: nothing if the command is not sent
+        const auto row = addColumns<bool, std::string, QString>("isStatic", "address", "stored");
         row("static, the loopback address", true, "127.0.0.1", "");
         row("static, multicast", true, "224.0.0.0", "");
         row("static, the last possible", true, "223.255.255.255", "223.255.255.255");
@@ -174,26 +166,21 @@ private slots:
 
     void onlyTheCameraItselfAcknowledges_data()
     {
-        QTest::addColumn<QJsonObject>("camera");
-        QTest::addColumn<QString>("otherAcknowledges");
-        QTest::addColumn<QString>("refusal"); // nothing if the command is accepted
+        // refusal: nothing if the command is accepted
+        const auto row = addColumns<QJsonObject, QString, QString>("camera", "otherAcknowledges", "refusal");
         const auto refuses = [](const char* status) {
             return QJsonObject{{"refuse", QJsonObject{{"BROADCAST_IPCONFIG", status}}},
                                {"answerDelayMs", 50}};
         };
         const QJsonObject late{{"answerDelayMs", 50}};
-        QTest::newRow("the camera does, after a device without a name") << late << "nameless"
-                                                                        << "";
-        QTest::newRow("the camera does, after a device with another name") << late << "as-itself"
-                                                                           << "";
-        QTest::newRow("the camera is busy, and a device without a name does") << refuses("8007") << "nameless"
-                                                                              << "the camera is busy (8007)";
-        QTest::newRow("the camera is busy, and a device with another name does")
-            << refuses("8007") << "as-itself"
-            << "the camera is busy (8007)";
-        QTest::newRow("the camera refuses after a device in its name did")
-            << refuses("8006") << "as-that-camera"
-            << "access is denied (8006)";
+        row("the camera does, after a device without a name", late, "nameless", "");
+        row("the camera does, after a device with another name", late, "as-itself", "");
+        row("the camera is busy, and a device without a name does", refuses("8007"), "nameless",
+            "the camera is busy (8007)");
+        row("the camera is busy, and a device with another name does", refuses("8007"), "as-itself",
+            "the camera is busy (8007)");
+        row("the camera refuses after a device in its name did", refuses("8006"), "as-that-camera",
+            "access is denied (8006)");
     }
 
     void onlyTheCameraItselfAcknowledges()

@@ -1,3 +1,4 @@
+#include "support/columns.h"
 #include "support/lines.h"
 #include "support/wire.h"
 
@@ -149,15 +150,15 @@ private slots:
 
     void requestsOutliveWhatTheSystemRefuses_data()
     {
-        QTest::addColumn<int>("error");
-        QTest::addColumn<bool>("passes"); // returned for every other packet, else for one adapter
-        QTest::newRow("EPERM") << EPERM << false;
-        QTest::newRow("ENETUNREACH") << ENETUNREACH << false;
-        QTest::newRow("ENETDOWN") << ENETDOWN << false;
-        QTest::newRow("EINVAL") << EINVAL << false;
-        QTest::newRow("ENOBUFS") << ENOBUFS << true;
-        QTest::newRow("ENOMEM") << ENOMEM << true;
-        QTest::newRow("EINTR") << EINTR << true;
+        // passes: returned for every other packet, else for one adapter
+        const auto row = addColumns<int, bool>("error", "passes");
+        row("EPERM", EPERM, false);
+        row("ENETUNREACH", ENETUNREACH, false);
+        row("ENETDOWN", ENETDOWN, false);
+        row("EINVAL", EINVAL, false);
+        row("ENOBUFS", ENOBUFS, true);
+        row("ENOMEM", ENOMEM, true);
+        row("EINTR", EINTR, true);
     }
 
     void requestsOutliveWhatTheSystemRefuses()

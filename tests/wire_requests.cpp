@@ -1,4 +1,5 @@
 #include "support/cameralayer.h"
+#include "support/columns.h"
 #include "support/simulator.h"
 #include "support/trace.h"
 
@@ -61,22 +62,19 @@ private slots:
 
     void aCameraIsFoundOpenedAndConfigured_data()
     {
-        QTest::addColumn<QJsonObject>("fault");
-        QTest::addColumn<int>("refusals");
-        QTest::newRow("with bytes behind what its answers announce")
-            << QJsonObject{{"answerWith", "surplus"}} << 0;
-        QTest::newRow("with answers longer than needed") << QJsonObject{{"answerWith", "longPayload"}} << 0;
-        QTest::newRow("with a description that ends in a single word")
-            << QJsonObject{{"description", QJsonObject{{"kind", "word-tail"}}}} << 0;
-        QTest::newRow("whose description gives the place of its name by a formula")
-            << QJsonObject{{"description", QJsonObject{{"kind", "formula-user-id"}}}} << 0;
-        QTest::newRow("that says it has written, and not how much")
-            << QJsonObject{{"emptyWriteAcks", true}} << 0;
-        QTest::newRow("that grants WRITEMEM and refuses it")
-            << QJsonObject{{"refuse", QJsonObject{{"WRITEMEM", "8001"}}}} << 1;
-        QTest::newRow("that grants WRITEMEM and denies it")
-            << QJsonObject{{"refuse", QJsonObject{{"WRITEMEM", "8006"}}}} << 1;
-        QTest::newRow("that does not know WRITEMEM") << QJsonObject{{"knowsWriteMem", false}} << 0;
+        const auto row = addColumns<QJsonObject, int>("fault", "refusals");
+        row("with bytes behind what its answers announce", QJsonObject{{"answerWith", "surplus"}}, 0);
+        row("with answers longer than needed", QJsonObject{{"answerWith", "longPayload"}}, 0);
+        row("with a description that ends in a single word",
+            QJsonObject{{"description", QJsonObject{{"kind", "word-tail"}}}}, 0);
+        row("whose description gives the place of its name by a formula",
+            QJsonObject{{"description", QJsonObject{{"kind", "formula-user-id"}}}}, 0);
+        row("that says it has written, and not how much", QJsonObject{{"emptyWriteAcks", true}}, 0);
+        row("that grants WRITEMEM and refuses it", QJsonObject{{"refuse", QJsonObject{{"WRITEMEM", "8001"}}}},
+            1);
+        row("that grants WRITEMEM and denies it", QJsonObject{{"refuse", QJsonObject{{"WRITEMEM", "8006"}}}},
+            1);
+        row("that does not know WRITEMEM", QJsonObject{{"knowsWriteMem", false}}, 0);
     }
 
     void aCameraIsFoundOpenedAndConfigured()
@@ -155,28 +153,24 @@ private slots:
 
     void aSettingFails_data()
     {
-        QTest::addColumn<QJsonObject>("fault");
-        QTest::addColumn<QString>("told");
+        const auto row = addColumns<QJsonObject, QString>("fault", "told");
         const auto forgets = [](const char* address) { return QJsonObject{{"forget", QJsonArray{address}}}; };
-        QTest::newRow("the name is forgotten")
-            << forgets("0x00E8") << camera + "confirmed the new device user ID “gate” but reports “old”.";
-        QTest::newRow("the name is refused")
-            << QJsonObject{{"refuse", QJsonObject{{"register:0x00E8", "8004"}}}}
-            << camera + "refused the new device user ID.";
-        QTest::newRow("the mode is forgotten")
-            << forgets("0x0014") << camera + "confirmed the new IP configuration DHCP but reports Static IP.";
-        QTest::newRow("the mode is written without a word")
-            << QJsonObject{{"misreport", QJsonObject{{"0x0014", "nothing"}}}}
-            << camera + "did not answer when it was given the new IP configuration DHCP. Check whether it is "
-                        "still connected, then try again.";
-        QTest::newRow("the mask is refused")
-            << QJsonObject{{"refuse", QJsonObject{{"register:0x065C", "8002"}}}}
-            << camera + "refused the new subnet mask 255.255.0.0. It already has the new IP configuration "
-                        "and the new IP address.";
-        QTest::newRow("the gateway is forgotten")
-            << forgets("0x066C")
-            << camera + "confirmed the new gateway 192.168.0.1 but reports 0.0.0.0. It already has the new "
-                        "IP configuration, the new IP address and the new subnet mask.";
+        row("the name is forgotten", forgets("0x00E8"),
+            camera + "confirmed the new device user ID “gate” but reports “old”.");
+        row("the name is refused", QJsonObject{{"refuse", QJsonObject{{"register:0x00E8", "8004"}}}},
+            camera + "refused the new device user ID.");
+        row("the mode is forgotten", forgets("0x0014"),
+            camera + "confirmed the new IP configuration DHCP but reports Static IP.");
+        row("the mode is written without a word",
+            QJsonObject{{"misreport", QJsonObject{{"0x0014", "nothing"}}}},
+            camera + "did not answer when it was given the new IP configuration DHCP. Check whether it is "
+                     "still connected, then try again.");
+        row("the mask is refused", QJsonObject{{"refuse", QJsonObject{{"register:0x065C", "8002"}}}},
+            camera + "refused the new subnet mask 255.255.0.0. It already has the new IP configuration "
+                     "and the new IP address.");
+        row("the gateway is forgotten", forgets("0x066C"),
+            camera + "confirmed the new gateway 192.168.0.1 but reports 0.0.0.0. It already has the new "
+                     "IP configuration, the new IP address and the new subnet mask.");
     }
 
     void aSettingFails()
