@@ -62,11 +62,11 @@ private slots:
         row("lanvic-cli set gate --temporary 192.168.10.99/24", 0,
             {gate + ": done: static 192.168.10.21/24 -> temporary 192.168.10.99/24", done});
         row("lanvic-cli set 2 --dhcp --name '16 bytes of name'", 0, // Another maker's, so it is opened.
-            {"02:5E:41:00:00:02 (1): done: static 192.168.10.22/24 -> dhcp, name \"1\" -> \"16 bytes of name\"",
+            {R"(02:5E:41:00:00:02 (1): done: static 192.168.10.22/24 -> dhcp, name "1" -> "16 bytes of name")",
              done});
         row("script -qec 'lanvic-cli set gate --name 0123456789abcdef' /dev/null", 0, // On a terminal.
             {"0 of 1 cameras finished, 1 restarting", "1 of 1 cameras finished, 0 restarting",
-             gate + ": done: name \"gate\" -> \"0123456789abcdef\"", done});
+             gate + R"(: done: name "gate" -> "0123456789abcdef")", done});
     }
 
     void commandsAnswer()
