@@ -209,7 +209,8 @@ private:
                                            const GenICam::gcstring& mac);
     std::optional<IpSettings> askForTemporaryAddress(IpAddressWidget& dialog, GenICam::gcstring& mac);
     std::optional<IpSettings> readTemporaryAddress(const IpAddressWidget& dialog, GenICam::gcstring& mac);
-    void listActualAddress(const GenICam::gcstring& mac);
+    void listTemporaryAddress(const GenICam::gcstring& mac, const IpSettings& sent,
+                              const IpAddressWidget* dialog);
 
     Ui_IpConfigurationWidgetClass ui{};
     bool m_ipConfigModified = false;

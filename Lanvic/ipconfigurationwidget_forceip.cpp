@@ -118,24 +118,7 @@ bool IpConfigurationWidget::forceIp(const QString& headerText, bool showMacAddre
     if (!waitForDevice(fromAscii(mac))) {
         return false;
     }
-    const QHostAddress given = addressFromText(QString::fromLatin1(settings->ipAddress));
-    const bool wasTaken = given == addressFromText(fromAscii(m_rediscovered.GetIpAddress()));
-    if (wasTaken) {
-        m_temporaryAddresses.insert(fromAscii(mac), QString::fromLatin1(settings->ipAddress));
-    }
-    if (!showMacAddress) {
-        m_pDeviceLister->updateDeviceInfo(mac, nullptr, dialog.ipAddress().toLatin1(),
-                                          dialog.subnetMask().toLatin1(), dialog.defaultGateway().toLatin1(),
-                                          true);
-        if (!wasTaken) {
-            listActualAddress(mac);
-        }
-    }
-    // 0.0.0.0 leaves the choice to the camera.
-    if (!wasTaken && given.toIPv4Address() != 0) {
-        reportForceIpFailure(mac,
-                             [&] { throw addressNotTaken(mac, *settings, m_rediscovered.GetIpAddress()); });
-    }
+    listTemporaryAddress(mac, *settings, showMacAddress ? nullptr : &dialog);
     return true;
 }
 
@@ -194,13 +177,30 @@ std::optional<IpSettings> IpConfigurationWidget::readTemporaryAddress(const IpAd
     return entered;
 }
 
-/// Lists the address that the camera reports instead of the one that was sent: a camera that missed the
-/// command comes back with another one.
-void IpConfigurationWidget::listActualAddress(const GenICam::gcstring& mac)
+/// Lists what was entered, or the address that the camera reports instead: a camera that missed the command
+/// comes back with another one. That is a failure unless 0.0.0.0 was sent, which leaves the choice to the
+/// camera. Without a dialog, the list is left to the refresh that follows.
+void IpConfigurationWidget::listTemporaryAddress(const GenICam::gcstring& mac, const IpSettings& sent,
+                                                 const IpAddressWidget* dialog)
 {
-    m_pDeviceLister->updateDeviceInfo(mac, nullptr, m_rediscovered.GetIpAddress(),
-                                      m_rediscovered.GetSubnetMask(), m_rediscovered.GetDefaultGateway(),
-                                      true);
+    const GenICam::gcstring actual = m_rediscovered.GetIpAddress();
+    const QHostAddress given = addressFromText(QString::fromLatin1(sent.ipAddress));
+    const bool wasTaken = given == addressFromText(fromAscii(actual));
+    if (wasTaken) {
+        m_temporaryAddresses.insert(fromAscii(mac), QString::fromLatin1(sent.ipAddress));
+    }
+    if (dialog != nullptr) {
+        m_pDeviceLister->updateDeviceInfo(mac, nullptr, dialog->ipAddress().toLatin1(),
+                                          dialog->subnetMask().toLatin1(),
+                                          dialog->defaultGateway().toLatin1(), true);
+        if (!wasTaken) {
+            m_pDeviceLister->updateDeviceInfo(mac, nullptr, actual, m_rediscovered.GetSubnetMask(),
+                                              m_rediscovered.GetDefaultGateway(), true);
+        }
+    }
+    if (!wasTaken && given.toIPv4Address() != 0) {
+        reportForceIpFailure(mac, [&] { throw addressNotTaken(mac, sent, actual); });
+    }
 }
 
 bool IpConfigurationWidget::forceIpForConnection(QString& address, const ForceIpReason& reason)
