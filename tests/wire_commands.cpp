@@ -32,8 +32,9 @@ class CommandsTest : public QObject
         record.SetPropertyValue(Tessal::Key::IpAddress, address);
         record.SetPropertyValue(Tessal::Key::MacAddress, mac);
         int accessibility = -1;
-        (*m_layer)->QueryDeviceAccessibility(record, Tessal::EDeviceAccessMode::Control, &accessibility);
-        return accessibility;
+        const bool isOk =
+            (*m_layer)->QueryDeviceAccessibility(record, Tessal::EDeviceAccessMode::Control, &accessibility);
+        return isOk == (accessibility == Tessal::Accessibility::Ok) ? accessibility : -2;
     }
 
     static QStringList warnings(const TraceCapture& trace)
