@@ -125,30 +125,22 @@ private slots:
 
     void theDescriptionComesFromTheFirstUsableUrl_data()
     {
-        QTest::addColumn<QByteArray>("first"); // # stands for the length
-        QTest::addColumn<QByteArray>("second");
-        QTest::addColumn<QString>("whyNot"); // how the trace explains it if neither is used
-        const auto used = [](const char* name, const QByteArray& first, const QByteArray& second = {}) {
-            QTest::newRow(name) << first << second << QString();
-        };
-        const auto unused = [](const char* name, const QByteArray& first, const char* whyNot) {
-            QTest::newRow(name) << first << QByteArray()
-                                << QString("The camera's description cannot be used (first URL: ") + whyNot;
-        };
+        // # stands for the length, and whyNot for how the trace explains it if neither is used.
+        const auto row = addColumns<QByteArray, QByteArray, QString>("first", "second", "whyNot");
         const QByteArray good = "Local:a.xml;10000;#";
-        used("as the standard says", good);
-        used("in any letter case, with slashes, prefixes and a version",
-             "LOCAL:///a.XML;0x10000;0X#?SchemaVersion=1.1.0");
-        used("with blanks", " local: my a.xml ; 00010000 ; # \r\n");
-        used("the second", "http://a/b.xml", good);
-        used("the second, as the first is no register description", "Local:a.xml;B000;b", good);
-        unused("none", "", "the URL is empty; second URL: the URL is empty");
-        unused("on a disk", "File:C:\\a.xml", "'File:C:\\a.xml' is not in the camera");
-        unused("no number", "Local:a.xml;10g;10", "'10g' is no hexadecimal number");
-        unused("beyond the registers", "Local:a.xml;FFFFFFFF;2", "'Local:a.xml;FFFFFFFF;2' names no place");
-        unused("too large", "Local:a.xml;A000;800001", "'a.xml' is larger than 8388608 bytes");
-        unused("no XML", "Local:a.xml;C000;4", "the XML is malformed at byte");
-        unused("not to be read", "Local:a.xml;40000;4", "no such register");
+        row("as the standard says", good, "", "");
+        row("in any letter case, with slashes, prefixes and a version",
+            "LOCAL:///a.XML;0x10000;0X#?SchemaVersion=1.1.0", "", "");
+        row("with blanks", " local: my a.xml ; 00010000 ; # \r\n", "", "");
+        row("the second", "http://a/b.xml", good, "");
+        row("the second, as the first is no register description", "Local:a.xml;B000;b", good, "");
+        row("none", "", "", "the URL is empty; second URL: the URL is empty");
+        row("on a disk", "File:C:\\a.xml", "", "'File:C:\\a.xml' is not in the camera");
+        row("no number", "Local:a.xml;10g;10", "", "'10g' is no hexadecimal number");
+        row("beyond the registers", "Local:a.xml;FFFFFFFF;2", "", "'Local:a.xml;FFFFFFFF;2' names no place");
+        row("too large", "Local:a.xml;A000;800001", "", "'a.xml' is larger than 8388608 bytes");
+        row("no XML", "Local:a.xml;C000;4", "", "the XML is malformed at byte");
+        row("not to be read", "Local:a.xml;40000;4", "", "no such register");
     }
 
     void theDescriptionComesFromTheFirstUsableUrl()
@@ -164,41 +156,34 @@ private slots:
         m_port->put(fileAddress, xml);
         m_port->put(0xB000, "<svg></svg>");
         m_port->put(0xC000, "<a<b");
-        checkUse(whyNot);
+        checkUse(whyNot.isEmpty() ? "" : "The camera's description cannot be used (first URL: " + whyNot);
     }
 
     void aFileIsUsedUnlessItIsTooLarge_data()
     {
-        QTest::addColumn<QByteArray>("file");
-        QTest::addColumn<QByteArray>("name");
-        QTest::addColumn<QString>("whyNot");
-        const auto archive = [](const char* name, const char* file, const QString& whyNot = {}) {
-            const QString prefix = "the zip archive cannot be used: ";
-            QTest::newRow(name) << seed(file) << QByteArray("A.Zip")
-                                << (whyNot.isEmpty() ? whyNot : prefix + whyNot);
-        };
-        archive("stored in an archive", "stored");
-        archive("deflated", "deflated");
-        archive("two files of which one is XML", "two");
-        archive("one file of another name", "other-name");
-        archive("a file that claims to have 4 bytes", "claims-4-bytes");
-        archive("two files of which none is XML", "no-xml", "it holds 2 files and none is XML");
-        archive("compressed in another way", "lzma", "its file is neither stored nor deflated");
-        archive("a wrong checksum", "wrong-checksum", "CRC");
-        archive("cut off", "cut", "Not a zip");
-        archive("small inside and too large outside", "bomb", "its file has more than 8388608 bytes");
-        const auto xml = [](const char* name, const QByteArray& file, const char* whyNot) {
-            QTest::newRow(name) << file << QByteArray("a.xml") << QString(whyNot);
-        };
-        QTest::newRow("many files") << QByteArray("PK\1\2").repeated(17) << QByteArray("a.zip")
-                                    << "the zip archive cannot be used: it holds more than 16 files";
+        const auto row = addColumns<QByteArray, QByteArray, QString>("file", "name", "whyNot");
+        const QString noUse = "the zip archive cannot be used: ";
+        row("stored in an archive", seed("stored"), "A.Zip", "");
+        row("deflated", seed("deflated"), "A.Zip", "");
+        row("two files of which one is XML", seed("two"), "A.Zip", "");
+        row("one file of another name", seed("other-name"), "A.Zip", "");
+        row("a file that claims to have 4 bytes", seed("claims-4-bytes"), "A.Zip", "");
+        row("two files of which none is XML", seed("no-xml"), "A.Zip",
+            noUse + "it holds 2 files and none is XML");
+        row("compressed in another way", seed("lzma"), "A.Zip",
+            noUse + "its file is neither stored nor deflated");
+        row("a wrong checksum", seed("wrong-checksum"), "A.Zip", noUse + "CRC");
+        row("cut off", seed("cut"), "A.Zip", noUse + "Not a zip");
+        row("small inside and too large outside", seed("bomb"), "A.Zip",
+            noUse + "its file has more than 8388608 bytes");
+        row("many files", QByteArray("PK\1\2").repeated(17), "a.zip", noUse + "it holds more than 16 files");
         const char* const tooMany = "the XML has more elements than can be held";
-        xml("a million nested elements", QByteArray("<a>").repeated(1'000'000), tooMany);
-        xml("a million attributes", "<a" + QByteArray(" b='c'").repeated(1'000'000) + "/>", tooMany);
-        xml("a million texts", QByteArray("<a b='>'/>t").repeated(700'000), tooMany);
-        xml("an excerpt of what is wrong, however long",
+        row("a million nested elements", QByteArray("<a>").repeated(1'000'000), "a.xml", tooMany);
+        row("a million attributes", "<a" + QByteArray(" b='c'").repeated(1'000'000) + "/>", "a.xml", tooMany);
+        row("a million texts", QByteArray("<a b='>'/>t").repeated(700'000), "a.xml", tooMany);
+        row("an excerpt of what is wrong, however long",
             descriptionOf(userId({{"Address", "1"}, {"pLength", QByteArray(9000, 'x').constData()}})),
-            "which does not exist");
+            "a.xml", "which does not exist");
     }
 
     void aFileIsUsedUnlessItIsTooLarge()
@@ -212,29 +197,29 @@ private slots:
 
     void aTextFeatureIsReadAndWritten_data()
     {
-        QTest::addColumn<QByteArray>("nodes");
-        QTest::addColumn<QString>("read");
-        QTest::addColumn<QString>("write"); // what begins where the text was, or what is said
-        const auto row = [](const char* name, const QByteArray& nodes, const QString& read = "camera",
-                            const QString& write = written) {
-            QTest::newRow(name) << nodes << read << write;
-        };
-        row("a register", userId(place));
+        // What is read, and what is then where the text was; or what is said.
+        const auto row = addColumns<QByteArray, QString, QString>("nodes", "read", "write");
+        row("a register", userId(place), "camera", written);
         row("in groups, with prefixes and blanks, the first of two",
             "<g:Group><g:Group><g:StringReg Name='DeviceUserID'><g:Address>4096</g:Address><g:Length> "
-            "16\n</g:Length></g:StringReg></g:Group></g:Group><StringReg Name='DeviceUserID'/>");
+            "16\n</g:Length></g:StringReg></g:Group></g:Group><StringReg Name='DeviceUserID'/>",
+            "camera", written);
         row("address and length from other nodes",
             userId({{"Address", "20"}, {"pAddress", "A"}, {"Address", "-4"}, {"pLength", "L"}}) +
-                node("Integer", "A", {{"pValue", "B"}}) + integer("B", "0xFF0") + integer("L", "16"));
-        row("address in a little-endian register", userId(atA) + intReg("A", "0x2004", "2"));
+                node("Integer", "A", {{"pValue", "B"}}) + integer("B", "0xFF0") + integer("L", "16"),
+            "camera", written);
+        row("address in a little-endian register", userId(atA) + intReg("A", "0x2004", "2"), "camera",
+            written);
         row("address as the sum of an unsigned and a signed byte",
             userId({{"Address", "0xF02"}, {"pAddress", "U"}, {"pAddress", "S"}, {"Length", "16"}}) +
-                intReg("U", "0x2008", "1") + intReg("S", "0x2008", "1", {{"Sign", "Signed"}}));
+                intReg("U", "0x2008", "1") + intReg("S", "0x2008", "1", {{"Sign", "Signed"}}),
+            "camera", written);
         const std::pair<const char*, const char*> bigEndian{"Endianess", "BigEndian"};
         row("address in bits of a big-endian register",
-            userId(atA) + maskedReg("0x200C", "4", {{"LSB", "23"}, {"MSB", "8"}, bigEndian}));
+            userId(atA) + maskedReg("0x200C", "4", {{"LSB", "23"}, {"MSB", "8"}, bigEndian}), "camera",
+            written);
         row("address in bits of a little-endian register",
-            userId(atA) + maskedReg("0x2010", "8", {{"LSB", "8"}, {"MSB", "23"}}));
+            userId(atA) + maskedReg("0x2010", "8", {{"LSB", "8"}, {"MSB", "23"}}), "camera", written);
         row("locked behind a reference",
             node("String", "DeviceUserID", {{"pValue", "R"}}) +
                 node("StringReg", "R", place + Children{{"pIsLocked", "T"}}) +
@@ -247,7 +232,7 @@ private slots:
         row("across two words", userId({{"Address", "0x1002"}, {"Length", "4"}}), "mera", "canew...");
         row("read only by imposed access",
             userId(place + Children{{"AccessMode", "RW"}, {"ImposedAccessMode", "RO"}}), "camera", readOnly);
-        row("write only", userId(place + Children{{"AccessMode", "WO"}}), hidden);
+        row("write only", userId(place + Children{{"AccessMode", "WO"}}), hidden, written);
         row("not available", userId(place + Children{{"pIsAvailable", "A"}}) + intReg("A", "0x2018", "4"),
             hidden, readOnly);
         row("not implemented", userId(place + Children{{"pIsImplemented", "A"}}) + integer("A", "0"), hidden,
@@ -258,7 +243,8 @@ private slots:
         row("locked by a boolean with another value for true",
             locked + node("Boolean", "A", {{"pValue", "V"}, {"OnValue", "2"}}) + integer("V", "2"), "camera",
             readOnly);
-        row("a lock in a register that is not there does not count", locked + intReg("A", "0x90000", "4"));
+        row("a lock in a register that is not there does not count", locked + intReg("A", "0x90000", "4"),
+            "camera", written);
         const QString missing = "NULL pointer dereferenced";
         row("a number", integer("DeviceUserID", "1"), missing, missing);
         row("nothing of that name", node("Integer", "Width"), missing, missing);
@@ -300,12 +286,10 @@ private slots:
             "'A' refers to too many nodes or to itself");
         row("bits outside", userId(atA) + maskedReg("0x2000", "4", {{"Bit", "32"}}),
             "'A' has a bit field outside of its register");
-        row("an address in a register that must not be read",
-            userId(atA) + node("IntReg", "A", {{"Address", "0x9000"}, {"Length", "4"}}),
+        row("an address in a register that must not be read", userId(atA) + intReg("A", "0x9000", "4"),
             "'A' cannot be read: no such register");
         row("a length in a register that outlasts the time there is",
-            userId({{"Address", "0x1000"}, {"pLength", "A"}}) +
-                node("IntReg", "A", {{"Address", "0x9004"}, {"Length", "4"}}),
+            userId({{"Address", "0x1000"}, {"pLength", "A"}}) + intReg("A", "0x9004", "4"),
             "'A' takes too long to be read: no answer in time");
         row("not in the camera's registers",
             node("StringReg", "DeviceUserID", Children{{"pPort", "P"}, {"Address", "0"}, {"Length", "4"}}) +

@@ -112,46 +112,42 @@ class SimulatorTest : public QObject
 private slots:
     void commandsAreRefused_data()
     {
-        QTest::addColumn<QByteArray>("message");
-        QTest::addColumn<QString>("told");
-        const auto row = [](const QByteArray& message, const char* told) {
-            QTest::newRow(told) << message << QString(told);
-        };
+        const auto row = addColumns<QByteArray>("message"); // each named by what is told of it
         using gvcp::Command;
         using packets::command;
-        row(packets::discovery() + "x", R"(DISCOVERY status=800E reason="wrong key or length")");
-        row(command(Command::Discovery, "x"), R"(DISCOVERY status=8002 reason="a discovery has no payload")");
-        row(packets::forceIp(cameraMac, {0xE0000001}, {0xFFFFFF00}),
-            R"(FORCEIP status=8002 reason="not an address for a camera")");
-        row(command(Command::ReadReg, {}), R"(READREG status=8002 reason="wrong length")");
-        row(packets::readRegister(sim::DescriptionAddress),
-            R"(READREG status=8003 reason="the address is memory, not a register")");
-        row(packets::readRegister(0x0904), R"(READREG status=8001 reason="the scene refuses this register")");
-        row(packets::readMemory(reg::FirstUrl, 516), R"(READMEM status=8002 reason="wrong number of bytes")");
-        row(packets::readMemory(reg::FirstUrl, 6),
-            R"(READMEM status=8005 reason="address and length must be multiples of four")");
-        row(packets::readMemory(0x600, 8), R"(READMEM status=8003 reason="no such register")");
-        row(command(Command::WriteReg, "x"), R"(WRITEREG status=8002 reason="wrong length")");
-        row(packets::writeRegister(0x0A01, 1),
-            R"(WRITEREG status=8005 reason="the address is not a multiple of four")");
-        row(packets::writeRegister(reg::Model, 1),
-            R"(WRITEREG status=8004 reason="the register is read-only")");
-        row(packets::writeRegister(reg::PersistentIp, 1),
-            R"(WRITEREG status=8006 reason="the sender does not have control")");
-        row(packets::writeRegister(reg::ControlChannelPrivilege, 8),
-            R"(WRITEREG status=8002 reason="invalid value")");
-        row(command(Command::WriteMem, "longer"),
-            R"(WRITEMEM status=8005 reason="the length is not a multiple of four")");
-        row(command(Command{0x00AB}, {}), R"(00AB status=8001 reason="unknown command")");
+        row(R"(DISCOVERY status=800E reason="wrong key or length")", packets::discovery() + "x");
+        row(R"(DISCOVERY status=8002 reason="a discovery has no payload")", command(Command::Discovery, "x"));
+        row(R"(FORCEIP status=8002 reason="not an address for a camera")",
+            packets::forceIp(cameraMac, {0xE0000001}, {0xFFFFFF00}));
+        row(R"(READREG status=8002 reason="wrong length")", command(Command::ReadReg, {}));
+        row(R"(READREG status=8003 reason="the address is memory, not a register")",
+            packets::readRegister(sim::DescriptionAddress));
+        row(R"(READREG status=8001 reason="the scene refuses this register")", packets::readRegister(0x0904));
+        row(R"(READMEM status=8002 reason="wrong number of bytes")", packets::readMemory(reg::FirstUrl, 516));
+        row(R"(READMEM status=8005 reason="address and length must be multiples of four")",
+            packets::readMemory(reg::FirstUrl, 6));
+        row(R"(READMEM status=8003 reason="no such register")", packets::readMemory(0x600, 8));
+        row(R"(WRITEREG status=8002 reason="wrong length")", command(Command::WriteReg, "x"));
+        row(R"(WRITEREG status=8005 reason="the address is not a multiple of four")",
+            packets::writeRegister(0x0A01, 1));
+        row(R"(WRITEREG status=8004 reason="the register is read-only")",
+            packets::writeRegister(reg::Model, 1));
+        row(R"(WRITEREG status=8006 reason="the sender does not have control")",
+            packets::writeRegister(reg::PersistentIp, 1));
+        row(R"(WRITEREG status=8002 reason="invalid value")",
+            packets::writeRegister(reg::ControlChannelPrivilege, 8));
+        row(R"(WRITEMEM status=8005 reason="the length is not a multiple of four")",
+            command(Command::WriteMem, "longer"));
+        row(R"(00AB status=8001 reason="unknown command")", command(Command{0x00AB}, {}));
     }
 
     void commandsAreRefused()
     {
         QFETCH(const QByteArray, message);
-        QFETCH(const QString, told);
         Bench bench({{"refuse", QJsonObject{{"read:0x0904", "8001"}}}});
         QCOMPARE(bench.ask(message).size(), 1);
-        QCOMPARE(bench.takeEvents(), QStringList{"refused camera=camera command=" + told});
+        QCOMPARE(bench.takeEvents(),
+                 QStringList{QString("refused camera=camera command=") + QTest::currentDataTag()});
     }
 
     void controlExcludesOthersAndLapsesInSilence()
@@ -174,28 +170,19 @@ private slots:
 
     void faultsHappenAsTheSceneSays_data()
     {
-        QTest::addColumn<QJsonObject>("camera");
-        QTest::addColumn<QJsonObject>("line");
-        QTest::addColumn<QStringList>("atOnce");
-        QTest::addColumn<QStringList>("later");
+        const auto row = addColumns<QJsonObject, QJsonObject, QStringList, QStringList>("camera", "line",
+                                                                                        "atOnce", "later");
         const QString good = "READREG success 00000000";
         const QString bad = "no acknowledge";
-        const auto camera = [](const char* name, const QJsonObject& fault, const QStringList& atOnce,
-                               const QStringList& later) {
-            QTest::newRow(name) << fault << QJsonObject() << atOnce << later;
-        };
-        const auto line = [](const char* fault, const QStringList& atOnce, const QStringList& later) {
-            QTest::newRow(fault) << QJsonObject() << QJsonObject{{fault, 100}} << atOnce << later;
-        };
-        camera("the first packet is lost", {{"losePackets", QJsonArray{1}}}, {}, {});
-        camera("answers are repeated", {{"repeatAnswers", 2}}, {good, good, good}, {});
-        camera("answers are late", {{"answerDelayMs", 20}}, {}, {good});
-        line("garbagePercent", {bad}, {});
-        line("truncatePercent", {bad}, {});
-        line("lossPercent", {}, {});
-        line("reorderPercent", {}, {good});
-        line("duplicatePercent", {good, good, good, good}, {});
-        line("delayMs", {}, {good});
+        row("the first packet is lost", {{"losePackets", QJsonArray{1}}}, {}, {}, {});
+        row("answers are repeated", {{"repeatAnswers", 2}}, {}, {good, good, good}, {});
+        row("answers are late", {{"answerDelayMs", 20}}, {}, {}, {good});
+        row("the line spoils bytes", {}, {{"garbagePercent", 100}}, {bad}, {});
+        row("the line cuts packets off", {}, {{"truncatePercent", 100}}, {bad}, {});
+        row("the line loses packets", {}, {{"lossPercent", 100}}, {}, {});
+        row("the line reorders packets", {}, {{"reorderPercent", 100}}, {}, {good});
+        row("the line doubles packets", {}, {{"duplicatePercent", 100}}, {good, good, good, good}, {});
+        row("the line is slow", {}, {{"delayMs", 100}}, {}, {good});
     }
 
     void faultsHappenAsTheSceneSays()

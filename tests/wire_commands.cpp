@@ -59,16 +59,10 @@ private slots:
 
     void aTemporaryAddressCountsWhereTheCameraIsSeenWithIt_data()
     {
-        QTest::addColumn<std::string>("mac");
-        QTest::addColumn<std::string>("wanted");
-        QTest::addColumn<QString>("told");
-        const auto row = [](const char* name, const char* mac, const char* wanted,
-                            const QString& told = "no failure") {
-            QTest::newRow(name) << std::string(mac) << std::string(wanted) << told;
-        };
+        const auto row = addColumns<std::string, std::string, QString>("mac", "wanted", "told");
         const QString tryAgain = " Try again, or choose another temporary address.";
-        row("taken at once", "02A317000001", "192.168.10.131");
-        row("taken later than acknowledged", "02A317000002", "192.168.10.132");
+        row("taken at once", "02A317000001", "192.168.10.131", "no failure");
+        row("taken later than acknowledged", "02A317000002", "192.168.10.132", "no failure");
         row("acknowledged and not taken", "02A317000003", "192.168.10.133",
             "The camera 02:A3:17:00:00:03 was given the address 192.168.10.133 but has 192.168.10.23." +
                 tryAgain);

@@ -1,4 +1,5 @@
 #include "support/cameralayer.h"
+#include "support/columns.h"
 #include "support/lines.h"
 #include "support/simulator.h"
 #include "support/trace.h"
@@ -148,11 +149,7 @@ private slots:
 
     void peculiarCamerasAreFoundAsWhatTheyAre_data()
     {
-        QTest::addColumn<QJsonArray>("adapters");
-        QTest::addColumn<QStringList>("cameras");
-        QTest::addColumn<int>("searches"); // which all find the same
-        const auto row = [](const char* name, const QJsonArray& adapters, const QStringList& cameras,
-                            int searches = 1) { QTest::newRow(name) << adapters << cameras << searches; };
+        const auto row = addColumns<QJsonArray, QStringList, int>("adapters", "cameras", "searches");
         const QJsonObject good = simulatedCamera(1, "good", "192.168.10.21");
         const auto withOther = [&](const char* address, const QJsonObject& camera) {
             return behindOneAdapter({good}) + QJsonValue(simulatedAdapter("lab1", {address}, {camera}));
@@ -160,38 +157,39 @@ private slots:
         const QJsonObject again{{"name", "again"}, {"serial", "2"}, {"sharesMac", true}};
         row("a camera of another network claims the address of a good one",
             withOther("192.168.20.1/24", simulatedCamera(2, "stray", "192.168.10.21")),
-            {found("good"), found("stray", "not reachable", "lab1")});
+            {found("good"), found("stray", "not reachable", "lab1")}, 1);
         row("two networks with the same addresses",
             withOther("192.168.10.2/24", simulatedCamera(2, "double", "192.168.10.21")),
-            {found("good"), found("double", "free", "lab1")});
+            {found("good"), found("double", "free", "lab1")}, 1);
         row("two cameras with one MAC address",
             behindOneAdapter({good, simulatedCamera(1, "twin", "192.168.10.22", again)}),
-            {found("good", "free, same MAC as twin (2) at 192.168.10.22")});
+            {found("good", "free, same MAC as twin (2) at 192.168.10.22")}, 1);
         row("one camera that answers with two addresses",
             behindOneAdapter({good, simulatedCamera(1, "good", "192.168.10.22",
                                                     {{"name", "again"}, {"sharesMac", true}})}),
-            {found("good", "free, same MAC as good (1) at 192.168.10.22")});
+            {found("good", "free, same MAC as good (1) at 192.168.10.22")}, 1);
         row("two networks with one MAC address",
             withOther("192.168.20.1/24", simulatedCamera(1, "twin", "192.168.20.21", again)),
             {found("good", "free, same MAC as twin (2) at 192.168.20.21"),
-             found("twin", "free, same MAC as good (1) at 192.168.10.21", "lab1")});
+             found("twin", "free, same MAC as good (1) at 192.168.10.21", "lab1")},
+            1);
         row("every answer 900 ms late",
             behindOneAdapter({simulatedCamera(1, "late", "192.168.10.21",
                                               {{"discoveryDelayMs", 900}, {"answerDelayMs", 900}})}),
-            {found("late")});
+            {found("late")}, 1);
         row("another device answers at the camera's address",
             behindOneAdapter({simulatedCamera(9, "device", "192.168.10.21", {{"muteToDiscovery", true}}),
                               simulatedCamera(1, "mute", "192.168.10.21", {{"muteToUnicast", true}})}),
-            {found("mute", "not reachable")});
+            {found("mute", "not reachable")}, 1);
         row("a camera whose packets come from another MAC address than it says",
             behindOneAdapter(
                 {simulatedCamera(1, "bonded", "192.168.10.21", {{"interfaceMac", "02-00-00-00-00-77"}})}),
-            {found("bonded")});
+            {found("bonded")}, 1);
         row("a good camera behind more that stay silent than are asked at once",
             behindOneAdapter({simulatedCamera(1, "", "192.168.10.21",
                                               {{"name", "mute"}, {"count", 140}, {"muteToUnicast", true}}),
                               simulatedCamera(200, "good", "192.168.10.200")}),
-            QStringList(140, found("", "not reachable")) + QStringList{found("good")});
+            QStringList(140, found("", "not reachable")) + QStringList{found("good")}, 1);
         row("a camera that works off one request after another",
             {simulatedAdapter("lab0", {"192.168.10.1/24", "10.9.0.1/16"},
                               {simulatedCamera(1, "simple", "192.168.10.21", {{"workMs", 60}})}),
