@@ -87,14 +87,7 @@ class TestNodeMap : public QObject
     std::optional<FakePort> m_port;
     std::unique_ptr<GenApi::INodeMap> m_map;
 
-    QString warnings()
-    {
-        QStringList texts;
-        for (const auto& line : m_trace->lines("Lanvic.Camera.NodeMap")) {
-            texts << line.text;
-        }
-        return texts.join('\n');
-    }
+    QString warnings() { return m_trace->texts("Lanvic.Camera.NodeMap").join('\n'); }
     auto name() { return GenApi::CPointer<GenApi::IString>(m_map->GetNode("DeviceUserID")); }
     /// Writes the name "new". What is then where the name was, or why it failed.
     QString writeName()

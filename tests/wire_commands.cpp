@@ -5,6 +5,7 @@
 
 #include "tessal/devicechoice.h"
 
+#include <QRegularExpression>
 #include <QTest>
 
 #include <optional>
@@ -39,11 +40,7 @@ class CommandsTest : public QObject
 
     static QStringList warnings(const TraceCapture& trace)
     {
-        QStringList texts;
-        for (const TraceCapture::Line& line : trace.lines("Lanvic.Camera.Requests")) {
-            texts += line.level == QtWarningMsg ? QStringList{line.text} : QStringList();
-        }
-        return texts;
+        return trace.texts("Lanvic.Camera.Requests").filter(QRegularExpression("^warning "));
     }
 
     std::optional<Simulator> m_simulator;
@@ -153,8 +150,8 @@ private slots:
                  !stored.isEmpty());
         const QStringList events = m_simulator->takeEvents();
         QCOMPARE(events.value(0).section("persistent-ip=", 1).section(' ', 0, 0), stored);
-        const QString refused = "Camera MAC=025E41000007 was not sent the broadcast configuration: no camera "
-                                "can have the address %1.";
+        const QString refused = "warning Camera MAC=025E41000007 was not sent the broadcast configuration: "
+                                "no camera can have the address %1.";
         QCOMPARE(warnings(trace),
                  stored.isEmpty() ? QStringList{refused.arg(address.c_str())} : QStringList());
     }
@@ -192,10 +189,8 @@ private slots:
             (*m_layer)->BroadcastIpConfig("025E41000001", false, true, "0.0.0.0", "0.0.0.0", "0.0.0.0", ""),
             refusal.isEmpty());
         QCOMPARE(m_simulator->takeEvents().filter("configured ").isEmpty(), !refusal.isEmpty());
-        QCOMPARE(warnings(trace).join(""),
-                 refusal.isEmpty()
-                     ? QString()
-                     : "Camera MAC=025E41000001 did not take the broadcast configuration: " + refusal + ".");
+        const QString told = "warning Camera MAC=025E41000001 did not take the broadcast configuration: %1.";
+        QCOMPARE(warnings(trace).join(""), refusal.isEmpty() ? QString() : told.arg(refusal));
     }
 };
 

@@ -38,3 +38,13 @@ QList<TraceCapture::Line> TraceCapture::lines(const QString& category) const
     selected.removeIf([&](const Line& line) { return !category.isEmpty() && line.category != category; });
     return selected;
 }
+
+QStringList TraceCapture::texts(const QString& category) const
+{
+    static const char* const levels[] = {"debug", "warning", "error", "fatal", "info"};
+    QStringList told;
+    for (const Line& line : lines(category)) {
+        told << QString::fromLatin1(levels[line.level]) + ' ' + line.text;
+    }
+    return told;
+}

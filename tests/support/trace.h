@@ -2,6 +2,7 @@
 
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 /// Keeps every Qt message that is written while it lives, trace lines included, and passes each on to where
 /// it went before. One at a time, made and destroyed on one thread; messages may come from any.
@@ -23,4 +24,6 @@ public:
 
     /// The lines in order, of one category where that is given.
     [[nodiscard]] QList<Line> lines(const QString& category = {}) const;
+    /// The same as "level text".
+    [[nodiscard]] QStringList texts(const QString& category = {}) const;
 };

@@ -209,11 +209,7 @@ QStringList WindowTest::save(const QList<Answer>& answers)
 
 QStringList WindowTest::takeTrace(const QString& category)
 {
-    static const char* const levels[] = {"debug", "warning", "error", "fatal", "info"};
-    QStringList lines;
-    for (const TraceCapture::Line& line : m_messages->lines(category)) {
-        lines << QString::fromLatin1(levels[line.level]) + ' ' + line.text;
-    }
+    QStringList lines = m_messages->texts(category);
     m_messages.emplace();
     return lines;
 }
