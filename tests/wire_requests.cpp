@@ -127,14 +127,8 @@ private slots:
         const QString failure = failureOf([&] {
             try {
                 opened();
-            } catch (const GenICam::TimeoutException&) {
-                exception = "TimeoutException";
-                throw;
-            } catch (const GenICam::AccessException&) {
-                exception = "AccessException";
-                throw;
-            } catch (const GenICam::LogicalErrorException&) {
-                exception = "LogicalErrorException";
+            } catch (const GenICam::GenericException& thrown) { // names its type before its place
+                exception = QString(thrown.what()).section(" thrown (", 0, 0).section(' ', -1);
                 throw;
             }
         });
