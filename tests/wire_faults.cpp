@@ -135,8 +135,7 @@ private slots:
         QCOMPARE(difference(refreshed(), all.first(all.indexOf("lab1"))), "");
         ip("link set lab1 up");
         QTRY_COMPARE(difference(refreshed(), all), "");
-        ip("address delete 192.168.20.1/24 dev lab1"); // without a camera, since no address is left to ask
-                                                       // from
+        ip("address delete 192.168.20.1/24 dev lab1"); // no address is left to ask from
         QCOMPARE(refreshed().last(), "lab1");
         QVERIFY(row("lab1").toolTip(0).startsWith("No camera can be found through lab1, "));
         ip("address add 192.168.10.2/24 dev lab1"); // two adapters in one subnet
