@@ -80,6 +80,7 @@ private slots:
             (QStringList{"Connection failed|Access denied\nThe device is controlled by another application.\n"
                          "Close the connection before changing the IP configuration.|OK|",
                          notSaved}));
+        QCOMPARE(takeIcons().at(2), QMessageBox::Warning); // after the two of the first save
         QCOMPARE(m_world.take().last(), "Open(192.168.1.9, 1+3+4)");
         QCOMPARE(text("editCustomName"), "belt");
         expect({escape});
