@@ -2,7 +2,6 @@
 #include "ozlog/ozlog.h"
 #include "qtbase/failuretexts.h"
 #include "qtbase/formatting.h"
-#include "qtbase/helpandsupport.h"
 #include "qtbase/ipaddresswidget.h"
 #include "qtbase/messages.h"
 #include "qtbase/validators.h"
@@ -11,11 +10,9 @@
 
 #include <QApplication>
 #include <QDialogButtonBox>
-#include <QDir>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
-#include <QNetworkInterface>
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
@@ -305,19 +302,6 @@ private slots:
         QVERIFY(dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok)->isEnabled());
         mac.setText("02-5E-41-00-00-04");
         QCOMPARE(camera.text(), "not in the list");
-    }
-
-    void supportInfoNamesNoAdapter()
-    {
-        const QString info = GetOrvikSupportInfo(true);
-        QVERIFY(info.contains(qVersion()));
-        for (const QNetworkInterface& adapter : QNetworkInterface::allInterfaces()) {
-            QString mac = adapter.hardwareAddress();
-            QVERIFY(mac.remove(':').toLongLong(nullptr, 16) == 0 ||
-                    !info.contains(adapter.hardwareAddress(), Qt::CaseInsensitive));
-            QVERIFY(info.contains(QStringLiteral("MTU %1").arg(adapter.maximumTransmissionUnit())));
-        }
-        QVERIFY(!GetOrvikSupportInfo(false).contains("MTU"));
     }
 };
 

@@ -156,7 +156,12 @@ private slots:
             "through either. Give each adapter a network of its own.";
         QCOMPARE(row("küche").toolTip(0), told);
         QCOMPARE(row("lan0").toolTip(0), "");
-        QVERIFY(GetOrvikSupportInfo(true).contains(told));
+        const QString support = GetOrvikSupportInfo(true);
+        QVERIFY(support.contains(told));
+        QVERIFY(support.contains(qVersion()));
+        QVERIFY(support.contains("MTU 1500") && support.contains("MTU 65536"));
+        QVERIFY2(!support.contains("02:00:00:00"), qPrintable(support)); // the begin of their addresses
+        QVERIFY(!GetOrvikSupportInfo(false).contains("MTU"));
         select("lan1");
         QCOMPARE(hint(), QString());
         const QString block =
