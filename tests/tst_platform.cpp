@@ -19,20 +19,7 @@
 
 #include <optional>
 
-namespace {
-
 using Conversion = QString (*)(const QString&);
-
-/// Rows of texts that the conversion makes that one of, or leaves as they are.
-void addTexts(const char* kind, Conversion convert, const QStringList& texts,
-              const std::optional<QString>& expected = {})
-{
-    for (const QString& text : texts) {
-        QTest::addRow("%s '%s'", kind, qPrintable(text)) << convert << text << expected.value_or(text);
-    }
-}
-
-} // namespace
 
 /// Formats, validators, messages and the dialog for addresses.
 class PlatformTest : public QObject
@@ -42,9 +29,14 @@ class PlatformTest : public QObject
 private slots:
     void textsAreConverted_data()
     {
-        QTest::addColumn<Conversion>("convert");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("expected");
+        const auto row = addColumns<Conversion, QString, QString>("convert", "text", "expected");
+        // Rows of texts that the conversion makes that one of, or leaves as they are.
+        const auto addTexts = [&row](const char* kind, Conversion convert, const QStringList& texts,
+                                     const std::optional<QString>& expected = {}) {
+            for (const QString& text : texts) {
+                row(qPrintable(kind + (" '" + text) + '\''), convert, text, expected.value_or(text));
+            }
+        };
         const Conversion address = [](const QString& text) { return addressFromText(text).toString(); };
         addTexts("address", address, {"192.168.1.20", "0.0.0.0", "255.255.255.255"});
         addTexts("address", address, {"010.001.000.099"}, "10.1.0.99");
