@@ -69,6 +69,7 @@ private slots:
         row("the address of another camera", "02A317000001", "192.168.10.24",
             "The address 192.168.10.24, which was given to the camera 02:A3:17:00:00:01, is also that of the "
             "camera 02:A3:17:00:00:04. Choose another temporary address.");
+        row("no camera of that MAC address", "02A317000044", "192.168.10.136", "no failure");
         row("refused for another application", "02A317000005", "192.168.10.135",
             "The camera 02:A3:17:00:00:05 is controlled by another application. Close the connection there, "
             "then try again.");
