@@ -240,6 +240,7 @@ private slots:
             "camera", written);
         const QString missing = "NULL pointer dereferenced";
         row("a number", integer("DeviceUserID", "1"), missing, missing);
+        row("a fixed text", node("String", "DeviceUserID", {{"Value", "fixed"}}), "fixed", readOnly);
         row("nothing of that name", node("Integer", "Width"), missing, missing);
     }
 

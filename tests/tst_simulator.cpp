@@ -93,10 +93,10 @@ private:
 };
 
 /// Exit code and complaint of a simulator that does not start.
-QByteArray refusal()
+QByteArray refusal(const QStringList& arguments = {QDir(SCENES).filePath("cameras-1.json")})
 {
     QProcess process;
-    process.start(SIMULATOR, {QDir(SCENES).filePath("cameras-1.json")});
+    process.start(SIMULATOR, arguments);
     process.waitForFinished();
     return QByteArray::number(process.exitCode()) + ' ' + process.readAllStandardError().trimmed();
 }
@@ -156,6 +156,8 @@ private slots:
         QCOMPARE(bench.ask(takeExclusive), QStringList{packets::done});
         bench.wait(2999);
         bench.ask(readPrivilege); // any command keeps it
+        bench.wait(2999);
+        bench.ask(packets::writeRegister(reg::HeartbeatTimeout, 3000));
         QCOMPARE(bench.takeEvents(),
                  QStringList{"controlled camera=camera by=192.168.10.1 privilege=exclusive reason=written"});
         bench.wait(2999);
@@ -287,6 +289,7 @@ private slots:
         QVERIFY(OtherProgram().ask("192.168.10.255", packets::discovery()).startsWith("DISCOVERY success "));
         QVERIFY(simulator->await("found camera=camera mac=025E41000001 from=192.168.10.1:"));
         QCOMPARE(refusal(), "3 gige-simulator: there is already an adapter lab0");
+        QVERIFY2(refusal({}).startsWith("2 usage: gige-simulator "), refusal({}));
         simulator.reset();
         QVERIFY(QProcess::execute("ip", {"link", "show", "lab0"}) != 0);
         QCOMPARE(QProcess::execute("ip", {"tuntap", "add", "eth9", "mode", "tun"}), 0);

@@ -160,6 +160,7 @@ private slots:
         QVERIFY(support.contains(told));
         QVERIFY(support.contains(qVersion()));
         QVERIFY(support.contains("MTU 1500") && support.contains("MTU 65536"));
+        QVERIFY2(support.contains(QRegularExpression("rp_filter of all: \\d\\)")), qPrintable(support));
         QVERIFY2(!support.contains("02:00:00:00"), qPrintable(support)); // the begin of their addresses
         QVERIFY(!GetOrvikSupportInfo(false).contains("MTU"));
         select("lan1");
