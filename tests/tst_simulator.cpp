@@ -71,6 +71,18 @@ public:
         return std::exchange(m_arpRequests, {});
     }
 
+    /// What the camera sends once the gateway has told its MAC address.
+    QStringList answerArp(net::Ipv4 gateway)
+    {
+        const wire::Arp arp{.operation = wire::ArpOperation::Reply,
+                            .senderMac = hostMac,
+                            .senderIp = gateway,
+                            .targetMac = cameraMac,
+                            .targetIp = cameraIp};
+        m_network.receive(0, wire::buildArp(cameraMac, arp).all(), m_now);
+        return std::exchange(m_answers, {});
+    }
+
 private:
     void keep(std::span<const std::uint8_t> bytes)
     {
@@ -211,7 +223,9 @@ private slots:
         QFETCH(const QByteArray, message);
         const QJsonObject address{{"ip", "192.168.10.21"}, {"mask", "255.255.255.0"}, {"gateway", gateway}};
         Bench bench({{"persistent", address}});
-        QTEST(bench.send(foreignHostIp, net::limitedBroadcast, message), "arpRequests");
+        const QStringList asked = bench.send(foreignHostIp, net::limitedBroadcast, message);
+        QTEST(asked, "arpRequests");
+        QCOMPARE(bench.answerArp({0xC0A80A01}).size(), asked.size());
     }
 
     void eventsHoldNoControlCharacters()
