@@ -293,7 +293,8 @@ private slots:
             QFAIL("accepted");
         } catch (const sim::SceneError& error) {
             const QString expected = "adapters[0].cameras[0]." + told;
-            QCOMPARE(QString(error.what()).left(expected.size()), expected);
+            const bool goesOn = told.endsWith(' '); // with words and numbers of no interest
+            QCOMPARE(QString(error.what()).left(goesOn ? expected.size() : -1), expected);
         }
     }
 

@@ -147,7 +147,7 @@ private slots:
         start("test-commands");
         const TraceCapture trace;
         QCOMPARE((*m_layer)->BroadcastIpConfig("025E41000007", isStatic, false, address, "255.255.255.0",
-                                               "0.0.0.0", "gate"),
+                                               "0.0.0.0", "sixteen bytes..."),
                  !stored.isEmpty());
         const QStringList events = m_simulator->takeEvents();
         QCOMPARE(events.value(0).section("persistent-ip=", 1).section(' ', 0, 0), stored);

@@ -38,7 +38,7 @@ std::optional<net::Ipv4> maskFromPrefixLength(QStringView text)
     if (text.startsWith(QLatin1Char('/'))) {
         text = text.mid(1);
     }
-    if (text.isEmpty() || text.size() > 2 || !std::ranges::all_of(text, isAsciiDigit)) {
+    if (text.size() > 2 || !std::ranges::all_of(text, isAsciiDigit)) {
         return std::nullopt;
     }
     const int length = text.toInt();
