@@ -1,3 +1,4 @@
+#include "qtbase/advicesign.h"
 #include "support/gui.h"
 #include "tessal/failure.h"
 
@@ -103,6 +104,7 @@ private slots:
         const auto readReason = [&](QWidget& dialog) {
             const auto& label = gui::child<QLabel>(dialog, "labelReason");
             reason = label.text() + " Details: " + label.toolTip();
+            QCOMPARE(label.toolTip(), toolTipText(label.accessibleDescription()));
             fillAddress("223.255.255.255")(dialog);
         };
         const auto complete = [this](QWidget& dialog) { // the suggestion
@@ -348,7 +350,9 @@ private slots:
         QCOMPARE(m_world.take().mid(2), // after the layer that could not be made
                  (QStringList{"CreateTl(OrvikGigE)",
                               "ForceIp(025E410A0B0C, 172.16.3.50, 255.255.240.0, 0.0.0.0)", "sleep(2)"}));
-        QCOMPARE(takeTrace().first(), "info Forcing IP of device with MAC=<unknown>.");
+        const QStringList traced = takeTrace();
+        QCOMPARE(traced.first(), "info Forcing IP of device with MAC=<unknown>.");
+        QCOMPARE(traced.filter("object : RuntimeException thrown (file 'DeviceLister', line ").size(), 1);
         QCOMPARE(row("km-1").text(6), "172.16.3.50");
 
         select("km-1");

@@ -117,14 +117,14 @@ private slots:
         for (const char* const key :
              {"MacAddress", "Interface", "Address", "SubnetMask", "DefaultGateway", "IpConfigOptions",
               "IpConfigCurrent", "VendorName", "ModelName", "DeviceVersion", "ManufacturerInfo",
-              "SerialNumber", "UserDefinedName", "FriendlyName"}) {
+              "SerialNumber", "UserDefinedName", "FriendlyName", "DeviceClass", "PortNr"}) {
             values << valueOf(identity(), key);
         }
         const QByteArray serial(16, 's'), name(16, 'n');
         QCOMPARE(values, (QByteArrayList{"025E410A0B0C", "192.168.10.1", "192.168.10.51:3956",
                                          "255.255.255.0", "192.168.10.254", "7", "6", QByteArray(32, 'v'),
                                          QByteArray(32, 'm'), QByteArray(32, 'd'), QByteArray(48, 'i'),
-                                         serial, name, name + " (" + serial + ")"}));
+                                         serial, name, name + " (" + serial + ")", "OrvikGigE", "3956"}));
         QVERIFY(!decodeIdentity(Bytes(identity()).first(247)));
     }
 

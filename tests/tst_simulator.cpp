@@ -172,6 +172,9 @@ private slots:
         bench.ask(packets::writeRegister(reg::HeartbeatTimeout, 3000));
         QCOMPARE(bench.takeEvents(),
                  QStringList{"controlled camera=camera by=192.168.10.1 privilege=exclusive reason=written"});
+        bench.ask(packets::writeRegister(reg::NetworkInterfaceCount, 2));
+        QCOMPARE(bench.takeEvents().join("").section("status=", 1),
+                 "8004 reason=\"the register is read-only\"");
         bench.wait(2999);
         QCOMPARE(bench.ask(packets::readRegister(reg::CurrentIp), 2000), // but not one of another application
                  QStringList{"READREG access denied"});
