@@ -102,10 +102,10 @@ QString describeAdapter(const QNetworkInterface& adapter)
             addresses += QStringLiteral("%1/%2").arg(entry.ip().toString()).arg(entry.prefixLength());
         }
     }
+    const QString name = adapterName(adapter.name());
     return Texts::tr("%1: %2, %3, MTU %4, rp_filter %5, %6")
-        .arg(shareableName(adapterName(adapter.name())), kindOf(adapter), connectionOf(adapter),
-             QString::number(adapter.maximumTransmissionUnit()),
-             reversePathFilter(adapterName(adapter.name())),
+        .arg(shareableName(name), kindOf(adapter), connectionOf(adapter),
+             QString::number(adapter.maximumTransmissionUnit()), reversePathFilter(name),
              addresses.isEmpty() ? Texts::tr("no IPv4 address") : addresses.join(QLatin1String(", ")));
 }
 
