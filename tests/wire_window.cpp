@@ -24,7 +24,7 @@ const QString pictures = // of their families
 
 } // namespace
 
-/// What the window shows of cameras, and the command that gives one an address for the time being.
+/// What the window shows of cameras, and the two commands that give one an address for the time being.
 class WireWindowTest : public WireTest
 {
     Q_OBJECT
@@ -45,7 +45,7 @@ private slots:
         }
     }
 
-    void aCameraIsGivenATemporaryAddress()
+    void aCameraIsGivenAddressesByItsRowAndByItsMac()
     {
         start("test-saving", "BX-4");
         sleepUntil({"forced camera=foreign ip=192.168.10.134 mask=255.255.255.0 gateway=0.0.0.0"});
@@ -57,6 +57,13 @@ private slots:
         openMenuOf("BX-4");
         QVERIFY(rows().contains("  BX-4||4|02:A3:17:00:00:04|OK|Static IP|192.168.10.134|255.255.255.0"));
         QCOMPARE(takeSleeps(), 1);
+
+        sleepUntil({"forced camera=foreign ip=192.168.10.135 mask=255.255.255.0 gateway=0.0.0.0"});
+        takeDialogs();
+        expect({gui::fill({{"editMacAddress", "02-a3-17-00-00-04"}, {"editIpAddress", "192.168.10.135"}})});
+        press(QKeySequence("Alt+Shift+Ctrl+F"));
+        QCOMPARE(takeDialogs(), QStringList{gui::forceIpDialog});
+        QTRY_VERIFY(rows().contains("  BX-4||4|02:A3:17:00:00:04|OK|Static IP|192.168.10.135|255.255.255.0"));
         const QStringList kept = simulator().states("foreign").filter(" persistent-ip=172.16.4.9 ");
         QCOMPARE(kept.filter(" mode=forced ").size(), 1);
     }
