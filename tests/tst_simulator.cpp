@@ -169,13 +169,13 @@ private slots:
         bench.wait(2999);
         bench.ask(readPrivilege); // any command keeps it
         bench.wait(2999);
-        bench.ask(packets::writeRegister(reg::HeartbeatTimeout, 3000));
         QCOMPARE(bench.takeEvents(),
                  QStringList{"controlled camera=camera by=192.168.10.1 privilege=exclusive reason=written"});
         bench.ask(packets::writeRegister(reg::NetworkInterfaceCount, 2));
         QCOMPARE(bench.takeEvents().join("").section("status=", 1),
                  "8004 reason=\"the register is read-only\"");
-        bench.wait(2999);
+        bench.ask(packets::writeRegister(reg::HeartbeatTimeout, 6000)); // from now on
+        bench.wait(5999);
         QCOMPARE(bench.ask(packets::readRegister(reg::CurrentIp), 2000), // but not one of another application
                  QStringList{"READREG access denied"});
         QCOMPARE(bench.takeEvents(), QStringList{"refused camera=camera command=READREG status=8006 "
