@@ -6,6 +6,7 @@
 #include "obstacles.h"
 #include "record.h"
 #include "request.h"
+#include "support/columns.h"
 
 #include <QtTest>
 
@@ -60,20 +61,29 @@ class GigeTest : public QObject
     Q_OBJECT
 
 private slots:
+    void commandsAreTheBytesThatCamerasExpect_data()
+    {
+        const auto row = addColumns<QByteArray, QByteArray>("encoded", "bytes");
+        const std::array<std::uint8_t, 8> data{1, 2, 3, 4, 5, 6, 7, 8};
+        row("a discovery", toHex(encodeDiscovery(0x1234)), "4211000200001234");
+        row("a temporary address", toHex(encodeForceIp(7, {mac, {0xC0A80A33}, {0xFFFFFF00}, {0xC0A80AFE}})),
+            "42110004003800070000025e410a0b0c" + gap + "c0a80a33" + gap + "ffffff00" + gap + "c0a80afe");
+        row("a configuration whose name is cut to 16 bytes",
+            toHex(encodeBroadcastIpConfig(
+                8, {mac, 5, {0x0A000001}, {0xFF000000}, {0x0A0000FE}, "sixteen bytes and more"})),
+            "42118010002800080000025e410a0b0c000000050a000001ff0000000a0000fe" +
+                QByteArray("sixteen bytes an").toHex());
+        row("reading a register", toHex(encodeReadReg(9, 0x0A00)), "420100800004000900000a00");
+        row("writing a register, with the last request id", toHex(encodeWriteReg(0xFFFF, 0x0A00, 2)),
+            "420100820008ffff00000a0000000002");
+        row("reading memory", toHex(encodeReadMem(10, 0x200, 512)), "420100840008000a0000020000000200");
+        row("writing memory", toHex(encodeWriteMem(11, 0xE8, data)),
+            "42010086000c000b000000e80102030405060708");
+    }
     void commandsAreTheBytesThatCamerasExpect()
     {
-        const std::array<std::uint8_t, 8> data{1, 2, 3, 4, 5, 6, 7, 8};
-        QCOMPARE(toHex(encodeDiscovery(0x1234)), "4211000200001234");
-        QCOMPARE(toHex(encodeForceIp(7, {mac, {0xC0A80A33}, {0xFFFFFF00}, {0xC0A80AFE}})),
-                 "42110004003800070000025e410a0b0c" + gap + "c0a80a33" + gap + "ffffff00" + gap + "c0a80afe");
-        QCOMPARE(toHex(encodeBroadcastIpConfig(
-                     8, {mac, 5, {0x0A000001}, {0xFF000000}, {0x0A0000FE}, "sixteen bytes and more"})),
-                 "42118010002800080000025e410a0b0c000000050a000001ff0000000a0000fe"
-                 "7369787465656e20627974657320616e");
-        QCOMPARE(toHex(encodeReadReg(9, 0x0A00)), "420100800004000900000a00");
-        QCOMPARE(toHex(encodeWriteReg(0xFFFF, 0x0A00, 2)), "420100820008ffff00000a0000000002");
-        QCOMPARE(toHex(encodeReadMem(10, 0x200, 512)), "420100840008000a0000020000000200");
-        QCOMPARE(toHex(encodeWriteMem(11, 0xE8, data)), "42010086000c000b000000e80102030405060708");
+        QFETCH(const QByteArray, encoded);
+        QTEST(encoded, "bytes");
     }
 
     void anAcknowledgeIsTakenOnlyWhole()
@@ -128,19 +138,21 @@ private slots:
         QVERIFY(!decodeIdentity(Bytes(identity()).first(247)));
     }
 
+    void aNameIsMadeUtf8AndNoLonger_data()
+    {
+        const auto row = addColumns<QByteArray, QByteArray>("stored", "name");
+        const QByteArray allLengths = "c280e0a080ed9fbff0908080f48fbfbf";
+        row("characters of every length", allLengths, QByteArray::fromHex(allLengths));
+        row("Latin-1, half a character, erased flash memory", "6be46c6e20c3ff00", "k?ln ?");
+        row("not the shortest form, and too large", "c1bfe09fbfeda080f09f98f580808000", QByteArray(15, '?'));
+        row("four bytes below and above their range", "f08fbfbff4908080c3a900", "????????\xC3\xA9");
+    }
     void aNameIsMadeUtf8AndNoLonger()
     {
-        const auto nameOf = [](const QByteArray& stored) {
-            Packet payload = identity();
-            put(payload, nameAt, stored);
-            return valueOf(payload, "UserDefinedName");
-        };
-        const QByteArray allLengths = "c280e0a080ed9fbff0908080f48fbfbf";
-        QCOMPARE(nameOf(allLengths), QByteArray::fromHex(allLengths));
-        QCOMPARE(nameOf("6be46c6e20c3ff00"), "k?ln ?"); // Latin-1, half a character, erased flash memory
-        QCOMPARE(nameOf("c1bfe09fbfeda080f09f98f580808000"),
-                 QByteArray(15, '?')); // not the shortest, too large
-        QCOMPARE(nameOf("f08fbfbff4908080c3a900"), "????????\xC3\xA9");
+        QFETCH(const QByteArray, stored);
+        Packet payload = identity();
+        put(payload, nameAt, stored);
+        QTEST(valueOf(payload, "UserDefinedName"), "name");
     }
 
     void aFriendlyNameIsMadeOfWhatThereIs()
